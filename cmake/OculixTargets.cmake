@@ -1,0 +1,19 @@
+# Shared compile settings for every Oculix target.
+function(oculix_target_settings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
+  if(OCULIX_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  if(OCULIX_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${OCULIX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(${target} PRIVATE -fsanitize=${OCULIX_SANITIZE})
+  endif()
+endfunction()
+
+# Sources of a directory, found by pattern so that each directory's owner
+# adds classes without touching the build files.
+function(oculix_glob_sources out dir)
+  file(GLOB _found CONFIGURE_DEPENDS
+       ${dir}/*.cpp ${dir}/*.h ${dir}/*.qrc)
+  set(${out} ${_found} PARENT_SCOPE)
+endfunction()
