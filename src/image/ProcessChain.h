@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QtGlobal>
+
+// The processing switches of a picture document.
+struct ProcessSwitches
+{
+    bool flip = false;
+    bool mirror = false;
+    bool gray = false;
+    bool negative = false;
+    bool binary = false;
+    int binaryLevel = 0; // threshold of the binary operation
+    bool emboss = false;
+    bool sharpen = false;
+    bool colorGain = false;
+    int red = 0; // colour gains, 0..63
+    int green = 0;
+    int blue = 0;
+};
+
+// Rebuilds a processed picture from its unprocessed copy, so operations never
+// accumulate: copies width * height * 3 bytes from source to target, then
+// applies the switched-on operations in a fixed order (flip, mirror, gray,
+// negative, binary, emboss, sharpen, colour gain last). Both buffers are
+// 24-bit bottom-up with rows padded to 4 bytes. The byte count ignores the
+// row padding on purpose: for padded widths the tail of target keeps its
+// previous bytes. Does nothing for a null buffer or an empty size.
+void RunProcessChain(
+    const uchar* source, uchar* target, unsigned width, unsigned height, const ProcessSwitches& switches);
