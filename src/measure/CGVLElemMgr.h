@@ -1,0 +1,122 @@
+#pragma once
+
+#include "calibration/CalibrationRecord.h"
+#include "calibration/ColorRecord.h"
+#include "measure/CGVLShape.h"
+
+#include <QPoint>
+#include <QString>
+#include <QtGlobal>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+class QPainter;
+class QWidget;
+
+// Owns the elements of one document, turns the overlay window's mouse events
+// into creating, selecting, dragging and deleting elements by the current
+// tool code, and draws the elements: on the screen, into the live video's
+// overlay bitmap and into the overlay burnt into a saved picture.
+//
+// Threads: the live overlay worker calls DrawToBits while the user interface
+// thread edits elements. Every operation below holds the manager's lock. Code
+// that reads or writes the public fields or m_arShape directly while a worker
+// may be drawing holds Lock() for as long as it does. Stop the worker before
+// destroying the manager.
+class CGVLElemMgr
+{
+public:
+    // Tool codes that are not shape types.
+    static constexpr int kToolNone = 0;
+    static constexpr int kToolPressLast = 8;
+    static constexpr int kToolMove = 9;
+    static constexpr int kToolDeleteOne = 200;
+    static constexpr int kToolDeleteAll = 201;
+    static constexpr int kToolCounting = 202;
+    static constexpr int kToolArrow = 203;
+    static constexpr int kToolIgnore = 204;
+    static constexpr int kToolText = 205;
+
+    CGVLElemMgr();
+    ~CGVLElemMgr();
+    CGVLElemMgr(const CGVLElemMgr&) = delete;
+    CGVLElemMgr& operator=(const CGVLElemMgr&) = delete;
+
+    // Constructs an element of the type id and appends it; null (and nothing
+    // appended) for a type without an element class.
+    CGVLShape* CreateShape(int type);
+
+    void OnLButtonDown(unsigned flags, const QPoint& point, int tool);
+    void OnLButtonUp(unsigned flags, const QPoint& point, int tool);
+    void OnMouseMove(unsigned flags, const QPoint& point, int tool);
+    void OnRButtonDown(unsigned flags, const QPoint& point, int tool);
+
+    // Index of the first element with the id, or -1.
+    int FindById(std::uint32_t id) const;
+    // Deletes the first element with the id: -1 when there is none; the ruler
+    // (type 9) and scale (type 10) stay and give their type minus 9; else the
+    // index the element had.
+    int DeleteById(unsigned id);
+    // The same rules for this very element: ids are tick counts and may be
+    // shared, so an element that removes itself is found by address. The
+    // element is destroyed when the outermost manager call returns, so a
+    // shape may still return through its own code after asking.
+    int DeleteShape(CGVLShape* shape);
+    // Deletes every element but element 0 (the ruler) and restarts counting.
+    void DeleteAll();
+    void SetOrigin(const QPoint& point);
+
+    void DrawAll(QPainter& dc, int width, int height);
+    // The live overlay: a bottom-up 24-bit buffer, rows padded to 4 bytes,
+    // filled with 1 before drawing, so 1,1,1 marks pixels no element covers.
+    // Never touches a window; safe on the overlay worker.
+    void DrawToBits(uchar* buffer, int width, int height);
+    // The overlay of a saved picture, same layout, filled with 0 first (black
+    // is transparent when it is laid over the picture).
+    void DrawToImage(uchar* buffer, int width, int height, bool elements, bool ruler, int reserved, bool date,
+        bool text, const QString& title);
+
+    // Holds the manager's lock for direct access to fields and elements.
+    [[nodiscard]] std::unique_lock<std::recursive_mutex> Lock() const;
+
+    // Bytes per row of the overlay buffers: ((width * 24 + 31) / 32) * 4.
+    static std::size_t BitsStride(int width);
+    // The element type a creating tool makes, or 0 for the other tools.
+    static int TypeForTool(int tool);
+
+    std::vector<std::unique_ptr<CGVLShape>> m_arShape;
+    CalibrationRecord m_unit { 0, 0.2, 0.2, 10.0, 10.0 };
+    ColorRecord m_color { 4, 3, 3, 4 };
+    int m_bHide = 0;
+    QWidget* m_hWnd = nullptr;
+    int m_bMouseDown = 0;
+    QPoint m_ptOrigin;
+    int m_bShowRuler = 0;
+    int m_bCrossSolid = 0;
+    int m_bCrossDashed = 0;
+    int m_nCount = 0;
+    int m_nPrecision = 2;
+    int m_nFontSize = 2;
+    int m_nFontBackground = 1;
+
+private:
+    class Call;
+
+    CGVLShape* Append(int type);
+    CGVLShape* LastShape() const;
+    // The elements as they stand, for walks during which elements may leave.
+    std::vector<CGVLShape*> Snapshot() const;
+    bool HasLeft(const CGVLShape* shape) const;
+    void DrawCrossLines(QPainter& dc, int width, int height);
+    template <typename Draw> void RenderBits(uchar* buffer, int width, int height, uchar fill, Draw&& draw);
+
+    mutable std::recursive_mutex m_mutex;
+    int m_nCallDepth = 0;
+    // Elements that left the list during the current call, destroyed when the
+    // outermost call returns.
+    std::vector<std::unique_ptr<CGVLShape>> m_arLeft;
+};

@@ -1,0 +1,68 @@
+#include "measure/CGVLNo.h"
+
+#include "calibration/MeasureTables.h"
+
+#include <algorithm>
+
+CGVLNo::CGVLNo(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+    : CGVLShape(unit, color, wnd, mgr)
+{
+    m_nType = 11;
+}
+
+GdiRect CGVLNo::CircleRect() const
+{
+    if (CoordCount() != 1)
+        return {};
+    const QSize extent = Gdi::TextExtent(LabelFont(), QString::number(m_nNumber));
+    const int r = std::max(extent.width(), extent.height());
+    const QPoint& p = m_arCoord[0];
+    return { p.x() - r + 5, p.y() - r + 5, p.x() + r - 5, p.y() + r - 5 };
+}
+
+void CGVLNo::Draw(QPainter& dc, int hidden, int)
+{
+    if (hidden || CoordCount() != 1)
+        return;
+    const QString text = QString::number(m_nNumber);
+    const QSize extent = Gdi::TextExtent(LabelFont(), text);
+    const QPoint& p = m_arCoord[0];
+    DrawLabel(dc, { p.x() - extent.width() / 2, p.y() - extent.height() / 2 }, text);
+    DrawEllipse(dc, hidden, m_bSelected, CircleRect());
+}
+
+int CGVLNo::OnLButtonDown(unsigned, const QPoint& point, int tool)
+{
+    return StandardLButtonDown(point, tool, 202);
+}
+
+int CGVLNo::OnMouseMove(unsigned, const QPoint& point, int)
+{
+    if (!m_bDown)
+        return -1;
+    return StandardMouseMove(point);
+}
+
+int CGVLNo::OnLButtonUp(unsigned, const QPoint&, int tool)
+{
+    UpdateElem();
+    m_bDown = false;
+    m_nHit = -1;
+    if (tool == 202)
+        m_bSelected = false;
+    return -1;
+}
+
+void CGVLNo::UpdateElem()
+{
+    if (CoordCount() != 1)
+        return;
+    const QPoint& p = m_arCoord[0];
+    // Reaches further left than right, as it always has.
+    Invalidate({ p.x() - 140, p.y() - 40, p.x() + 40, p.y() + 40 });
+}
+
+void CGVLNo::ClearCoords()
+{
+    LeaveManager();
+}

@@ -1,0 +1,130 @@
+#pragma once
+
+#include "calibration/CalibrationRecord.h"
+#include "calibration/ColorRecord.h"
+#include "measure/GdiPainter.h"
+#include "measure/GdiRect.h"
+
+#include <QColor>
+#include <QFont>
+#include <QPoint>
+
+#include <cstdint>
+#include <vector>
+
+class CGVLElemMgr;
+class QPainter;
+class QWidget;
+
+// Base of every measurement and annotation element drawn over the video or a
+// picture. An element owns its input points, takes mouse input, hit-tests,
+// moves and draws itself, and computes its measured values in the calibrated
+// unit. The element manager owns the elements and routes the mouse to them.
+//
+// Mouse operations answer the element's m_nHit after the event, or -1 when
+// the event did not concern it. All coordinates are client pixels of the
+// overlay window.
+class CGVLShape
+{
+public:
+    // Result of a hit on the body (drag the whole element) rather than a handle.
+    static constexpr int kHitBody = 10000;
+    // Tool codes every element answers to, whatever its kind.
+    static constexpr int kToolMove = 9;
+    static constexpr int kToolDeleteOne = 200;
+
+    CGVLShape(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLShape(const CGVLShape&) = delete;
+    CGVLShape& operator=(const CGVLShape&) = delete;
+
+    // The operations every element offers, in this order.
+    virtual ~CGVLShape();
+    virtual int GetType() const;
+    virtual std::uint32_t GetId() const;
+    virtual void SetUnit(const CalibrationRecord& unit);
+    virtual void SetColor(const ColorRecord& color);
+    virtual double GetLength() const;
+    virtual double GetPerimeter() const;
+    virtual double GetArea() const;
+    virtual void Draw(QPainter& dc, int hidden, int reserved);
+    virtual int OnLButtonDown(unsigned flags, const QPoint& point, int tool);
+    virtual int OnRButtonDown(unsigned flags, const QPoint& point, int tool);
+    virtual int OnLButtonUp(unsigned flags, const QPoint& point, int tool);
+    virtual int OnMouseMove(unsigned flags, const QPoint& point, int tool);
+    virtual void UpdateElem();
+    virtual int HitTest(const QPoint& point) const;
+    virtual void SetSelected(bool selected);
+    virtual int AddOneCoord(const QPoint& point);
+    // The stored point, valid until points are added or cleared; null at or
+    // past the count; a negative index throws std::out_of_range.
+    virtual QPoint* GetCoord(int index);
+    // Returns index, or -1 for a negative index or one past the count; an
+    // index equal to the count throws std::out_of_range.
+    virtual int SetCoord(int index, const QPoint& point);
+    virtual int DragBy(const QPoint& point);
+    virtual int HitHandle(const QPoint& point) const;
+    virtual bool IsPtOnShape(const QPoint& point) const;
+    virtual void DrawHandle(QPainter& dc, int hidden, const QPoint& point);
+    virtual void DrawLine(QPainter& dc, int hidden, bool dotted, const QPoint& a, const QPoint& b);
+    virtual void DrawArc(
+        QPainter& dc, int hidden, bool dotted, const GdiRect& box, const QPoint& start, const QPoint& end);
+    virtual void DrawEllipse(QPainter& dc, int hidden, bool dotted, const GdiRect& rect);
+    virtual void DrawArrow(QPainter& dc, int hidden, bool dotted, const QPoint& from, const QPoint& to);
+    // Empties the element; elements that can be emptied then leave their
+    // manager, which destroys them. Touch nothing of the element after it.
+    virtual void ClearCoords();
+    virtual void SetRefPoint(const QPoint& point);
+    virtual bool IsRefPoint(const QPoint& point) const;
+
+    int CoordCount() const { return int(m_arCoord.size()); }
+
+    QWidget* m_hWnd;
+    QPoint m_ptRef;
+    CGVLElemMgr* m_pMgr;
+    std::uint32_t m_dwId;
+    CalibrationRecord* m_pUnit;
+    ColorRecord* m_pColor;
+    int m_nType = 0;
+    std::vector<QPoint> m_arCoord;
+    bool m_bDown = false;
+    bool m_bSelected = false;
+    QPoint m_ptDragFrom;
+    int m_nHit = -1;
+
+protected:
+    // The usual press of a shape created by `ownTool`: delete with tool 200,
+    // first point with the own tool, select and start a drag with tool 9.
+    int StandardLButtonDown(const QPoint& point, int tool, int ownTool);
+    // The usual move while the button is down: the handle being dragged
+    // follows the mouse, or the whole shape moves.
+    int StandardMouseMove(const QPoint& point);
+    // ClearCoords of an element that can be emptied: drop the points and leave
+    // the manager. `this` may be gone afterwards.
+    void LeaveManager();
+
+    // Appearance settings read from the manager at each draw (defaults when
+    // the element has no manager).
+    int Precision() const;
+    int FontSize() const;
+    int FontBackground() const;
+    const CalibrationRecord& Unit() const;
+    const ColorRecord& Colors() const;
+    QColor RulerColor() const;
+    QColor AdjustColor() const;
+    QColor CoordColor() const;
+    QColor TextColor() const;
+    const char* UnitText() const;
+
+    // The label font of the font size setting: 20 x 8, 28 x 10 or 36 x 14.
+    QFont LabelFont() const;
+    // Background of labels: transparent for FontBackground 1, else opaque gray.
+    void SetLabelBackground(QPainter& dc) const;
+    // Label font, text colour and background on the painter, then the text
+    // with its cell's top-left at `topLeft`.
+    void DrawLabel(QPainter& dc, const QPoint& topLeft, const QString& text) const;
+    // Repaint a rectangle, or the whole window, of m_hWnd.
+    void Invalidate(const GdiRect& rect) const;
+    void InvalidateAll() const;
+
+    Gdi::Pen StrokePen(bool dotted, int width = 1) const;
+};
