@@ -18,6 +18,12 @@
 
 #define OCULIX_INLINE inline __attribute__((always_inline))
 
+// 256-bit vector helpers are always inlined into the AVX2 variants, so the
+// ABI note about passing such vectors without AVX does not apply.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wpsabi"
+#endif
+
 namespace {
 
 constexpr std::size_t kStackBytes = 2 * (3 * 8192 + 64);
@@ -98,7 +104,9 @@ OCULIX_INLINE bool NeedsTables(unsigned t)
 typedef uchar V16u8 __attribute__((vector_size(16)));
 typedef std::uint16_t V8u16 __attribute__((vector_size(16)));
 typedef std::int16_t V8i16 __attribute__((vector_size(16)));
-typedef std::uint64_t V2u64 __attribute__((vector_size(16)));
+typedef uchar V32u8 __attribute__((vector_size(32)));
+typedef std::uint16_t V16u16 __attribute__((vector_size(32)));
+typedef std::int16_t V16i16 __attribute__((vector_size(32)));
 
 OCULIX_INLINE V16u8 Load(const uchar* p)
 {
@@ -124,9 +132,9 @@ OCULIX_INLINE V8u16 WidenHigh(V16u8 v)
     return (V8u16)__builtin_shufflevector(v, z, 8, 16, 9, 16, 10, 16, 11, 16, 12, 16, 13, 16, 14, 16, 15, 16);
 }
 
-// Gray of 16 pixels (48 bytes at px), one byte per pixel; rare is set when
-// some pixel needs the tables.
-OCULIX_INLINE V16u8 GrayOf16(const uchar* px, bool& rare)
+// Gray of 16 pixels (48 bytes at px), one byte per pixel; odd marks the
+// pixels that need the tables (0xFF).
+OCULIX_INLINE V16u8 GrayOf16(const uchar* px, V16u8& odd)
 {
     const V16u8 a = Load(px);
     const V16u8 b = Load(px + 16);
@@ -145,24 +153,12 @@ OCULIX_INLINE V16u8 GrayOf16(const uchar* px, bool& rare)
     const V8u16 qLow = tLow / 100;
     const V8u16 qHigh = tHigh / 100;
     const V8u16 zero = {};
-    const V8i16 odd = ((qLow * 100 == tLow) & (tLow != zero)) | ((qHigh * 100 == tHigh) & (tHigh != zero));
-    const V2u64 any = (V2u64)odd;
-    rare = (any[0] | any[1]) != 0;
+    const V8i16 oddLow = (qLow * 100 == tLow) & (tLow != zero);
+    const V8i16 oddHigh = (qHigh * 100 == tHigh) & (tHigh != zero);
+    odd = __builtin_shufflevector(
+        (V16u8)oddLow, (V16u8)oddHigh, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
     return __builtin_shufflevector(
         (V16u8)qLow, (V16u8)qHigh, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
-}
-
-OCULIX_INLINE V16u8 FixGray16(const GrayTables& tables, const uchar* px, V16u8 gray)
-{
-    uchar value[16];
-    std::memcpy(value, &gray, sizeof value);
-    for (unsigned k = 0; k < 16; ++k) {
-        const uchar* p = px + 3 * k;
-        if (NeedsTables(30 * (p[2] + p[1]) + 11 * p[0]))
-            value[k] = uchar(ExactGray(tables, p));
-    }
-    std::memcpy(&gray, value, sizeof value);
-    return gray;
 }
 
 // Writes each of 16 bytes into three channels.
@@ -172,6 +168,86 @@ OCULIX_INLINE void StoreTriple16(uchar* px, V16u8 v)
     Store(px + 16, __builtin_shufflevector(v, v, 5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10));
     Store(px + 32,
         __builtin_shufflevector(v, v, 10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15));
+}
+
+// The same for 32 pixels in 256-bit vectors: each 128-bit half does the work
+// of GrayOf16 for its own 16 pixels (96 bytes at px, halves 48 bytes apart),
+// so every shuffle stays within its half.
+OCULIX_INLINE V32u8 Load2(const uchar* p)
+{
+    return __builtin_shufflevector(Load(p), Load(p + 48), 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14,
+        15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31);
+}
+
+OCULIX_INLINE void Store2(uchar* p, V32u8 v)
+{
+    Store(p, __builtin_shufflevector(v, v, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
+    Store(p + 48,
+        __builtin_shufflevector(v, v, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31));
+}
+
+OCULIX_INLINE V16u16 Widen2Low(V32u8 v)
+{
+    const V32u8 z = {};
+    return (V16u16)__builtin_shufflevector(v, z, 0, 32, 1, 32, 2, 32, 3, 32, 4, 32, 5, 32, 6, 32, 7, 32, 16,
+        32, 17, 32, 18, 32, 19, 32, 20, 32, 21, 32, 22, 32, 23, 32);
+}
+
+OCULIX_INLINE V16u16 Widen2High(V32u8 v)
+{
+    const V32u8 z = {};
+    return (V16u16)__builtin_shufflevector(v, z, 8, 32, 9, 32, 10, 32, 11, 32, 12, 32, 13, 32, 14, 32, 15, 32,
+        24, 32, 25, 32, 26, 32, 27, 32, 28, 32, 29, 32, 30, 32, 31, 32);
+}
+
+OCULIX_INLINE V32u8 EvenBytes2(V32u8 low, V32u8 high)
+{
+    return __builtin_shufflevector(low, high, 0, 2, 4, 6, 8, 10, 12, 14, 32, 34, 36, 38, 40, 42, 44, 46, 16,
+        18, 20, 22, 24, 26, 28, 30, 48, 50, 52, 54, 56, 58, 60, 62);
+}
+
+OCULIX_INLINE V32u8 GrayOf32(const uchar* px, V32u8& odd)
+{
+    const V32u8 a = Load2(px);
+    const V32u8 b = Load2(px + 16);
+    const V32u8 c = Load2(px + 32);
+    const V32u8 blue = __builtin_shufflevector(
+        __builtin_shufflevector(a, b, 0, 3, 6, 9, 12, 15, 34, 37, 40, 43, 46, -1, -1, -1, -1, -1, 16, 19, 22,
+            25, 28, 31, 50, 53, 56, 59, 62, -1, -1, -1, -1, -1),
+        c, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 33, 36, 39, 42, 45, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26,
+        49, 52, 55, 58, 61);
+    const V32u8 green = __builtin_shufflevector(
+        __builtin_shufflevector(a, b, 1, 4, 7, 10, 13, 32, 35, 38, 41, 44, 47, -1, -1, -1, -1, -1, 17, 20, 23,
+            26, 29, 48, 51, 54, 57, 60, 63, -1, -1, -1, -1, -1),
+        c, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 34, 37, 40, 43, 46, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26,
+        50, 53, 56, 59, 62);
+    const V32u8 red = __builtin_shufflevector(
+        __builtin_shufflevector(a, b, 2, 5, 8, 11, 14, 33, 36, 39, 42, 45, -1, -1, -1, -1, -1, -1, 18, 21, 24,
+            27, 30, 49, 52, 55, 58, 61, -1, -1, -1, -1, -1, -1),
+        c, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 32, 35, 38, 41, 44, 47, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 48,
+        51, 54, 57, 60, 63);
+    const V16u16 tLow = (Widen2Low(green) + Widen2Low(red)) * 30 + Widen2Low(blue) * 11;
+    const V16u16 tHigh = (Widen2High(green) + Widen2High(red)) * 30 + Widen2High(blue) * 11;
+    const V16u16 qLow = tLow / 100;
+    const V16u16 qHigh = tHigh / 100;
+    const V16u16 zero = {};
+    const V16i16 oddLow = (qLow * 100 == tLow) & (tLow != zero);
+    const V16i16 oddHigh = (qHigh * 100 == tHigh) & (tHigh != zero);
+    odd = EvenBytes2((V32u8)oddLow, (V32u8)oddHigh);
+    return EvenBytes2((V32u8)qLow, (V32u8)qHigh);
+}
+
+OCULIX_INLINE void StoreTriple32(uchar* px, V32u8 v)
+{
+    Store2(px,
+        __builtin_shufflevector(v, v, 0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5, 16, 16, 16, 17, 17, 17,
+            18, 18, 18, 19, 19, 19, 20, 20, 20, 21));
+    Store2(px + 16,
+        __builtin_shufflevector(v, v, 5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10, 21, 21, 22, 22, 22,
+            23, 23, 23, 24, 24, 24, 25, 25, 25, 26, 26));
+    Store2(px + 32,
+        __builtin_shufflevector(v, v, 10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15, 26, 27,
+            27, 27, 28, 28, 28, 29, 29, 29, 30, 30, 30, 31, 31, 31));
 }
 
 // Runs of pixels: the whole buffer when rows carry no padding, else row by row.
@@ -259,31 +335,70 @@ struct MirrorKernel
     }
 };
 
-// Gray (cut == 0) or binary (pixels below cut black, others white).
-template <bool kBinary> struct GrayKernel
+// Gray, or binary (gray below cut black, others white); kWide uses 256-bit
+// vectors.
+template <bool kBinary, bool kWide> struct GrayKernel
 {
+    static OCULIX_INLINE uchar Map(unsigned gray, uchar cut)
+    {
+        if constexpr (kBinary)
+            return gray < cut ? 0 : 255;
+        return uchar(gray);
+    }
+
+    template <typename V> static OCULIX_INLINE V Finish(V gray, uchar cut)
+    {
+        if constexpr (kBinary)
+            return (V)(gray >= (V {} + cut));
+        return gray;
+    }
+
+    // Pixels go in chunks: the vector pass stores the integer model's values
+    // and marks odd pixels without a branch, then a short pass recomputes the
+    // marked ones from a copy of the chunk. About one pixel in a hundred is
+    // odd, spread at random, so a branch per block would mispredict often.
+    static constexpr std::size_t kChunk = 512;
+
     static OCULIX_INLINE void Run(uchar* bits, unsigned width, unsigned height, uchar cut)
     {
         const GrayTables& tables = Tables();
-        const V16u8 cutVector = V16u8 {} + cut;
         const Runs runs(bits, width, height);
+        uchar original[3 * kChunk];
+        alignas(32) uchar odd[kChunk];
         for (unsigned r = 0; r < runs.count; ++r) {
-            uchar* row = runs.Run(r);
-            std::size_t x = 0;
-            for (; x + 16 <= runs.pixels; x += 16) {
-                uchar* px = row + 3 * x;
-                bool rare = false;
-                V16u8 gray = GrayOf16(px, rare);
-                if (rare) [[unlikely]]
-                    gray = FixGray16(tables, px, gray);
-                if constexpr (kBinary)
-                    gray = (V16u8)(gray >= cutVector);
-                StoreTriple16(px, gray);
-            }
-            for (; x < runs.pixels; ++x) {
-                uchar* px = row + 3 * x;
-                const unsigned g = ExactGray(tables, px);
-                px[0] = px[1] = px[2] = kBinary ? (g < cut ? 0 : 255) : uchar(g);
+            for (std::size_t start = 0; start < runs.pixels; start += kChunk) {
+                uchar* chunk = runs.Run(r) + 3 * start;
+                const std::size_t n = std::min(kChunk, runs.pixels - start);
+                std::memcpy(original, chunk, 3 * n);
+                std::size_t x = 0;
+                if constexpr (kWide) {
+                    for (; x + 32 <= n; x += 32) {
+                        V32u8 flags;
+                        StoreTriple32(chunk + 3 * x, Finish(GrayOf32(chunk + 3 * x, flags), cut));
+                        std::memcpy(odd + x, &flags, sizeof flags);
+                    }
+                }
+                for (; x + 16 <= n; x += 16) {
+                    V16u8 flags;
+                    StoreTriple16(chunk + 3 * x, Finish(GrayOf16(chunk + 3 * x, flags), cut));
+                    std::memcpy(odd + x, &flags, sizeof flags);
+                }
+                const std::size_t vectored = x;
+                for (; x < n; ++x) {
+                    uchar* px = chunk + 3 * x;
+                    px[0] = px[1] = px[2] = Map(ExactGray(tables, px), cut);
+                }
+                for (std::size_t word = 0; word < vectored; word += 8) {
+                    std::uint64_t f;
+                    std::memcpy(&f, odd + word, sizeof f);
+                    while (f != 0) {
+                        const unsigned bit = unsigned(__builtin_ctzll(f));
+                        const std::size_t k = word + bit / 8;
+                        uchar* px = chunk + 3 * k;
+                        px[0] = px[1] = px[2] = Map(ExactGray(tables, original + 3 * k), cut);
+                        f &= ~(std::uint64_t(0xFF) << (bit & ~7u));
+                    }
+                }
             }
         }
     }
@@ -384,20 +499,29 @@ struct SharpenKernel
 
 struct OffsetKernel
 {
-    // Offsets 0..255: each sum is kept below 256 and is 255 otherwise.
+    // Offsets 0..255: each sum is kept below 256 and is 255 otherwise, a
+    // saturating add. 48 bytes hold a whole number of pixels and vectors.
     static OCULIX_INLINE void Run(uchar* bits, unsigned width, unsigned height, const uchar* add48)
     {
+        const V16u8 add0 = Load(add48);
+        const V16u8 add1 = Load(add48 + 16);
+        const V16u8 add2 = Load(add48 + 32);
         const Runs runs(bits, width, height);
         for (unsigned r = 0; r < runs.count; ++r) {
             uchar* row = runs.Run(r);
             const std::size_t bytes = runs.pixels * 3;
             std::size_t i = 0;
-            // 48 bytes hold a whole number of pixels and of vector lanes.
             for (; i + 48 <= bytes; i += 48) {
-                for (unsigned k = 0; k < 48; ++k) {
-                    const std::uint16_t v = std::uint16_t(row[i + k] + add48[k]);
-                    row[i + k] = uchar(v > 255 ? 255 : v);
-                }
+                uchar* p = row + i;
+                const V16u8 a = Load(p);
+                const V16u8 b = Load(p + 16);
+                const V16u8 c = Load(p + 32);
+                const V16u8 sa = a + add0;
+                const V16u8 sb = b + add1;
+                const V16u8 sc = c + add2;
+                Store(p, sa | (V16u8)(sa < a));
+                Store(p + 16, sb | (V16u8)(sb < b));
+                Store(p + 32, sc | (V16u8)(sc < c));
             }
             for (unsigned k = 0; i < bytes; ++i, ++k) {
                 const unsigned v = row[i] + add48[k];
@@ -455,12 +579,13 @@ template <typename Kernel, typename... Args> void RunBaseline(Args... args)
     Kernel::Run(args...);
 }
 
-template <typename Kernel, typename... Args> void Dispatch(Args... args)
+// Wide is the kernel for AVX2 when it differs from the narrow one.
+template <typename Kernel, typename Wide = Kernel, typename... Args> void Dispatch(Args... args)
 {
 #if defined(__x86_64__) || defined(__i386__)
     switch (CurrentIsa()) {
     case Isa::Avx2:
-        RunAvx2<Kernel>(args...);
+        RunAvx2<Wide>(args...);
         return;
     case Isa::Ssse3:
         RunSsse3<Kernel>(args...);
@@ -502,7 +627,7 @@ int Gray(uchar* bits, unsigned width, unsigned height)
 {
     if (Bad(bits, width, height))
         return -1;
-    Dispatch<GrayKernel<false>>(bits, width, height, uchar(0));
+    Dispatch<GrayKernel<false, false>, GrayKernel<false, true>>(bits, width, height, uchar(0));
     return 0;
 }
 
@@ -525,7 +650,7 @@ int Binary(uchar* bits, unsigned width, unsigned height, int threshold)
         FillPixels(bits, width, height, level == 0 ? 255 : 0);
         return 0;
     }
-    Dispatch<GrayKernel<true>>(bits, width, height, uchar(level));
+    Dispatch<GrayKernel<true, false>, GrayKernel<true, true>>(bits, width, height, uchar(level));
     return 0;
 }
 
