@@ -1,0 +1,150 @@
+#include "app/CMeasureApp.h"
+
+#include "app/CDocTemplate.h"
+#include "app/CExitSignalWatcher.h"
+#include "app/CMainFrame.h"
+#include "app/CommandTable.h"
+#include "platform/DebugLog.h"
+#include "platform/SettingsKeys.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QLocale>
+#include <QScreen>
+
+#include <cstdio>
+
+namespace {
+
+CMeasureApp* g_app = nullptr;
+
+} // namespace
+
+CMeasureApp::CMeasureApp()
+{
+    Q_ASSERT(!g_app);
+    g_app = this;
+    MapCommand(ID_FILE_NEW, [this] { OnFileNew(); });
+}
+
+CMeasureApp::~CMeasureApp()
+{
+    delete m_mainFrame.data();
+    m_templates.clear();
+    if (g_app == this)
+        g_app = nullptr;
+}
+
+CMeasureApp* CMeasureApp::Instance()
+{
+    return g_app;
+}
+
+void CMeasureApp::AddDocTemplate(std::unique_ptr<CDocTemplate> docTemplate)
+{
+    m_templates.push_back(std::move(docTemplate));
+}
+
+bool CMeasureApp::InitInstance(const QStringList& arguments)
+{
+    // Brand, data folder and settings file, then the folders themselves.
+    m_paths = ResolveAppPaths();
+    SetCurrentAppPaths(m_paths);
+    CreateDataFolders(m_paths);
+
+    ChooseLanguage();
+
+    m_cmdInfo = CCommandLineInfo::Parse(arguments);
+    if (!m_cmdInfo.m_strError.isEmpty()) {
+        const QString message = m_cmdInfo.m_strError + QStringLiteral("\n\n") + CCommandLineInfo::HelpText();
+        std::fputs(qPrintable(message), stderr);
+        m_exitCode = 2;
+        return false;
+    }
+    if (m_cmdInfo.m_bShowHelp) {
+        std::fputs(qPrintable(CCommandLineInfo::HelpText()), stdout);
+        return false;
+    }
+    if (m_cmdInfo.m_bDemoCamera)
+        qputenv("OCULIX_DEMO_CAMERA", "1");
+
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/oculix.svg")));
+    m_mainFrame = new CMainFrame(m_langId);
+    m_mainFrame->SetAppTarget(this);
+    m_mainFrame->setAttribute(Qt::WA_DeleteOnClose, false);
+
+    m_signals = new CExitSignalWatcher(this);
+    connect(m_signals, &CExitSignalWatcher::exitRequested, this, [this](int signalNumber) {
+        qCInfo(lcApp) << "signal" << signalNumber << "- closing";
+        if (m_mainFrame && m_mainFrame->isVisible())
+            m_mainFrame->close();
+        else
+            QCoreApplication::quit();
+    });
+
+    ProcessShellCommand();
+
+    m_mainFrame->SetTitle(m_paths.m_brand.m_folderName);
+    // Without a window manager nothing honours the maximised state; the
+    // frame still fills the screen.
+    if (QScreen* screen = QGuiApplication::primaryScreen())
+        m_mainFrame->setGeometry(screen->availableGeometry());
+    m_mainFrame->showMaximized();
+    return true;
+}
+
+// The interface language follows the system's; the identifier is kept in the
+// settings, where the language commands also write theirs.
+void CMeasureApp::ChooseLanguage()
+{
+    m_langId = LanguageIdFromLocale(QLocale::system());
+    m_language = ClassifyLanguageId(m_langId);
+    switch (m_language) {
+    case InterfaceLanguage::Chinese:
+        m_resourceModule = SettingsKeys::ReadString(SettingsKeys::LangCnRes, m_paths.m_settingsFile);
+        break;
+    case InterfaceLanguage::French:
+        m_resourceModule = SettingsKeys::ReadString(SettingsKeys::LangFranceRes, m_paths.m_settingsFile);
+        break;
+    case InterfaceLanguage::English:
+        m_resourceModule = SettingsKeys::ReadString(SettingsKeys::LangEnRes, m_paths.m_settingsFile);
+        break;
+    }
+    SettingsKeys::WriteInt(SettingsKeys::LangId, m_langId, m_paths.m_settingsFile);
+}
+
+void CMeasureApp::ProcessShellCommand()
+{
+    if (m_cmdInfo.m_pictures.isEmpty()) {
+        OnFileNew();
+        return;
+    }
+    for (const QString& picture : m_cmdInfo.m_pictures)
+        OpenDocumentFile(picture);
+}
+
+CDocument* CMeasureApp::OnFileNew()
+{
+    if (m_templates.empty() || !m_mainFrame)
+        return nullptr;
+    return m_templates.front()->OpenDocumentFile(*m_mainFrame);
+}
+
+CDocument* CMeasureApp::OpenDocumentFile(const QString& path)
+{
+    if (m_templates.empty() || !m_mainFrame)
+        return nullptr;
+    return m_templates.front()->OpenDocumentFile(*m_mainFrame, path);
+}
+
+int CMeasureApp::ExitInstance(int code)
+{
+    // Whatever is still open closes the same way as from the window.
+    if (m_mainFrame) {
+        m_mainFrame->CloseAllDocuments();
+        delete m_mainFrame.data();
+    }
+    delete m_signals;
+    m_signals = nullptr;
+    return code;
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/AppLanguage.h"
+#include "app/CCmdTarget.h"
+#include "app/CCommandLineInfo.h"
+#include "app/CMainFrame.h"
+#include "platform/AppPaths.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <memory>
+#include <vector>
+
+class CDocTemplate;
+class CDocument;
+class CExitSignalWatcher;
+
+// The program as a whole: start-up (brand, folders, language, the main
+// frame, the first document), the commands that belong to no document, and
+// the orderly end. Needs a QApplication; one at a time.
+class CMeasureApp : public QObject, public CCmdTarget
+{
+    Q_OBJECT
+
+public:
+    CMeasureApp();
+    ~CMeasureApp() override;
+
+    static CMeasureApp* Instance();
+
+    // Document templates are registered before start-up; the first one makes
+    // the documents of "&New Preview" and of the command line.
+    void AddDocTemplate(std::unique_ptr<CDocTemplate> docTemplate);
+    const std::vector<std::unique_ptr<CDocTemplate>>& GetDocTemplates() const { return m_templates; }
+
+    // False when the program must end at once, with GetExitCode().
+    bool InitInstance(const QStringList& arguments);
+    // After the event loop: closes what is still open. Returns the exit code.
+    int ExitInstance(int code);
+    int GetExitCode() const { return m_exitCode; }
+
+    // The framework's new-file path: a new document of the first template.
+    CDocument* OnFileNew();
+    // A document for the picture at path; null when it could not be opened.
+    CDocument* OpenDocumentFile(const QString& path);
+
+    CMainFrame* GetMainFrame() const { return m_mainFrame; }
+    const AppPaths& GetPaths() const { return m_paths; }
+    const CCommandLineInfo& GetCommandLineInfo() const { return m_cmdInfo; }
+    int GetLanguageId() const { return m_langId; }
+    InterfaceLanguage GetLanguage() const { return m_language; }
+    bool IsChinese() const { return m_language == InterfaceLanguage::Chinese; }
+    // The name of the chosen language's resource module, as the settings give it.
+    const QString& GetResourceModule() const { return m_resourceModule; }
+
+private:
+    void ChooseLanguage();
+    void ProcessShellCommand();
+
+    std::vector<std::unique_ptr<CDocTemplate>> m_templates;
+    QPointer<CMainFrame> m_mainFrame;
+    CExitSignalWatcher* m_signals = nullptr;
+    AppPaths m_paths;
+    CCommandLineInfo m_cmdInfo;
+    int m_langId = kLangIdEnglish;
+    InterfaceLanguage m_language = InterfaceLanguage::English;
+    QString m_resourceModule;
+    int m_exitCode = 0;
+};

@@ -1,0 +1,173 @@
+#include "app/CommandTable.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+#define CMD(text) QT_TRANSLATE_NOOP("Command", text)
+
+// English texts of the document menu and the status-bar prompts. Later
+// features add their rows here and their ids to the layouts below.
+const CommandInfo kCommands[] = {
+    { ID_FILE_NEW, CMD("&New Preview\tCtrl+N"), CMD("New preview"), ":/icons/new.svg", false },
+    { ID_FILE_OPEN, CMD("&Open...\tCtrl+O"), CMD("Open an existing image"), ":/icons/open.svg", false },
+    { ID_FILE_CLOSE, CMD("&Close"), CMD("Close the active imaget"), nullptr, false },
+    { ID_APP_EXIT, CMD("E&xit"), "", nullptr, false },
+    { ID_VIEW_STATUS_BAR, CMD("&Status Bar"), CMD("Show or hide the status bar"), nullptr, true },
+    { ID_VIEW_TOOLBAR, CMD("&Tool Bar"), CMD("Show or hide the toolbar"), nullptr, true },
+    { ID_VIEW_PROCESSBAR, CMD("&Process Bar"), CMD("Show or hide Process Bar"), nullptr, true },
+    { ID_VIEW_MEASUREBAR, CMD("&Measure Bar"), CMD("Show or hide the measure bar"), nullptr, true },
+    { ID_VIEW_FULLSCREEN, CMD("&Full Screen"), CMD("Toggles full screen mode On and Off"),
+        ":/icons/fullscreen.svg", false },
+    { ID_CAMERA_FULLSCREEN, "", CMD("Fullscreen camera video"), ":/icons/fullscreen.svg", false },
+    { ID_VIDEO_ADJUST, CMD("&Adjust"), CMD("Show video adjusting dialog"), ":/icons/adjust.svg", false },
+    { ID_PROCESS_ENABLE, CMD("&Enable"), CMD("Enable realtime process"), ":/icons/enable.svg", true },
+    { ID_PROCESS_MIRROR, CMD("Flip &Horizontal"), CMD("Flip image horizontal "), ":/icons/mirror.svg", true },
+    { ID_PROCESS_FLIP, CMD("Flip &Vertical"), CMD("Flip image vertical"), ":/icons/flip.svg", true },
+    { ID_PROCESS_GRAY, CMD("&Gray"), CMD("Gray image"), ":/icons/gray.svg", true },
+    { ID_PROCESS_NEGATIVE, CMD("&Negative"), CMD("Negative image"), ":/icons/negative.svg", true },
+    { ID_PROCESS_EMBOSS, CMD("&Emboss"), CMD("Emboss image"), ":/icons/emboss.svg", true },
+    { ID_PROCESS_SHARPEN, CMD("&Sharpen"), CMD("Sharpen image"), ":/icons/sharpen.svg", true },
+    { ID_PROCESS_BINARY, CMD("&Binary"), CMD("Binary image"), ":/icons/binary.svg", false },
+    { ID_MEASURE_MOVE, CMD("Mo&ve"), CMD("Move elements"), ":/icons/move.svg", true },
+    { ID_MEASURE_POINT, "", "", ":/icons/point.svg", true, CMD("Point") },
+    { ID_MEASURE_LINE, CMD("&Line"), CMD("Draw line"), ":/icons/line.svg", true },
+    { ID_MEASURE_ANGLE, CMD("&Angle"), CMD("Draw angle "), ":/icons/angle.svg", true },
+    { ID_MEASURE_RECT, CMD("&Rect"), CMD("Draw rect"), ":/icons/rect.svg", true },
+    { ID_MEASURE_CIRCLE, CMD("&Circle"), CMD("Draw circle"), ":/icons/circle.svg", true },
+    { ID_MEASURE_TRICIRCLE, CMD("&TriCircle"), CMD("Draw tricircle"), ":/icons/tricircle.svg", true },
+    { ID_MEASURE_POLYGON, CMD("&Polygon"), CMD("Draw polygon"), ":/icons/polygon.svg", true },
+    { ID_MEASURE_COUNTING, CMD("Count&ing"), CMD("Draw counting"), ":/icons/counting.svg", true },
+    { ID_MEASURE_DELETE, CMD("&Delete"), CMD("Delete one element"), ":/icons/delete.svg", true },
+    { ID_MEASURE_DELETE_ALL, CMD("Delete&All"), CMD("Delete all elements"), ":/icons/deleteall.svg", false },
+    { ID_MEASURE_CALIBRATION, CMD("Calibratio&n"), CMD("Calibration"), ":/icons/calibration.svg", false },
+    { ID_MEASURE_SETTING, CMD("&Setting"), CMD("Measure setting"), ":/icons/setting.svg", false },
+    { ID_MEASURE_EXPORT, CMD("Ex&port data"), CMD("Export measurement data to csv file"),
+        ":/icons/export.svg", false },
+    { ID_MEASURE_ARROW, CMD("A&rrow"), CMD("Draw Arrow Annotation"), ":/icons/arrow.svg", true },
+    { ID_MEASURE_TEXT, CMD("&Text"), CMD("Draw Text Annotation"), ":/icons/text.svg", true },
+    { ID_VIEW_CROSSLINE, CMD("&Cross Line"), CMD("Solid crossline"), ":/icons/crossline.svg", true },
+    { ID_VIEW_DASHED_CROSSLINE, CMD("Dashed C&ross Line"), CMD("Dashed crossline"),
+        ":/icons/dashedcrossline.svg", true },
+    { ID_VIDEO_DEVICE, CMD("Video Capture &Device..."), CMD("Change video capture device"),
+        ":/icons/device.svg", false },
+    { ID_VIDEO_RESOLUTION, CMD("Video &Resolution"), CMD("Setting video capture properties"), nullptr,
+        false },
+    { ID_VIDEO_PROPERTIES, CMD("Video &Properties"), CMD("Adjusting video capture filter properties"),
+        nullptr, false },
+    { ID_CAMERA_CAPTURE, "", CMD("Capture picture to an active view"), ":/icons/capture.svg", false },
+    { ID_CAMERA_PREVIEW, "", CMD("Preview camera device"), ":/icons/preview.svg", false },
+    { ID_CAMERA_PAUSE, "", CMD("Pause the camera video"), ":/icons/pause.svg", false },
+    { ID_ZOOM, "", CMD("Zoom display"), nullptr, false },
+    { ID_WINDOW_CASCADE, CMD("&Cascade"), "", nullptr, false },
+    { ID_WINDOW_TILE_HORZ, CMD("Tile &Horizontal"), "", nullptr, false },
+    { ID_WINDOW_TILE_VERT, CMD("Tile &Vertical"), "", nullptr, false },
+};
+
+constexpr int S = ID_SEPARATOR;
+
+constexpr std::array kFileMenu { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_CLOSE, S, ID_APP_EXIT };
+constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR, ID_VIEW_STATUS_BAR,
+    S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE, ID_VIEW_DASHED_CROSSLINE };
+constexpr std::array kMeasureMenu { ID_MEASURE_MOVE, S, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT,
+    ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S, ID_MEASURE_ARROW,
+    ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_MEASURE_CALIBRATION,
+    ID_MEASURE_SETTING, ID_MEASURE_EXPORT };
+constexpr std::array kProcessMenu { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_PROCESS_FLIP, S,
+    ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY };
+constexpr std::array kVideoMenu { ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES,
+    ID_VIDEO_ADJUST };
+constexpr std::array kWindowMenu { ID_WINDOW_CASCADE, ID_WINDOW_TILE_HORZ, ID_WINDOW_TILE_VERT };
+
+#define MENU(text) QT_TRANSLATE_NOOP("Menu", text)
+
+const MenuInfo kMenus[] = {
+    { MENU("&File"), kFileMenu, false },
+    { MENU("&View"), kViewMenu, false },
+    { MENU("&Measure"), kMeasureMenu, false },
+    { MENU("&Process"), kProcessMenu, false },
+    { MENU("V&ideo"), kVideoMenu, false },
+    { MENU("&Window"), kWindowMenu, true },
+};
+
+constexpr std::array kStandardBar { ID_FILE_NEW, ID_FILE_OPEN, S, ID_CAMERA_CAPTURE, ID_CAMERA_PREVIEW,
+    ID_CAMERA_PAUSE, ID_CAMERA_FULLSCREEN, S, ID_ZOOM };
+constexpr std::array kMeasureBar { ID_MEASURE_MOVE, S, ID_MEASURE_POINT, ID_MEASURE_LINE, ID_MEASURE_ANGLE,
+    ID_MEASURE_RECT, ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S,
+    ID_MEASURE_ARROW, ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_VIEW_CROSSLINE,
+    ID_VIEW_DASHED_CROSSLINE, S, ID_MEASURE_CALIBRATION, ID_MEASURE_SETTING, ID_MEASURE_EXPORT };
+constexpr std::array kProcessBar { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_PROCESS_FLIP, S,
+    ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY, S,
+    ID_VIDEO_ADJUST };
+
+#define BAR(text) QT_TRANSLATE_NOOP("ToolBar", text)
+
+const ToolBarInfo kToolBars[] = {
+    { ID_VIEW_TOOLBAR, "StandardBar", BAR("Standard"), kStandardBar },
+    { ID_VIEW_MEASUREBAR, "MeasureBar", BAR("Measure"), kMeasureBar },
+    { ID_VIEW_PROCESSBAR, "ProcessBar", BAR("Process"), kProcessBar },
+};
+
+constexpr std::array<const char*, 10> kZoomLabels { "250%", "200%", "150%", "125%", "100%", "75%", "67%",
+    "50%", "33%", "25%" };
+
+QString Translate(const char* text)
+{
+    return (text && *text) ? QCoreApplication::translate("Command", text) : QString();
+}
+
+} // namespace
+
+std::span<const CommandInfo> Commands()
+{
+    return kCommands;
+}
+
+const CommandInfo* FindCommand(int id)
+{
+    auto it = std::find_if(
+        std::begin(kCommands), std::end(kCommands), [id](const CommandInfo& c) { return c.id == id; });
+    return it == std::end(kCommands) ? nullptr : &*it;
+}
+
+std::span<const MenuInfo> Menus()
+{
+    return kMenus;
+}
+
+std::span<const ToolBarInfo> ToolBars()
+{
+    return kToolBars;
+}
+
+QString CommandText(const CommandInfo& info)
+{
+    return Translate(info.menuText).section(QLatin1Char('\t'), 0, 0);
+}
+
+QString CommandShortcut(const CommandInfo& info)
+{
+    return Translate(info.menuText).section(QLatin1Char('\t'), 1, 1);
+}
+
+QString CommandPrompt(const CommandInfo& info)
+{
+    return Translate(info.prompt);
+}
+
+QString CommandToolTip(const CommandInfo& info)
+{
+    if (info.prompt && *info.prompt)
+        return CommandPrompt(info).trimmed();
+    if (info.menuText && *info.menuText)
+        return CommandText(info).remove(QLatin1Char('&'));
+    return Translate(info.tip);
+}
+
+std::span<const char* const> ZoomLabels()
+{
+    return kZoomLabels;
+}

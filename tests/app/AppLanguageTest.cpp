@@ -1,0 +1,49 @@
+#include "app/AppLanguage.h"
+
+#include <gtest/gtest.h>
+
+TEST(AppLanguage, ClassifiesTheListedIdentifiersOnly)
+{
+    for (int id : { 0x0004, 0x0404, 0x0804, 0x0C04, 0x1004, 0x1404, 0x7C04 })
+        EXPECT_EQ(ClassifyLanguageId(id), InterfaceLanguage::Chinese) << std::hex << id;
+    for (int id : { 0x040C, 0x080C, 0x0C0C, 0x100C, 0x140C, 0x180C })
+        EXPECT_EQ(ClassifyLanguageId(id), InterfaceLanguage::French) << std::hex << id;
+    // Other territories of the same languages, and everything else, are English.
+    for (int id : { 0x0409, 0x0809, 0x2C0C, 0x300C, 0x000C, 0x1804, 0x0407, 0x0000, 0xFFFF, -1 })
+        EXPECT_EQ(ClassifyLanguageId(id), InterfaceLanguage::English) << std::hex << id;
+}
+
+TEST(AppLanguage, IdentifierFromLocale)
+{
+    struct Row
+    {
+        const char* locale;
+        int id;
+        InterfaceLanguage language;
+    };
+    const Row rows[] = {
+        { "zh_CN", 0x0804, InterfaceLanguage::Chinese },
+        { "zh_TW", 0x0404, InterfaceLanguage::Chinese },
+        { "zh_HK", 0x0C04, InterfaceLanguage::Chinese },
+        { "zh_SG", 0x1004, InterfaceLanguage::Chinese },
+        { "fr_FR", 0x040C, InterfaceLanguage::French },
+        { "fr_CA", 0x0C0C, InterfaceLanguage::French },
+        { "fr_CH", 0x100C, InterfaceLanguage::French },
+        { "fr_CM", 0x2C0C, InterfaceLanguage::English },
+        { "fr_SN", 0x280C, InterfaceLanguage::English },
+        { "en_US", 0x0409, InterfaceLanguage::English },
+        { "en_GB", 0x0809, InterfaceLanguage::English },
+        { "de_DE", 0x0407, InterfaceLanguage::English },
+        { "ja_JP", 0x0411, InterfaceLanguage::English },
+        { "C", 0x0409, InterfaceLanguage::English },
+    };
+    for (const Row& row : rows) {
+        const int id = LanguageIdFromLocale(QLocale(QString::fromLatin1(row.locale)));
+        EXPECT_EQ(id, row.id) << row.locale;
+        EXPECT_EQ(ClassifyLanguageId(id), row.language) << row.locale;
+    }
+    EXPECT_EQ(
+        LanguageIdFromLocale(QLocale(QLocale::Chinese, QLocale::TraditionalChineseScript, QLocale::Macao)),
+        0x1404);
+    EXPECT_EQ(LanguageIdFromLocale(QLocale(QLocale::Swahili, QLocale::Kenya)), 0x0C00);
+}

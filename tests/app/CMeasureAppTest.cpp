@@ -1,0 +1,150 @@
+#include "app/CMeasureApp.h"
+
+#include "app/CChildFrame.h"
+#include "app/CommandTable.h"
+#include "app/TestDocuments.h"
+#include "platform/PrivateProfile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace {
+
+// Start-up against a data folder and a brand file of the test's own.
+class MeasureAppTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(home.isValid());
+        savedData = qgetenv("OCULIX_DATA_DIR");
+        savedConfig = qgetenv("XDG_CONFIG_HOME");
+        savedDemo = qgetenv("OCULIX_DEMO_CAMERA");
+        qputenv("OCULIX_DATA_DIR", QFile::encodeName(home.filePath("data")));
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.filePath("config")));
+        qunsetenv("OCULIX_DEMO_CAMERA");
+        QDir(home.path()).mkpath("config/Oculix");
+    }
+    void TearDown() override
+    {
+        app.reset();
+        qputenv("OCULIX_DATA_DIR", savedData);
+        qputenv("XDG_CONFIG_HOME", savedConfig);
+        if (savedDemo.isNull())
+            qunsetenv("OCULIX_DEMO_CAMERA");
+        else
+            qputenv("OCULIX_DEMO_CAMERA", savedDemo);
+    }
+
+    void SetBrand(int dsp)
+    {
+        WritePrivateProfileString(
+            "Config", "DSP", QString::number(dsp), home.filePath("config/Oculix/Config.ini"));
+    }
+
+    bool Start(const QStringList& arguments)
+    {
+        app = std::make_unique<CMeasureApp>();
+        app->AddDocTemplate(MakeTestTemplate(journal));
+        return app->InitInstance(arguments);
+    }
+
+    std::vector<std::string> DocumentTitles() const
+    {
+        std::vector<std::string> titles;
+        for (CChildFrame* child : app->GetMainFrame()->GetChildFrames())
+            titles.push_back(child->GetActiveDocument()->GetTitle().toStdString());
+        return titles;
+    }
+
+    QTemporaryDir home;
+    QByteArray savedData, savedConfig, savedDemo;
+    Journal journal;
+    std::unique_ptr<CMeasureApp> app;
+};
+
+bool Contains(const std::vector<std::string>& events, const std::string& event)
+{
+    return std::find(events.begin(), events.end(), event) != events.end();
+}
+
+} // namespace
+
+TEST_F(MeasureAppTest, StartsWithANewDocumentInABrandedMaximisedFrame)
+{
+    SetBrand(9);
+    ASSERT_TRUE(Start({ "Oculix" }));
+    EXPECT_EQ(CMeasureApp::Instance(), app.get());
+    CMainFrame* frame = app->GetMainFrame();
+    ASSERT_NE(frame, nullptr);
+    EXPECT_EQ(frame->GetTitle(), "ZephraCam");
+    EXPECT_TRUE(frame->windowTitle().startsWith("ZephraCam"));
+    EXPECT_TRUE(frame->isMaximized());
+    EXPECT_EQ(DocumentTitles(), (std::vector<std::string> { "Measure1" }));
+    EXPECT_FALSE(app->GetCommandLineInfo().m_bDemoCamera);
+    EXPECT_TRUE(qgetenv("OCULIX_DEMO_CAMERA").isNull());
+
+    const QString data = app->GetPaths().m_dataFolder;
+    EXPECT_TRUE(QDir(data + "Images").exists());
+    EXPECT_TRUE(QDir(data + "svrdata").exists());
+    const QString settings = data + "Setting.ini";
+    EXPECT_EQ(app->GetPaths().m_settingsFile, settings);
+    const int langId = LanguageIdFromLocale(QLocale::system());
+    EXPECT_EQ(app->GetLanguageId(), langId);
+    EXPECT_EQ(int(GetPrivateProfileInt("Lang", "LangId", -7, settings)), langId);
+    EXPECT_FALSE(app->GetResourceModule().isEmpty());
+
+    // "&New Preview" goes to the application when no document takes it.
+    EXPECT_TRUE(frame->RouteCommand(ID_FILE_NEW));
+    EXPECT_EQ(DocumentTitles(), (std::vector<std::string> { "Measure1", "Measure2" }));
+}
+
+TEST_F(MeasureAppTest, PicturesOnTheCommandLineReplaceTheNewDocument)
+{
+    SetBrand(2);
+    ASSERT_TRUE(
+        Start({ "Oculix", "--demo-camera", "/slides/a.bmp", "/slides/missing.jpg", "/slides/b.png" }));
+    EXPECT_EQ(app->GetMainFrame()->GetTitle(), "KorvalCam");
+    EXPECT_TRUE(app->GetCommandLineInfo().m_bDemoCamera);
+    EXPECT_EQ(qgetenv("OCULIX_DEMO_CAMERA"), "1");
+    EXPECT_EQ(DocumentTitles(), (std::vector<std::string> { "a.bmp", "b.png" }));
+    EXPECT_FALSE(Contains(journal.events, "new doc1"));
+}
+
+TEST_F(MeasureAppTest, BadCommandLineEndsStartUp)
+{
+    EXPECT_FALSE(Start({ "Oculix", "--frobnicate" }));
+    EXPECT_EQ(app->GetExitCode(), 2);
+    EXPECT_EQ(app->GetMainFrame(), nullptr);
+    EXPECT_TRUE(journal.events.empty());
+}
+
+TEST_F(MeasureAppTest, TerminationSignalsCloseLikeTheWindow)
+{
+    for (int signalNumber : { SIGTERM, SIGINT }) {
+        journal.events.clear();
+        ASSERT_TRUE(Start({ "Oculix", "/slides/a.bmp", "/slides/b.bmp" }));
+        CMainFrame* frame = app->GetMainFrame();
+        ASSERT_TRUE(frame->isVisible());
+        ASSERT_EQ(std::raise(signalNumber), 0);
+        EXPECT_TRUE(WaitFor([&] { return !frame->isVisible(); }, 5000)) << signalNumber;
+        EXPECT_EQ(journal.events.back(), "~doc doc2") << signalNumber;
+        EXPECT_TRUE(Contains(journal.events, "~view doc1"));
+        EXPECT_TRUE(Contains(journal.events, "~doc doc1"));
+        EXPECT_EQ(app->ExitInstance(0), 0);
+        EXPECT_EQ(app->GetMainFrame(), nullptr);
+        app.reset();
+    }
+}
+
+TEST_F(MeasureAppTest, ExitInstanceClosesWhatIsStillOpen)
+{
+    ASSERT_TRUE(Start({ "Oculix" }));
+    journal.events.clear();
+    EXPECT_EQ(app->ExitInstance(3), 3);
+    EXPECT_EQ(journal.events, (std::vector<std::string> { "~view doc1", "~doc doc1" }));
+}
