@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# Screenshots of Oculix as a user sees it, taken under Xvfb so anyone can
+# repeat them. Usage: tools/screenshots.sh [build-dir] [out-dir]
+#   build-dir  a configured build tree (default: build-run, made by ./dev run)
+#   out-dir    where the PNGs go (default: docs/screenshots)
+# Needs xvfb, xauth, imagemagick and xdotool. The program runs with the
+# simulated camera and a data folder of its own, so no settings are touched.
+set -euo pipefail
+
+# The part that runs inside the virtual display: tools/screenshots.sh --inside PROGRAM OUT [args]
+if [ "${1:-}" = --inside ]; then
+  program=$2 out=$3
+  shift 3
+  "$program" --demo-camera "$@" &
+  pid=$!
+  win=""
+  for _ in $(seq 100); do
+    win=$(xdotool search --onlyvisible --class Oculix 2>/dev/null | head -1 || true)
+    [ -n "$win" ] && break
+    sleep 0.1
+  done
+  [ -n "$win" ] || { echo "Oculix did not show a window" >&2; kill "$pid"; exit 1; }
+  sleep 2
+  import -window root "$out/main-window.png"
+
+  # The Measure menu open, the highlight on "&Line" so the status bar shows
+  # its prompt. Without a window manager nothing has the focus: click.
+  xdotool mousemove 110 8 click 1
+  sleep 0.5
+  xdotool key Down Down Down
+  sleep 0.5
+  import -window root "$out/measure-menu.png"
+  xdotool key Escape Escape
+  sleep 0.3
+
+  # SIGTERM ends the program the orderly way; its exit status must be 0.
+  kill -TERM "$pid"
+  wait "$pid"
+  exit
+fi
+
+ROOT=$(cd "$(dirname "$0")/.." && pwd)
+BUILD=${1:-$ROOT/build-run}
+OUT=${2:-$ROOT/docs/screenshots}
+for tool in xvfb-run import xdotool; do
+  command -v "$tool" >/dev/null || { echo "missing $tool (apt-get install xvfb imagemagick xdotool)" >&2; exit 1; }
+done
+if [ ! -f "$BUILD/CMakeCache.txt" ]; then
+  cmake -S "$ROOT" -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    -DOCULIX_BUILD_TESTS=OFF -DOCULIX_BUILD_BENCH=OFF >/dev/null
+fi
+cmake --build "$BUILD" --target Oculix
+mkdir -p "$OUT"
+DATA=$(mktemp -d)
+trap 'rm -rf "$DATA"' EXIT
+
+
+OCULIX_DATA_DIR="$DATA" XDG_CONFIG_HOME="$DATA/config" \
+  xvfb-run -a -s "-screen 0 1600x1000x24" "$0" --inside "$BUILD/src/app/Oculix" "$OUT" "$@"
+echo "screenshots in $OUT:"
+ls -1 "$OUT"/*.png
