@@ -1,0 +1,340 @@
+#include "image/CPcxHandler.h"
+
+#include "image/FCObjImage.h"
+
+#include <QIODevice>
+#include <QImage>
+#include <QSize>
+#include <QVariant>
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr int kHeaderSize = 128;
+constexpr int kPaletteSize = 769; // 0x0C, then 256 RGB triples
+
+struct PcxHeader
+{
+    int version = 0;
+    int encoding = 0;
+    int bitsPerPixel = 0;
+    int planes = 0;
+    int bytesPerLine = 0;
+    int width = 0;
+    int height = 0;
+    uchar palette16[48] = {};
+};
+
+int U16(const uchar* p)
+{
+    return p[0] | (p[1] << 8);
+}
+
+void PutU16(uchar* p, int v)
+{
+    p[0] = uchar(v & 0xFF);
+    p[1] = uchar((v >> 8) & 0xFF);
+}
+
+bool Supported(int bits, int planes)
+{
+    return (planes == 1 && (bits == 1 || bits == 2 || bits == 4 || bits == 8)) || (planes == 4 && bits == 1)
+        || ((planes == 3 || planes == 4) && bits == 8);
+}
+
+// Parses and checks the header; a reason on failure.
+bool ParseHeader(const QByteArray& raw, PcxHeader& h, QString* why)
+{
+    auto fail = [why](const char* text) {
+        if (why)
+            *why = QString::fromLatin1(text);
+        return false;
+    };
+    if (raw.size() < kHeaderSize)
+        return fail("PCX header is truncated");
+    const auto* p = reinterpret_cast<const uchar*>(raw.constData());
+    if (p[0] != 0x0A)
+        return fail("not a PCX file");
+    h.version = p[1];
+    h.encoding = p[2];
+    h.bitsPerPixel = p[3];
+    const int xMin = U16(p + 4), yMin = U16(p + 6), xMax = U16(p + 8), yMax = U16(p + 10);
+    std::memcpy(h.palette16, p + 16, sizeof h.palette16);
+    h.planes = p[65];
+    h.bytesPerLine = U16(p + 66);
+    if (h.version > 5 || h.encoding > 1)
+        return fail("not a PCX file");
+    if (xMax < xMin || yMax < yMin)
+        return fail("PCX picture has no pixels");
+    h.width = xMax - xMin + 1;
+    h.height = yMax - yMin + 1;
+    if (!Supported(h.bitsPerPixel, h.planes))
+        return fail("unsupported PCX pixel layout");
+    if (h.bytesPerLine < (h.width * h.bitsPerPixel + 7) / 8)
+        return fail("PCX line length is too short for its width");
+    if (qint64(h.width) * h.height > FCObjImage::kMaxPixels)
+        return fail("picture is too large");
+    return true;
+}
+
+// Expands the RLE (or raw) stream into exactly out.size() bytes.
+bool Decode(const uchar* in, qint64 inSize, bool rle, std::vector<uchar>& out)
+{
+    const std::size_t total = out.size();
+    if (!rle) {
+        if (inSize < qint64(total))
+            return false;
+        std::memcpy(out.data(), in, total);
+        return true;
+    }
+    std::size_t o = 0;
+    qint64 i = 0;
+    while (o < total) {
+        if (i >= inSize)
+            return false;
+        uchar c = in[i++];
+        std::size_t count = 1;
+        if ((c & 0xC0) == 0xC0) {
+            count = c & 0x3F;
+            if (i >= inSize)
+                return false;
+            c = in[i++];
+        }
+        // A run may end past the last line; what does not fit is dropped.
+        count = std::min(count, total - o);
+        std::memset(out.data() + o, c, count);
+        o += count;
+    }
+    return true;
+}
+
+void EncodeLine(const uchar* line, int n, QByteArray& out)
+{
+    int i = 0;
+    while (i < n) {
+        const uchar v = line[i];
+        int run = 1;
+        while (i + run < n && run < 63 && line[i + run] == v)
+            ++run;
+        if (run > 1 || (v & 0xC0) == 0xC0)
+            out.append(char(0xC0 | run));
+        out.append(char(v));
+        i += run;
+    }
+}
+
+} // namespace
+
+bool CPcxHandler::canRead(QIODevice* device)
+{
+    if (device == nullptr)
+        return false;
+    PcxHeader h;
+    return ParseHeader(device->peek(kHeaderSize), h, nullptr);
+}
+
+bool CPcxHandler::canRead() const
+{
+    if (!canRead(device()))
+        return false;
+    setFormat("pcx");
+    return true;
+}
+
+bool CPcxHandler::supportsOption(ImageOption option) const
+{
+    return option == Size;
+}
+
+QVariant CPcxHandler::option(ImageOption option) const
+{
+    PcxHeader h;
+    if (option == Size && device() != nullptr && ParseHeader(device()->peek(kHeaderSize), h, nullptr))
+        return QSize(h.width, h.height);
+    return {};
+}
+
+bool CPcxHandler::read(QImage* image)
+{
+    QIODevice* dev = device();
+    if (dev == nullptr)
+        return false;
+    const QByteArray header = dev->read(kHeaderSize);
+    PcxHeader h;
+    QString why;
+    if (!ParseHeader(header, h, &why)) {
+        qWarning("PCX: %s", qPrintable(why));
+        return false;
+    }
+    const std::size_t lineBytes = std::size_t(h.bytesPerLine) * h.planes;
+    const std::size_t total = lineBytes * h.height;
+    // A run yields at most 63 bytes from two, so a body too short for the
+    // declared size is refused before the pixels are allocated.
+    if (dev->size() > 0 && !dev->isSequential()) {
+        const qint64 left = dev->size() - dev->pos();
+        const qint64 needed = h.encoding == 1 ? qint64(total / 63) * 2 : qint64(total);
+        if (left < needed) {
+            qWarning("PCX: file is truncated");
+            return false;
+        }
+    }
+    const QByteArray body = dev->readAll();
+    const auto* in = reinterpret_cast<const uchar*>(body.constData());
+    qint64 inSize = body.size();
+
+    // 256-colour palette after the pixels of 8-bit single-plane pictures.
+    QVector<QRgb> colors;
+    if (h.planes == 1 && h.bitsPerPixel == 8) {
+        if (inSize >= kPaletteSize && in[inSize - kPaletteSize] == 0x0C) {
+            const uchar* pal = in + inSize - kPaletteSize + 1;
+            for (int i = 0; i < 256; ++i)
+                colors.append(qRgb(pal[3 * i], pal[3 * i + 1], pal[3 * i + 2]));
+            inSize -= kPaletteSize;
+        } else {
+            for (int i = 0; i < 256; ++i)
+                colors.append(qRgb(i, i, i));
+        }
+    } else if (h.planes == 1 && h.bitsPerPixel == 1) {
+        colors = { qRgb(0, 0, 0), qRgb(255, 255, 255) };
+    } else if (h.planes * h.bitsPerPixel <= 4) {
+        for (int i = 0; i < (1 << (h.planes * h.bitsPerPixel)); ++i)
+            colors.append(qRgb(h.palette16[3 * i], h.palette16[3 * i + 1], h.palette16[3 * i + 2]));
+    }
+
+    std::vector<uchar> pixels;
+    try {
+        pixels.resize(total);
+    } catch (const std::bad_alloc&) {
+        qWarning("PCX: out of memory");
+        return false;
+    }
+    if (!Decode(in, inSize, h.encoding == 1, pixels)) {
+        qWarning("PCX: pixel data is truncated");
+        return false;
+    }
+
+    QImage::Format format = QImage::Format_Indexed8;
+    if (h.planes == 1 && h.bitsPerPixel == 1)
+        format = QImage::Format_Mono;
+    else if (h.planes == 3)
+        format = QImage::Format_RGB32;
+    else if (h.planes == 4 && h.bitsPerPixel == 8)
+        format = QImage::Format_ARGB32;
+    QImage out(h.width, h.height, format);
+    if (out.isNull()) {
+        qWarning("PCX: out of memory");
+        return false;
+    }
+    if (!colors.isEmpty())
+        out.setColorTable(colors);
+
+    for (int y = 0; y < h.height; ++y) {
+        const uchar* line = pixels.data() + std::size_t(y) * lineBytes;
+        uchar* dst = out.scanLine(y);
+        const int bpl = h.bytesPerLine;
+        if (format == QImage::Format_Mono) {
+            std::memcpy(dst, line, std::size_t((h.width + 7) / 8));
+        } else if (h.planes == 1 && h.bitsPerPixel == 8) {
+            std::memcpy(dst, line, std::size_t(h.width));
+        } else if (h.planes == 1) { // 2 or 4 bits, most significant first
+            const int bits = h.bitsPerPixel;
+            const int perByte = 8 / bits;
+            for (int x = 0; x < h.width; ++x) {
+                const int shift = 8 - bits * (x % perByte + 1);
+                dst[x] = uchar((line[x / perByte] >> shift) & ((1 << bits) - 1));
+            }
+        } else if (h.bitsPerPixel == 1) { // four planes, plane k is bit k
+            for (int x = 0; x < h.width; ++x) {
+                int v = 0;
+                for (int k = 0; k < 4; ++k)
+                    v |= ((line[k * bpl + x / 8] >> (7 - x % 8)) & 1) << k;
+                dst[x] = uchar(v);
+            }
+        } else {
+            auto* px = reinterpret_cast<QRgb*>(dst);
+            for (int x = 0; x < h.width; ++x) {
+                const int a = h.planes == 4 ? line[3 * bpl + x] : 255;
+                px[x] = qRgba(line[x], line[bpl + x], line[2 * bpl + x], a);
+            }
+        }
+    }
+    *image = out;
+    return true;
+}
+
+bool CPcxHandler::write(const QImage& source)
+{
+    QIODevice* dev = device();
+    if (dev == nullptr || source.isNull() || source.width() > 65535 || source.height() > 65535)
+        return false;
+    QImage image = source;
+    int planes = 1;
+    int bits = 8;
+    if (image.depth() == 1) {
+        image = image.convertToFormat(QImage::Format_Mono);
+        bits = 1;
+    } else if (image.format() == QImage::Format_Indexed8 || image.format() == QImage::Format_Grayscale8) {
+        image = image.convertToFormat(QImage::Format_Indexed8);
+    } else {
+        image = image.convertToFormat(QImage::Format_RGB888);
+        planes = 3;
+    }
+    const int w = image.width();
+    const int bytesPerLine = ((w * bits + 15) / 16) * 2;
+
+    uchar header[kHeaderSize] = {};
+    header[0] = 0x0A;
+    header[1] = 5;
+    header[2] = 1;
+    header[3] = uchar(bits);
+    PutU16(header + 8, w - 1);
+    PutU16(header + 10, image.height() - 1);
+    const int dpi = image.dotsPerMeterX() > 0 ? qRound(image.dotsPerMeterX() * 0.0254) : 96;
+    PutU16(header + 12, dpi);
+    PutU16(header + 14, dpi);
+    if (bits == 1) {
+        const QVector<QRgb> table = image.colorTable();
+        for (int i = 0; i < 2; ++i) {
+            const QRgb c = i < table.size() ? table[i] : (i ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
+            header[16 + 3 * i] = uchar(qRed(c));
+            header[17 + 3 * i] = uchar(qGreen(c));
+            header[18 + 3 * i] = uchar(qBlue(c));
+        }
+    }
+    header[65] = uchar(planes);
+    PutU16(header + 66, bytesPerLine);
+    PutU16(header + 68, 1);
+
+    QByteArray out(reinterpret_cast<const char*>(header), kHeaderSize);
+    std::vector<uchar> line(std::size_t(bytesPerLine), 0);
+    for (int y = 0; y < image.height(); ++y) {
+        const uchar* src = image.constScanLine(y);
+        for (int p = 0; p < planes; ++p) {
+            std::fill(line.begin(), line.end(), uchar(0));
+            if (planes == 1)
+                std::memcpy(line.data(), src, std::size_t((w * bits + 7) / 8));
+            else
+                for (int x = 0; x < w; ++x)
+                    line[std::size_t(x)] = src[3 * x + p];
+            EncodeLine(line.data(), bytesPerLine, out);
+        }
+        if (out.size() > (1 << 20)) {
+            if (dev->write(out) != out.size())
+                return false;
+            out.clear();
+        }
+    }
+    if (planes == 1 && bits == 8) {
+        out.append(char(0x0C));
+        const QVector<QRgb> table = image.colorTable();
+        for (int i = 0; i < 256; ++i) {
+            const QRgb c = i < table.size() ? table[i] : qRgb(0, 0, 0);
+            out.append(char(qRed(c)));
+            out.append(char(qGreen(c)));
+            out.append(char(qBlue(c)));
+        }
+    }
+    return dev->write(out) == out.size();
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QImageIOHandler>
+
+// ZSoft PCX pictures: reads 1, 2, 4 and 8 bits in one plane, 1 bit in four
+// planes (16 colours), 8 bits in three or four planes (RGB, RGBA), RLE or
+// raw; writes 1 bit (two colours), 8 bits with the 256-colour palette at the
+// end, or 24 bits as three planes, always RLE.
+class CPcxHandler : public QImageIOHandler
+{
+public:
+    bool canRead() const override;
+    bool read(QImage* image) override;
+    bool write(const QImage& image) override;
+    bool supportsOption(ImageOption option) const override;
+    QVariant option(ImageOption option) const override;
+
+    // True when device (left where it was) starts with a usable PCX header.
+    static bool canRead(QIODevice* device);
+};

@@ -1,0 +1,340 @@
+#include "image/CTgaHandler.h"
+
+#include "image/FCObjImage.h"
+
+#include <QIODevice>
+#include <QImage>
+#include <QSize>
+#include <QVariant>
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr int kHeaderSize = 18;
+
+struct TgaHeader
+{
+    int idLength = 0;
+    int mapType = 0;
+    int type = 0;
+    int mapFirst = 0;
+    int mapLength = 0;
+    int mapEntryBits = 0;
+    int width = 0;
+    int height = 0;
+    int pixelBits = 0;
+    int descriptor = 0;
+
+    bool Rle() const { return type >= 9; }
+    int BaseType() const { return type & 7; } // 1 colour-mapped, 2 true colour, 3 gray
+    int PixelBytes() const { return (pixelBits + 7) / 8; }
+    bool TopDown() const { return (descriptor & 0x20) != 0; }
+    bool RightToLeft() const { return (descriptor & 0x10) != 0; }
+    int AlphaBits() const { return descriptor & 0x0F; }
+};
+
+int U16(const uchar* p)
+{
+    return p[0] | (p[1] << 8);
+}
+
+void PutU16(uchar* p, int v)
+{
+    p[0] = uchar(v & 0xFF);
+    p[1] = uchar((v >> 8) & 0xFF);
+}
+
+bool ParseHeader(const QByteArray& raw, TgaHeader& h, QString* why)
+{
+    auto fail = [why](const char* text) {
+        if (why)
+            *why = QString::fromLatin1(text);
+        return false;
+    };
+    if (raw.size() < kHeaderSize)
+        return fail("TGA header is truncated");
+    const auto* p = reinterpret_cast<const uchar*>(raw.constData());
+    h.idLength = p[0];
+    h.mapType = p[1];
+    h.type = p[2];
+    h.mapFirst = U16(p + 3);
+    h.mapLength = U16(p + 5);
+    h.mapEntryBits = p[7];
+    h.width = U16(p + 12);
+    h.height = U16(p + 14);
+    h.pixelBits = p[16];
+    h.descriptor = p[17];
+    if (h.mapType > 1
+        || (h.type != 1 && h.type != 2 && h.type != 3 && h.type != 9 && h.type != 10 && h.type != 11))
+        return fail("not a TGA file");
+    if ((h.descriptor & 0xC0) != 0)
+        return fail("interleaved TGA is not supported");
+    const bool mapped = h.BaseType() == 1;
+    if (mapped && (h.mapType != 1 || h.pixelBits != 8))
+        return fail("unsupported TGA colour map");
+    if (h.mapType == 1
+        && (h.mapLength == 0
+            || (h.mapEntryBits != 15 && h.mapEntryBits != 16 && h.mapEntryBits != 24
+                && h.mapEntryBits != 32)))
+        return fail("unsupported TGA colour map");
+    if (h.BaseType() == 2 && h.pixelBits != 15 && h.pixelBits != 16 && h.pixelBits != 24 && h.pixelBits != 32)
+        return fail("unsupported TGA pixel depth");
+    if (h.BaseType() == 3 && h.pixelBits != 8)
+        return fail("unsupported TGA pixel depth");
+    if (h.width == 0 || h.height == 0)
+        return fail("TGA picture has no pixels");
+    if (qint64(h.width) * h.height > FCObjImage::kMaxPixels)
+        return fail("picture is too large");
+    return true;
+}
+
+QRgb Color16(int v)
+{
+    const int r = (v >> 10) & 31, g = (v >> 5) & 31, b = v & 31;
+    return qRgb((r << 3) | (r >> 2), (g << 3) | (g >> 2), (b << 3) | (b >> 2));
+}
+
+// One pixel or map entry of `bits` bits at p as a colour.
+QRgb ColorAt(const uchar* p, int bits, bool alpha)
+{
+    switch (bits) {
+    case 15:
+    case 16:
+        return Color16(U16(p));
+    case 24:
+        return qRgb(p[2], p[1], p[0]);
+    default:
+        return qRgba(p[2], p[1], p[0], alpha ? p[3] : 255);
+    }
+}
+
+} // namespace
+
+bool CTgaHandler::canRead(QIODevice* device)
+{
+    if (device == nullptr)
+        return false;
+    TgaHeader h;
+    return ParseHeader(device->peek(kHeaderSize), h, nullptr);
+}
+
+bool CTgaHandler::canRead() const
+{
+    if (!canRead(device()))
+        return false;
+    setFormat("tga");
+    return true;
+}
+
+bool CTgaHandler::supportsOption(ImageOption option) const
+{
+    return option == Size;
+}
+
+QVariant CTgaHandler::option(ImageOption option) const
+{
+    TgaHeader h;
+    if (option == Size && device() != nullptr && ParseHeader(device()->peek(kHeaderSize), h, nullptr))
+        return QSize(h.width, h.height);
+    return {};
+}
+
+bool CTgaHandler::read(QImage* image)
+{
+    QIODevice* dev = device();
+    if (dev == nullptr)
+        return false;
+    TgaHeader h;
+    QString why;
+    if (!ParseHeader(dev->read(kHeaderSize), h, &why)) {
+        qWarning("TGA: %s", qPrintable(why));
+        return false;
+    }
+    const int bytes = h.PixelBytes();
+    const std::size_t pixels = std::size_t(h.width) * h.height;
+    const int entryBytes = (h.mapEntryBits + 7) / 8;
+    const qint64 mapBytes = h.mapType == 1 ? qint64(h.mapLength) * entryBytes : 0;
+    // An RLE packet yields at most 128 pixels, so a body too short for the
+    // declared size is refused before the pixels are allocated.
+    if (dev->size() > 0 && !dev->isSequential()) {
+        const qint64 left = dev->size() - dev->pos() - h.idLength - mapBytes;
+        const qint64 needed = h.Rle() ? qint64(pixels / 128) * (1 + bytes) : qint64(pixels) * bytes;
+        if (left < needed) {
+            qWarning("TGA: file is truncated");
+            return false;
+        }
+    }
+    if (dev->read(h.idLength).size() != h.idLength) {
+        qWarning("TGA: file is truncated");
+        return false;
+    }
+    QVector<QRgb> map;
+    if (h.mapType == 1) {
+        const QByteArray raw = dev->read(mapBytes);
+        if (raw.size() != mapBytes) {
+            qWarning("TGA: colour map is truncated");
+            return false;
+        }
+        const auto* m = reinterpret_cast<const uchar*>(raw.constData());
+        for (int i = 0; i < h.mapLength; ++i)
+            map.append(ColorAt(m + i * entryBytes, h.mapEntryBits, h.mapEntryBits == 32));
+    }
+
+    const QByteArray body = dev->readAll();
+    const auto* in = reinterpret_cast<const uchar*>(body.constData());
+    const std::size_t inSize = std::size_t(body.size());
+    std::vector<uchar> raw;
+    try {
+        raw.resize(pixels * bytes);
+    } catch (const std::bad_alloc&) {
+        qWarning("TGA: out of memory");
+        return false;
+    }
+    if (!h.Rle()) {
+        if (inSize < raw.size()) {
+            qWarning("TGA: pixel data is truncated");
+            return false;
+        }
+        std::memcpy(raw.data(), in, raw.size());
+    } else {
+        std::size_t o = 0, i = 0;
+        const std::size_t total = raw.size();
+        while (o < total) {
+            if (i >= inSize) {
+                qWarning("TGA: pixel data is truncated");
+                return false;
+            }
+            const uchar packet = in[i++];
+            const std::size_t count = std::size_t(packet & 0x7F) + 1;
+            const std::size_t n = std::min(count * bytes, total - o); // a run past the end is cut
+            if (packet & 0x80) {
+                if (i + bytes > inSize) {
+                    qWarning("TGA: pixel data is truncated");
+                    return false;
+                }
+                for (std::size_t k = 0; k < n; k += bytes)
+                    std::memcpy(raw.data() + o + k, in + i, std::size_t(bytes));
+                i += bytes;
+            } else {
+                if (i + count * bytes > inSize) {
+                    qWarning("TGA: pixel data is truncated");
+                    return false;
+                }
+                std::memcpy(raw.data() + o, in + i, n);
+                i += count * bytes;
+            }
+            o += n;
+        }
+    }
+
+    const bool alpha = h.pixelBits == 32 && h.AlphaBits() > 0;
+    QImage::Format format = QImage::Format_RGB32;
+    if (h.BaseType() != 2)
+        format = QImage::Format_Indexed8;
+    else if (alpha)
+        format = QImage::Format_ARGB32;
+    QImage out(h.width, h.height, format);
+    if (out.isNull()) {
+        qWarning("TGA: out of memory");
+        return false;
+    }
+    if (h.BaseType() == 1) {
+        // Indices count from the map's first entry; the table covers 0..255
+        // so that no index can point outside it.
+        QVector<QRgb> table(256, qRgb(0, 0, 0));
+        for (int i = 0; i < 256; ++i) {
+            const int entry = i - h.mapFirst;
+            if (entry >= 0 && entry < map.size())
+                table[i] = map[entry];
+        }
+        out.setColorTable(table);
+    } else if (h.BaseType() == 3) {
+        QVector<QRgb> table;
+        for (int i = 0; i < 256; ++i)
+            table.append(qRgb(i, i, i));
+        out.setColorTable(table);
+    }
+    for (int row = 0; row < h.height; ++row) {
+        const int y = h.TopDown() ? row : h.height - 1 - row;
+        const uchar* src = raw.data() + std::size_t(row) * h.width * bytes;
+        uchar* dst = out.scanLine(y);
+        for (int col = 0; col < h.width; ++col) {
+            const int x = h.RightToLeft() ? h.width - 1 - col : col;
+            const uchar* p = src + std::size_t(col) * bytes;
+            if (format == QImage::Format_Indexed8)
+                dst[x] = p[0];
+            else
+                reinterpret_cast<QRgb*>(dst)[x] = ColorAt(p, h.pixelBits, alpha);
+        }
+    }
+    *image = out;
+    return true;
+}
+
+bool CTgaHandler::write(const QImage& source)
+{
+    QIODevice* dev = device();
+    if (dev == nullptr || source.isNull() || source.width() > 65535 || source.height() > 65535)
+        return false;
+    const bool mapped = source.depth() <= 8;
+    const bool alpha = !mapped && source.hasAlphaChannel();
+    const QImage image = mapped
+        ? source.convertToFormat(QImage::Format_Indexed8)
+        : source.convertToFormat(alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    const int w = image.width(), hgt = image.height();
+    const int bytes = mapped ? 1 : alpha ? 4 : 3;
+
+    uchar header[kHeaderSize] = {};
+    QVector<QRgb> table;
+    if (mapped) {
+        table = image.colorTable();
+        if (table.isEmpty())
+            table.append(qRgb(0, 0, 0));
+        header[1] = 1;
+        header[2] = 1;
+        PutU16(header + 5, int(table.size()));
+        header[7] = 24;
+    } else {
+        header[2] = 2;
+    }
+    PutU16(header + 12, w);
+    PutU16(header + 14, hgt);
+    header[16] = uchar(bytes * 8);
+    header[17] = alpha ? 8 : 0; // bottom-up rows, left to right
+
+    QByteArray out(reinterpret_cast<const char*>(header), kHeaderSize);
+    for (const QRgb c : table) {
+        out.append(char(qBlue(c)));
+        out.append(char(qGreen(c)));
+        out.append(char(qRed(c)));
+    }
+    QByteArray line(w * bytes, 0);
+    for (int y = hgt - 1; y >= 0; --y) {
+        const uchar* src = image.constScanLine(y);
+        if (mapped) {
+            std::memcpy(line.data(), src, std::size_t(w));
+        } else {
+            const auto* px = reinterpret_cast<const QRgb*>(src);
+            for (int x = 0; x < w; ++x) {
+                char* d = line.data() + x * bytes;
+                d[0] = char(qBlue(px[x]));
+                d[1] = char(qGreen(px[x]));
+                d[2] = char(qRed(px[x]));
+                if (alpha)
+                    d[3] = char(qAlpha(px[x]));
+            }
+        }
+        out.append(line);
+        if (out.size() > (1 << 20)) {
+            if (dev->write(out) != out.size())
+                return false;
+            out.clear();
+        }
+    }
+    static const char footer[26] = { 0, 0, 0, 0, 0, 0, 0, 0, 'T', 'R', 'U', 'E', 'V', 'I', 'S', 'I', 'O', 'N',
+        '-', 'X', 'F', 'I', 'L', 'E', '.', 0 };
+    out.append(footer, sizeof footer);
+    return dev->write(out) == out.size();
+}
