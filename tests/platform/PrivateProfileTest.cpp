@@ -1,0 +1,259 @@
+#include "platform/PrivateProfile.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+class PrivateProfile : public ::testing::Test
+{
+protected:
+    QString Path() const { return m_dir.filePath(QStringLiteral("Setting.ini")); }
+    void Put(const QByteArray& bytes) const
+    {
+        QFile f(Path());
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    }
+    QByteArray Bytes() const
+    {
+        QFile f(Path());
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+    QString Get(const QString& section, const QString& key, const QString& def = "dflt") const
+    {
+        return GetPrivateProfileString(section, key, def, Path());
+    }
+    int GetInt(const QString& section, const QString& key, int def = 77) const
+    {
+        return static_cast<int>(GetPrivateProfileInt(section, key, def, Path()));
+    }
+    bool Write(const QString& section, const QString& key, const QString& value) const
+    {
+        return WritePrivateProfileString(section, key, value, Path());
+    }
+
+    QTemporaryDir m_dir;
+};
+
+// As the Windows calls leave a file that a user has edited.
+const QByteArray kWindowsFile = "; written by hand\r\n"
+                                "[ Measure ]\r\n"
+                                "m_unit.m_dcxPerPixel = 0.01\r\n"
+                                "PreciSion= 3  \r\n"
+                                "#note=hash starts a key\r\n"
+                                ";Precision=9\r\n"
+                                "no equals sign\r\n"
+                                "expr=a=b;c\r\n"
+                                "quoted=\" padded \"\r\n"
+                                "single='x'\r\n"
+                                "odd=\"x'\r\n"
+                                "empty=\r\n"
+                                "\r\n"
+                                "[Measure]\r\n"
+                                "FontSize=2\r\n"
+                                "[Video]\r\n"
+                                "Device=KMZ-N130 USB2.0 Camera\r\n"
+                                "device=second\r\n";
+
+TEST_F(PrivateProfile, ReadsAFileAsWindowsWritesIt)
+{
+    Put(kWindowsFile);
+    EXPECT_EQ(Get("measure", "M_UNIT.M_DCXPERPIXEL"), "0.01");
+    EXPECT_EQ(Get("Measure", "Precision"), "3");
+    EXPECT_EQ(Get("Measure", "#note"), "hash starts a key");
+    EXPECT_EQ(Get("Measure", ";Precision"), "dflt");
+    EXPECT_EQ(Get("Measure", "no equals sign"), "dflt");
+    EXPECT_EQ(Get("Measure", "expr"), "a=b;c");
+    EXPECT_EQ(Get("Measure", "quoted"), " padded ");
+    EXPECT_EQ(Get("Measure", "single"), "x");
+    EXPECT_EQ(Get("Measure", "odd"), "\"x'");
+    EXPECT_EQ(Get("Measure", "empty"), "");
+    EXPECT_EQ(GetInt("Measure", "empty"), 77);
+    EXPECT_EQ(Get("Measure", "FontSize"), "dflt") << "only the first of two equal sections counts";
+    EXPECT_EQ(Get("Video", "DEVICE"), "KMZ-N130 USB2.0 Camera");
+    EXPECT_EQ(Get("Video", "CurSel"), "dflt");
+    EXPECT_EQ(Get("Absent", "x", "trailing  \t"), "trailing");
+    EXPECT_EQ(Get("Absent", "x", "  leading"), "  leading");
+    const QString nullDefault = GetPrivateProfileString("Absent", "x", QString(), Path());
+    EXPECT_TRUE(nullDefault.isEmpty() && !nullDefault.isNull());
+    EXPECT_EQ(
+        GetPrivateProfileString("Video", QString(), "", Path()), QString::fromLatin1("Device\0device\0", 14));
+    EXPECT_EQ(GetPrivateProfileString(QString(), "x", "", Path()),
+        QString::fromLatin1("Measure\0Measure\0Video\0", 22));
+    EXPECT_EQ(GetPrivateProfileString("A", "b", "missing file", Path() + "x"), "missing file");
+}
+
+TEST_F(PrivateProfile, LineEndsAndSectionNames)
+{
+    Put("[a]b]\ra=1\n[ s ]\r\n\r\nb=2\n\rc=3");
+    EXPECT_EQ(Get("a]b", "a"), "1");
+    EXPECT_EQ(Get("S", "b"), "2");
+    EXPECT_EQ(Get("s", "c"), "3");
+}
+
+TEST_F(PrivateProfile, IntegersFollowThePlatform)
+{
+    Put("[i]\na=42A9\nb=B42\nc=  -1\nd=+7\ne=4294967297\nf=-\ng=\"12\"\nh=0x10\n");
+    const std::pair<const char*, int> cases[] = { { "a", 42 }, { "b", 0 }, { "c", -1 }, { "d", 7 },
+        { "e", 1 }, { "f", 0 }, { "g", 12 }, { "h", 0 }, { "z", 77 } };
+    for (const auto& [key, expected] : cases)
+        EXPECT_EQ(GetInt("i", key), expected) << key;
+    EXPECT_EQ(GetPrivateProfileInt("i", "c", 0, Path()), 0xFFFFFFFFu);
+}
+
+TEST_F(PrivateProfile, EncodingsAreReadAndKept)
+{
+    Put("[s]\nlatin=Gr\xFC\xDF\nutf8=Gr\xC3\xBC\xC3\x9F\n");
+    EXPECT_EQ(Get("s", "latin"), u"Grüß");
+    EXPECT_EQ(Get("s", "utf8"), u"Grüß");
+
+    const QString text = QStringLiteral("[Größe]\r\nk = v\r\n");
+    QByteArray le("\xFF\xFE");
+    QByteArray be("\xFE\xFF");
+    for (const QChar c : text) {
+        le.append(char(c.unicode() & 0xFF)).append(char(c.unicode() >> 8));
+        be.append(char(c.unicode() >> 8)).append(char(c.unicode() & 0xFF));
+    }
+    for (const QByteArray& file : { le, be }) {
+        Put(file);
+        EXPECT_EQ(Get("größe", "K"), "v");
+        ASSERT_TRUE(Write(QStringLiteral("GRÖßE"), "n", QStringLiteral("ü")));
+        const QByteArray expected = file
+            + (file == le ? QByteArray("n\0=\0\xFC\0\r\0\n\0", 10) : QByteArray("\0n\0=\0\xFC\0\r\0\n", 10));
+        EXPECT_EQ(Bytes(), expected);
+    }
+
+    Put("\xEF\xBB\xBF[s]\r\nk=1\r\n");
+    ASSERT_TRUE(Write("s", "k", QStringLiteral("é")));
+    EXPECT_EQ(Bytes(), "\xEF\xBB\xBF[s]\r\nk=\xC3\xA9\r\n");
+}
+
+TEST_F(PrivateProfile, WritesLikeTheWindowsCalls)
+{
+    ASSERT_TRUE(Write("App", "key", "string"));
+    EXPECT_EQ(Bytes(), "[App]\r\nkey=string\r\n");
+
+    // Odd bytes before the first section, LF ends and a Latin-1 comment stay as they were.
+    Put("junk \x80\x81\n[A]\n  Key = 1\n; caf\xE9\n\n[B]\nx=1");
+    ASSERT_TRUE(Write("a", "KEY", "2"));
+    ASSERT_TRUE(Write("A", "new", "n"));
+    ASSERT_TRUE(Write("B", "y", "2"));
+    ASSERT_TRUE(Write("C", "z", "3"));
+    EXPECT_EQ(Bytes(), "junk \x80\x81\n[A]\nKey=2\nnew=n\r\n; caf\xE9\n\n[B]\nx=1\r\ny=2\r\n[C]\r\nz=3\r\n");
+
+    Put("[A]\na=1\na=2\nb=1\n[B]\nc=1\n[A]\nd=1\n");
+    ASSERT_TRUE(Write("A", "a", "9"));
+    ASSERT_TRUE(Write("A", "d", "9"));
+    ASSERT_TRUE(Write("A", "b", QString()));
+    EXPECT_EQ(Bytes(), "[A]\na=9\na=2\nd=9\r\n[B]\nc=1\n[A]\nd=1\n");
+    ASSERT_TRUE(Write("A", QString(), QString()));
+    EXPECT_EQ(Bytes(), "[B]\nc=1\n[A]\nd=1\n");
+
+    // Nothing that would read back as something else is written.
+    EXPECT_FALSE(Write("B", "c", "1\r\n[X]"));
+    EXPECT_FALSE(Write("B", "a=b", "1"));
+    EXPECT_FALSE(Write("B", ";c", "1"));
+    EXPECT_EQ(Bytes(), "[B]\nc=1\n[A]\nd=1\n");
+}
+
+TEST_F(PrivateProfile, UnchangedFilesAreNotTouched)
+{
+    Put("[A]\r\nk = v\r\n");
+    chmod(Path().toLocal8Bit(), 0640);
+    struct stat before
+    {
+    };
+    stat(Path().toLocal8Bit(), &before);
+    const QDateTime old(QDate(2001, 2, 3), QTime(4, 5, 6), Qt::UTC);
+    {
+        QFile f(Path());
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite) && f.setFileTime(old, QFileDevice::FileModificationTime));
+    }
+    EXPECT_TRUE(Write("a", "K", "v"));
+    EXPECT_TRUE(Write("A", "missing", QString()));
+    EXPECT_TRUE(Write("Missing", QString(), QString()));
+    struct stat after
+    {
+    };
+    stat(Path().toLocal8Bit(), &after);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(QFileInfo(Path()).lastModified(), old);
+
+    ASSERT_TRUE(Write("A", "k", "w"));
+    stat(Path().toLocal8Bit(), &after);
+    EXPECT_EQ(after.st_mode & 0777, 0640u);
+    EXPECT_EQ(Bytes(), "[A]\r\nk=w\r\n");
+    EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList { "Setting.ini" });
+
+    // Removing from a missing file neither fails nor creates it; a missing folder is never created.
+    EXPECT_TRUE(WritePrivateProfileString("A", "k", QString(), Path() + "2"));
+    EXPECT_FALSE(QFile::exists(Path() + "2"));
+    EXPECT_FALSE(WritePrivateProfileString("A", "k", "v", m_dir.filePath("sub/Setting.ini")));
+    EXPECT_FALSE(QFile::exists(m_dir.filePath("sub")));
+}
+
+TEST_F(PrivateProfile, SeesChangesByOtherPrograms)
+{
+    Put("[A]\nk=1\n");
+    EXPECT_EQ(Get("A", "k"), "1");
+    Put("[A]\nk=2\n");
+    EXPECT_EQ(Get("A", "k"), "2");
+    QFile::remove(Path());
+    EXPECT_EQ(Get("A", "k"), "dflt");
+}
+
+// A full disk is played by a file-size limit in a child process.
+TEST_F(PrivateProfile, FailedWriteLeavesTheOldFileWhole)
+{
+    const QByteArray original = "[A]\r\nk=1\r\n; keep me\r\n";
+    Put(original);
+    const pid_t child = fork();
+    if (child == 0) {
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit { 1024, 1024 };
+        setrlimit(RLIMIT_FSIZE, &limit);
+        _exit(Write("A", "k", QString(4096, u'x')) ? 1 : 0);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the write should have reported failure";
+    EXPECT_EQ(Bytes(), original);
+    EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList { "Setting.ini" });
+}
+
+TEST_F(PrivateProfile, TwoProcessesKeepEachOthersWrites)
+{
+    constexpr int kKeys = 40;
+    Put("[Shared]\r\n");
+    pid_t children[2];
+    for (int c = 0; c < 2; ++c) {
+        children[c] = fork();
+        if (children[c] == 0) {
+            bool ok = true;
+            for (int i = 0; i < kKeys; ++i)
+                ok = Write("Shared", QStringLiteral("p%1_%2").arg(c).arg(i), QString::number(i)) && ok;
+            _exit(ok ? 0 : 1);
+        }
+    }
+    for (pid_t child : children) {
+        int status = -1;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    for (int c = 0; c < 2; ++c) {
+        for (int i = 0; i < kKeys; ++i)
+            EXPECT_EQ(GetInt("Shared", QStringLiteral("p%1_%2").arg(c).arg(i)), i);
+    }
+}
+
+} // namespace

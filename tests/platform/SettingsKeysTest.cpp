@@ -1,0 +1,171 @@
+#include "platform/SettingsKeys.h"
+
+#include "platform/PrivateProfile.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <clocale>
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+using namespace SettingsKeys;
+
+namespace {
+
+QByteArray ReadAll(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+TEST(SettingsKeys, FreshInstallationDefaults)
+{
+    const QString none = QStringLiteral("/nonexistent/Setting.ini");
+    const DocumentSettings s = ReadDocumentSettings(none);
+    EXPECT_EQ(s.m_cameraType, 1);
+    EXPECT_EQ(s.m_displayMode, 2);
+    EXPECT_EQ(s.m_device, "");
+    EXPECT_EQ(s.m_curSel, 4);
+    EXPECT_EQ(s.m_bFlip + s.m_bMirror, 0);
+    EXPECT_EQ(s.m_dcxPerPixel, double(0.2f));
+    EXPECT_EQ(s.m_dcyReal, double(0.2f));
+    EXPECT_EQ(s.m_rtUnit, 1);
+    EXPECT_EQ(s.m_ctAdjust + s.m_ctCoord + s.m_ctRuler + s.m_ctText, 4);
+    EXPECT_EQ(s.m_precision + s.m_fontSize + s.m_fontBackground, 3);
+    EXPECT_EQ(ReadCameraSize(Camera130H, none), QSize(1280, 1024));
+    EXPECT_EQ(ReadCameraSize(Camera1000, none), QSize(640, 480));
+    EXPECT_EQ(ReadString(GeneralAppName, none), "Oculix.exe");
+    EXPECT_EQ(GeneralAppName.m_section, "Gerneral");
+    EXPECT_EQ(ReadString(RgbGainName(3), none), "RgbGainName");
+    EXPECT_EQ(RgbGainBlue(12).m_name, "BGAIN12");
+}
+
+TEST(SettingsKeys, RealsKeepTwoDecimalsAndFloatPrecision)
+{
+    EXPECT_EQ(FormatReal(0.123), "0.12");
+    EXPECT_EQ(FormatReal(0.004), "0.00");
+    EXPECT_EQ(FormatReal(0.0125), "0.01");
+    EXPECT_EQ(FormatReal(2.675), "2.67"); // the double lies just below 2.675, as printf sees it
+    EXPECT_EQ(FormatReal(-1234.5), "-1234.50");
+
+    const std::pair<const char*, double> scans[] = {
+        { " 1.5mm", 1.5 },
+        { "+2", 2.0 },
+        { "-0.25", -0.25 },
+        { ".5", 0.5 },
+        { "1e3", 1000.0 },
+        { "1e-50", 0.0 },
+        { "abc", -7.0 },
+        { "", -7.0 },
+        { "--1", -7.0 },
+        { "1e50", -7.0 },
+        { "nan", -7.0 },
+        { "inf", -7.0 },
+        { "0.1", double(0.1f) },
+    };
+    for (const auto& [text, expected] : scans)
+        EXPECT_EQ(ScanReal(text, -7.0), expected) << text;
+
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("Setting.ini"));
+    ASSERT_TRUE(WriteReal(MeasureXPerPixel, 0.123, file));
+    EXPECT_EQ(GetPrivateProfileString("Measure", "m_unit.m_dcxPerPixel", "", file), "0.12");
+    EXPECT_EQ(ReadReal(MeasureXPerPixel, file), double(0.12f));
+    ASSERT_TRUE(WriteString(MeasureYPerPixel, QStringLiteral("garbage"), file));
+    EXPECT_EQ(ReadReal(MeasureYPerPixel, file), double(0.2f));
+}
+
+// A Qt program takes LC_NUMERIC from the desktop; a German one must still
+// write and read "0.50".
+TEST(SettingsKeys, RealsIgnoreTheNumericLocale)
+{
+    QTemporaryDir dir;
+    const QByteArray saved = setlocale(LC_NUMERIC, nullptr);
+    if (!setlocale(LC_NUMERIC, "de_DE.UTF-8")) {
+        const QString locales = dir.path();
+        QProcess::execute(QStringLiteral("localedef"),
+            { "-i", "de_DE", "-f", "UTF-8", locales + QStringLiteral("/de_DE.UTF-8") });
+        setenv("LOCPATH", locales.toLocal8Bit().constData(), 1);
+        const bool ok = setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
+        unsetenv("LOCPATH");
+        if (!ok)
+            GTEST_SKIP() << "no German locale available";
+    }
+    char probe[16];
+    snprintf(probe, sizeof probe, "%.1f", 0.5);
+    const QString formatted = FormatReal(0.5);
+    const double scanned = ScanReal(QStringLiteral("0.75"), 0.0);
+    setlocale(LC_NUMERIC, saved.constData());
+    EXPECT_STREQ(probe, "0,5") << "the locale did not take effect";
+    EXPECT_EQ(formatted, "0.50");
+    EXPECT_EQ(scanned, 0.75);
+}
+
+TEST(SettingsKeys, DocumentWritesItsKeysInOrder)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("Setting.ini"));
+    DocumentSettings s = ReadDocumentSettings(file);
+    s.m_device = QStringLiteral("KMZ-N130 USB2.0 Camera");
+    s.m_dcxPerPixel = 0.0125;
+    s.m_rtUnit = 0;
+    s.m_ctText = 7;
+    ASSERT_TRUE(WriteDocumentSettings(s, file));
+    EXPECT_EQ(ReadAll(file),
+        "[Video]\r\nCameraType=1\r\nDisplayMode=2\r\nDevice=KMZ-N130 USB2.0 Camera\r\n"
+        "CurSel=4\r\n[Process]\r\nbFlip=0\r\nbMirror=0\r\n[Measure]\r\n"
+        "m_unit.m_dcxPerPixel=0.01\r\nm_unit.m_dcyPerPixel=0.20\r\nm_unit.m_rtUnit=0\r\n"
+        "m_unit.m_dcxReal=0.20\r\nm_unit.m_dcyReal=0.20\r\nm_color.m_ctAdjust=1\r\n"
+        "m_color.m_ctCoord=1\r\nm_color.m_ctRuler=1\r\nm_color.m_ctText=7\r\nPrecision=1\r\n"
+        "FontSize=1\r\nFontBackground=1\r\n");
+    QStringList written;
+    for (const Key& key : DocumentWriteOrder())
+        written << key.m_section + u'/' + key.m_name;
+    EXPECT_EQ(written.size(), 18);
+    EXPECT_EQ(written.front(), "Video/CameraType");
+    EXPECT_EQ(written.back(), "Measure/FontBackground");
+
+    const DocumentSettings back = ReadDocumentSettings(file);
+    EXPECT_EQ(back.m_dcxPerPixel, double(0.01f));
+    EXPECT_EQ(back.m_ctText, 7);
+    EXPECT_EQ(back.m_device, s.m_device);
+}
+
+TEST(SettingsKeys, ASettingsFileFromWindowsSurvivesADocument)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("Setting.ini"));
+    const QByteArray original = "[Lang]\r\nLangId=2052\r\n[Measure]\r\nm_unit.m_dcxPerPixel = 0.01\r\n"
+                                "Precision = 2\r\nFONTSIZE=3\r\n; my note\r\n\r\n[RGBGAIN]\r\nTotal=1\r\n"
+                                "RGBGAINNAME0=Warm\r\n[Gerneral]\r\nAppName=Oculix.exe\r\n";
+    {
+        QFile f(file);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(original);
+    }
+    DocumentSettings s = ReadDocumentSettings(file);
+    EXPECT_EQ(s.m_dcxPerPixel, double(0.01f));
+    EXPECT_EQ(s.m_fontSize, 3);
+    s.m_precision = 4;
+    ASSERT_TRUE(WriteDocumentSettings(s, file));
+    QByteArray expected = original;
+    expected.replace("Precision = 2", "Precision=4");
+    expected.replace("FONTSIZE=3\r\n",
+        "FONTSIZE=3\r\nm_unit.m_dcyPerPixel=0.20\r\nm_unit.m_rtUnit=1\r\n"
+        "m_unit.m_dcxReal=0.20\r\nm_unit.m_dcyReal=0.20\r\nm_color.m_ctAdjust=1\r\n"
+        "m_color.m_ctCoord=1\r\nm_color.m_ctRuler=1\r\nm_color.m_ctText=1\r\n"
+        "FontBackground=1\r\n");
+    expected += "[Video]\r\nCameraType=1\r\nDisplayMode=2\r\nDevice=\r\nCurSel=4\r\n"
+                "[Process]\r\nbFlip=0\r\nbMirror=0\r\n";
+    EXPECT_EQ(ReadAll(file), expected);
+
+    // Fields of 256 and 260 characters keep one less.
+    ASSERT_TRUE(WriteString(VideoDevice, QString(300, u'd'), file));
+    ASSERT_TRUE(WriteString(SaveFilePath, QString(300, u'p'), file));
+    EXPECT_EQ(ReadString(VideoDevice, file).size(), 255);
+    EXPECT_EQ(ReadString(SaveFilePath, file).size(), 259);
+}
+
+} // namespace
