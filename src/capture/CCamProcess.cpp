@@ -1,0 +1,254 @@
+#include "capture/CCamProcess.h"
+
+#include "capture/HResult.h"
+
+#include <cstring>
+#include <thread>
+
+namespace {
+
+std::size_t Stride(unsigned width)
+{
+    return ((std::size_t(width) * 24 + 31) / 32) * 4;
+}
+
+int Flag(int on)
+{
+    return on ? 1 : 0;
+}
+
+} // namespace
+
+template <typename Fn> int CCamProcess::Update(Fn&& fn)
+{
+    std::lock_guard lock(m_stateMutex);
+    fn(m_state);
+    return S_OK;
+}
+
+CCamProcess::State CCamProcess::Snapshot() const
+{
+    std::lock_guard lock(m_stateMutex);
+    return m_state;
+}
+
+int CCamProcess::SetProcessEnable(int on)
+{
+    return Update([on](State& s) { s.enable = on != 0; });
+}
+
+int CCamProcess::SetFlipVertical(int on)
+{
+    return Update([on](State& s) { s.switches.flip = on != 0; });
+}
+
+int CCamProcess::SetFlipHorizontal(int on)
+{
+    return Update([on](State& s) { s.switches.mirror = on != 0; });
+}
+
+int CCamProcess::SetGray(int on)
+{
+    return Update([on](State& s) { s.switches.gray = on != 0; });
+}
+
+int CCamProcess::SetNegative(int on)
+{
+    return Update([on](State& s) { s.switches.negative = on != 0; });
+}
+
+int CCamProcess::SetBinary(int on, int level)
+{
+    return Update([on, level](State& s) {
+        s.switches.binary = on != 0;
+        s.switches.binaryLevel = level;
+    });
+}
+
+int CCamProcess::SetEmboss(int on)
+{
+    return Update([on](State& s) { s.switches.emboss = on != 0; });
+}
+
+int CCamProcess::SetSharpen(int on)
+{
+    return Update([on](State& s) { s.switches.sharpen = on != 0; });
+}
+
+int CCamProcess::SetRgbGain(int on, int red, int green, int blue)
+{
+    return Update([=](State& s) {
+        s.switches.rgb = on != 0;
+        s.switches.red = red;
+        s.switches.green = green;
+        s.switches.blue = blue;
+    });
+}
+
+int CCamProcess::SetOverlay(int on, uchar* const* overlayPointer)
+{
+    if (on && !overlayPointer)
+        return E_POINTER;
+    Update([on, overlayPointer](State& s) {
+        s.overlayOn = on != 0;
+        s.overlayPointer = overlayPointer;
+    });
+    // A frame that took the old pointer finishes before the caller may free
+    // what it pointed to.
+    std::lock_guard wait(m_frameMutex);
+    return S_OK;
+}
+
+void CCamProcess::SetOverlaySize(unsigned width, unsigned height)
+{
+    Update([width, height](State& s) {
+        s.overlayWidth = width;
+        s.overlayHeight = height;
+    });
+    std::lock_guard wait(m_frameMutex);
+}
+
+int CCamProcess::GetProcessEnable(int* on)
+{
+    if (!on)
+        return E_POINTER;
+    *on = Flag(Snapshot().enable);
+    return S_OK;
+}
+
+int CCamProcess::GetFlipVertical(int* on)
+{
+    if (!on)
+        return E_POINTER;
+    *on = Flag(Snapshot().switches.flip);
+    return S_OK;
+}
+
+int CCamProcess::GetFlipHorizontal(int* on)
+{
+    if (!on)
+        return E_POINTER;
+    *on = Flag(Snapshot().switches.mirror);
+    return S_OK;
+}
+
+int CCamProcess::GetGray(int* on)
+{
+    if (!on)
+        return E_POINTER;
+    *on = Flag(Snapshot().switches.gray);
+    return S_OK;
+}
+
+int CCamProcess::GetNegative(int* on)
+{
+    if (!on)
+        return E_POINTER;
+    *on = Flag(Snapshot().switches.negative);
+    return S_OK;
+}
+
+int CCamProcess::GetBinary(int* on, int* level)
+{
+    if (!on || !level)
+        return E_POINTER;
+    const State s = Snapshot();
+    *on = Flag(s.switches.binary);
+    *level = s.switches.binaryLevel;
+    return S_OK;
+}
+
+int CCamProcess::GetEmboss(int* on)
+{
+    if (!on)
+        return E_POINTER;
+    *on = Flag(Snapshot().switches.emboss);
+    return S_OK;
+}
+
+int CCamProcess::GetSharpen(int* on)
+{
+    if (!on)
+        return E_POINTER;
+    *on = Flag(Snapshot().switches.sharpen);
+    return S_OK;
+}
+
+int CCamProcess::GetStateA(int* width, int* height)
+{
+    if (!width || !height)
+        return E_POINTER;
+    *width = m_lastWidth;
+    *height = m_lastHeight;
+    return S_OK;
+}
+
+int CCamProcess::GetRgbGain(int* on, int* red, int* green, int* blue)
+{
+    if (!on || !red || !green || !blue)
+        return E_POINTER;
+    const State s = Snapshot();
+    *on = Flag(s.switches.rgb);
+    *red = s.switches.red;
+    *green = s.switches.green;
+    *blue = s.switches.blue;
+    return S_OK;
+}
+
+int CCamProcess::GetStateB(int* frames)
+{
+    if (!frames)
+        return E_POINTER;
+    *frames = int(m_frames.load() & 0x7FFFFFFFu);
+    return S_OK;
+}
+
+void CCamProcess::WaitOverlayUnused(const uchar* buffer) const
+{
+    while (buffer && m_overlayInUse.load() == buffer)
+        std::this_thread::yield();
+}
+
+void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptrdiff_t dstStep,
+    unsigned width, unsigned height)
+{
+    // The frame lock is taken before the state is read, so that SetOverlay,
+    // which waits for it after changing the state, cannot return while a
+    // frame still works with the old pointer.
+    std::unique_lock frame(m_frameMutex);
+    const State s = Snapshot();
+    m_lastWidth = int(width);
+    m_lastHeight = int(height);
+    m_frames.fetch_add(1);
+
+    const bool overlay
+        = s.enable && s.overlayOn && s.overlayPointer && s.overlayWidth == width && s.overlayHeight == height;
+    if (!overlay)
+        frame.unlock();
+
+    if (!s.enable) {
+        const std::size_t stride = Stride(width);
+        for (unsigned y = 0; y < height; ++y)
+            std::memcpy(dst + std::ptrdiff_t(y) * dstStep, src + std::ptrdiff_t(y) * srcStep, stride);
+        return;
+    }
+    if (!overlay) {
+        FusedProcess(src, srcStep, dst, dstStep, width, height, s.switches, nullptr);
+        return;
+    }
+
+    // Announce the buffer before reading it, then make sure it is still the
+    // published one: a writer that waited on the announcement cannot have
+    // started drawing into it.
+    auto published = std::atomic_ref<uchar*>(const_cast<uchar*&>(*s.overlayPointer));
+    const uchar* buffer = published.load();
+    for (;;) {
+        m_overlayInUse.store(buffer);
+        const uchar* again = published.load();
+        if (again == buffer)
+            break;
+        buffer = again;
+    }
+    FusedProcess(src, srcStep, dst, dstStep, width, height, s.switches, buffer);
+    m_overlayInUse.store(nullptr);
+}

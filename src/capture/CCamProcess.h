@@ -1,0 +1,89 @@
+#pragma once
+
+#include "capture/ICamProcess.h"
+#include "image/FusedProcess.h"
+
+#include <atomic>
+#include <cstddef>
+#include <mutex>
+
+// The state and the frame work of the live processing element. The switches
+// are set on the user-interface thread and read by the streaming thread once
+// per frame; the overlay pointer is published by the document's overlay
+// worker. The state outlives the GStreamer element that uses it, so the
+// switches survive a rebuild of the pipeline.
+//
+// Overlay protocol: the owner draws into one of two buffers and publishes the
+// finished one with
+//     std::atomic_ref<uchar*>(overlayPointer).store(buffer);
+// and, before drawing into a buffer again, calls WaitOverlayUnused(buffer),
+// which returns once no frame reads that buffer. A frame reads the published
+// buffer only after announcing it (see ProcessFrame), so a buffer is never
+// drawn while it is blended.
+class CCamProcess : public ICamProcess
+{
+public:
+    CCamProcess() = default;
+    CCamProcess(const CCamProcess&) = delete;
+    CCamProcess& operator=(const CCamProcess&) = delete;
+
+    int SetProcessEnable(int on) override;
+    int SetFlipVertical(int on) override;
+    int SetFlipHorizontal(int on) override;
+    int SetGray(int on) override;
+    int SetNegative(int on) override;
+    int SetBinary(int on, int level) override;
+    int SetEmboss(int on) override;
+    int SetSharpen(int on) override;
+    int SetRgbGain(int on, int red, int green, int blue) override;
+    // Returns once no frame reads through the previous pointer any more.
+    int SetOverlay(int on, uchar* const* overlayPointer) override;
+
+    int GetProcessEnable(int* on) override;
+    int GetFlipVertical(int* on) override;
+    int GetFlipHorizontal(int* on) override;
+    int GetGray(int* on) override;
+    int GetNegative(int* on) override;
+    int GetBinary(int* on, int* level) override;
+    int GetEmboss(int* on) override;
+    int GetSharpen(int* on) override;
+    int GetStateA(int* width, int* height) override;
+    int GetRgbGain(int* on, int* red, int* green, int* blue) override;
+    int GetStateB(int* frames) override;
+
+    // The size the overlay buffers were made for; frames of another size are
+    // not overlaid, so a stale buffer is never read past its end.
+    void SetOverlaySize(unsigned width, unsigned height);
+
+    // Any thread: waits while a frame is reading this overlay buffer.
+    void WaitOverlayUnused(const uchar* buffer) const;
+
+    // Streaming thread: processes one frame. Rows are given bottom-up, in the
+    // order of a bottom-up picture (see FusedProcess); steps may be negative.
+    void ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptrdiff_t dstStep,
+        unsigned width, unsigned height);
+
+private:
+    struct State
+    {
+        bool enable = true;
+        ProcessSwitches switches;
+        bool overlayOn = false;
+        uchar* const* overlayPointer = nullptr;
+        unsigned overlayWidth = 0;
+        unsigned overlayHeight = 0;
+    };
+    template <typename Fn> int Update(Fn&& fn);
+    State Snapshot() const;
+
+    mutable std::mutex m_stateMutex;
+    State m_state;
+    // Held while a frame reads the overlay, so that SetOverlay can wait.
+    std::mutex m_frameMutex;
+    // The overlay buffer a frame is reading, or null (a hazard pointer).
+    std::atomic<const uchar*> m_overlayInUse { nullptr };
+
+    std::atomic<int> m_lastWidth { 0 };
+    std::atomic<int> m_lastHeight { 0 };
+    std::atomic<unsigned> m_frames { 0 };
+};

@@ -1,0 +1,284 @@
+#include "capture/CSimScene.h"
+
+#include <QBuffer>
+#include <QFont>
+#include <QImageWriter>
+#include <QPainter>
+#include <QPainterPath>
+#include <QRadialGradient>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr int kNoiseSize = 1 << 16;
+
+// Drift: two slow sines, about 12 um/s at most at 30 frames per second.
+constexpr double kDriftXUm = 120.0;
+constexpr double kDriftYUm = 80.0;
+constexpr double kDriftPeriodX = 1800.0; // frames
+constexpr double kDriftPeriodY = 1350.0;
+
+inline uchar Clamp255(int v)
+{
+    return uchar(v < 0 ? 0 : v > 255 ? 255 : v);
+}
+
+} // namespace
+
+CSimScene::CSimScene(unsigned width, unsigned height)
+    : m_width(std::max(2u, width & ~1u))
+    , m_height(std::max(1u, height))
+    , m_umPerPixel(MicrometresPerPixel(m_width))
+{
+    DrawSlide();
+    BuildTables();
+    SetControls(Controls());
+}
+
+void CSimScene::DrawSlide()
+{
+    // The slide is bigger than the field by the drift on every side.
+    const double fieldHeightUm = m_height * m_umPerPixel;
+    const double slideHeightUm = std::max(kSlideHeightUm, fieldHeightUm + 2 * kDriftYUm + 40.0);
+    const int w = int(std::ceil(kSlideWidthUm / m_umPerPixel)) & ~1;
+    const int h = int(std::ceil(slideHeightUm / m_umPerPixel));
+
+    QImage canvas(w, h, QImage::Format_RGB32);
+    canvas.fill(QColor(226, 223, 212));
+    QPainter p(&canvas);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.scale(1.0 / m_umPerPixel, 1.0 / m_umPerPixel);
+    // Content is laid out around the slide's centre (1000, 900) um.
+    p.translate(0, (slideHeightUm - kSlideHeightUm) / 2);
+
+    // Uneven illumination and mounting medium: a few faint blotches.
+    std::minstd_rand blotchRng(7);
+    for (int i = 0; i < 14; ++i) {
+        const QPointF c(blotchRng() % 2000, blotchRng() % 1800);
+        const double r = 150 + blotchRng() % 300;
+        QRadialGradient g(c, r);
+        const int tone = (i % 2) ? 255 : 180;
+        g.setColorAt(0, QColor(tone, tone, tone - 20, 22));
+        g.setColorAt(1, QColor(tone, tone, tone - 20, 0));
+        p.setPen(Qt::NoPen);
+        p.setBrush(g);
+        p.drawEllipse(c, r, r);
+    }
+
+    // Stage micrometer: 1 mm in 100 divisions of 10 um, from x = 500 to 1500,
+    // baseline at y = 620, ticks upwards: 40 um, 70 um at every 50 um, 100 um
+    // at every 100 um, where the division count is written above.
+    const QColor ink(28, 28, 34);
+    p.setPen(Qt::NoPen);
+    p.setBrush(ink);
+    const double base = 620.0;
+    const double lineUm = 3.0;
+    p.drawRect(QRectF(500 - lineUm / 2, base - lineUm / 2, 1000 + lineUm, lineUm));
+    QFont font("Liberation Sans");
+    font.setPixelSize(36);
+    p.setFont(font);
+    for (int d = 0; d <= 100; ++d) {
+        const double x = 500.0 + 10.0 * d;
+        const double len = d % 10 == 0 ? 100.0 : d % 5 == 0 ? 70.0 : 40.0;
+        p.setPen(Qt::NoPen);
+        p.drawRect(QRectF(x - lineUm / 2, base - len, lineUm, len));
+        if (d % 10 == 0) {
+            p.setPen(ink);
+            const QRectF box(x - 60, base - len - 50, 120, 44);
+            p.drawText(box, Qt::AlignHCenter | Qt::AlignBottom, QString::number(d));
+        }
+    }
+    p.setPen(ink);
+    font.setPixelSize(30);
+    p.setFont(font);
+    p.drawText(
+        QRectF(500, base + 14, 1000, 40), Qt::AlignHCenter | Qt::AlignTop, QStringLiteral("1 DIV = 0.01 mm"));
+
+    // Stained round particles; the diameter is that of the outer edge.
+    const double diameters[] = { 20, 50, 100, 150, 250 };
+    const double centresX[] = { 430, 560, 740, 980, 1300 };
+    for (int i = 0; i < 5; ++i) {
+        const QPointF c(centresX[i], 880);
+        const double r = diameters[i] / 2;
+        QRadialGradient g(c, r);
+        g.setColorAt(0.0, QColor(150, 100, 175));
+        g.setColorAt(0.8, QColor(112, 58, 140));
+        g.setColorAt(1.0, QColor(80, 36, 105));
+        p.setPen(Qt::NoPen);
+        p.setBrush(g);
+        p.drawEllipse(c, r, r);
+    }
+
+    // A square of 200 um and an equilateral triangle of 200 um side.
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(64, 88, 140));
+    p.drawRect(QRectF(550, 1080, 200, 200));
+    const double side = 200.0;
+    const double height = side * std::sqrt(3.0) / 2;
+    QPainterPath tri;
+    tri.moveTo(1150 - side / 2, 1180 + height / 2);
+    tri.lineTo(1150 + side / 2, 1180 + height / 2);
+    tri.lineTo(1150, 1180 - height / 2);
+    tri.closeSubpath();
+    p.setBrush(QColor(122, 72, 40));
+    p.drawPath(tri);
+    p.end();
+
+    m_slide = canvas.convertToFormat(QImage::Format_RGB888);
+
+    // The same slide in YUY2 (BT.601, limited range), chroma of each pair averaged.
+    m_slideYuy2Stride = std::size_t(w) * 2;
+    m_slideYuy2.assign(m_slideYuy2Stride * h, 0);
+    for (int y = 0; y < h; ++y) {
+        const uchar* s = m_slide.constScanLine(y);
+        uchar* d = m_slideYuy2.data() + y * m_slideYuy2Stride;
+        for (int x = 0; x < w; x += 2, s += 6, d += 4) {
+            int u = 0;
+            int v = 0;
+            for (int k = 0; k < 2; ++k) {
+                const int r = s[3 * k];
+                const int g = s[3 * k + 1];
+                const int b = s[3 * k + 2];
+                d[2 * k] = Clamp255((66 * r + 129 * g + 25 * b + 128) / 256 + 16);
+                u += (-38 * r - 74 * g + 112 * b + 128) / 256 + 128;
+                v += (112 * r - 94 * g - 18 * b + 128) / 256 + 128;
+            }
+            d[1] = Clamp255(u / 2);
+            d[3] = Clamp255(v / 2);
+        }
+    }
+}
+
+void CSimScene::BuildTables()
+{
+    // Vignetting exp(-k r^2) is separable; the corners get about 75 %.
+    const double k = -std::log(0.75);
+    auto fill = [k](std::vector<std::uint16_t>& table, unsigned n, double halfDiagonalShare) {
+        table.resize(n);
+        for (unsigned i = 0; i < n; ++i) {
+            const double t = (i + 0.5 - n / 2.0) / (n / 2.0);
+            table[i] = std::uint16_t(std::lround(32768.0 * std::exp(-k * halfDiagonalShare * t * t)));
+        }
+    };
+    const double diag2 = double(m_width) * m_width + double(m_height) * m_height;
+    fill(m_vigX, m_width, double(m_width) * m_width / diag2);
+    fill(m_vigY, m_height, double(m_height) * m_height / diag2);
+
+    // Mild sensor noise, roughly normal with a spread of about 1.5 levels.
+    std::minstd_rand rng(12345);
+    m_noise.resize(kNoiseSize);
+    for (auto& n : m_noise) {
+        int sum = 0;
+        for (int i = 0; i < 4; ++i)
+            sum += int(rng() % 5) - 2;
+        n = std::int8_t(sum / 2);
+    }
+}
+
+void CSimScene::SetControls(const Controls& controls)
+{
+    m_controls = controls;
+    for (int i = 0; i < 256; ++i) {
+        m_lumaLut[i] = Clamp255((i - 128) * controls.contrast / 100 + 128 + controls.brightness);
+        m_chromaLut[i] = Clamp255((i - 128) * controls.saturation / 100 + 128);
+    }
+}
+
+QPoint CSimScene::Offset(std::uint64_t frame) const
+{
+    const double fieldHeightUm = m_height * m_umPerPixel;
+    const double slideHeightPx = m_slideYuy2.size() / m_slideYuy2Stride;
+    const double cx = (kSlideWidthUm - kFieldWidthUm) / 2
+        + kDriftXUm * std::sin(2 * kPi * double(frame % 1800) / kDriftPeriodX);
+    const double cy = (slideHeightPx * m_umPerPixel - fieldHeightUm) / 2
+        + kDriftYUm * std::sin(2 * kPi * double(frame % 1350) / kDriftPeriodY + 1.0);
+    const int x = int(std::lround(cx / m_umPerPixel)) & ~1;
+    const int y = int(std::lround(cy / m_umPerPixel));
+    const int maxX = m_slide.width() - int(m_width);
+    const int maxY = m_slide.height() - int(m_height);
+    return QPoint(std::clamp(x, 0, std::max(0, maxX)) & ~1, std::clamp(y, 0, std::max(0, maxY)));
+}
+
+int CSimScene::NoiseStart(std::uint64_t frame) const
+{
+    // A cheap hash of the frame number picks where the noise table starts.
+    std::uint64_t z = frame * 0x9E3779B97F4A7C15ull;
+    z ^= z >> 29;
+    return int(z & (kNoiseSize - 1));
+}
+
+void CSimScene::RenderYuy2(std::uint64_t frame, uchar* dst, std::size_t stride) const
+{
+    const QPoint off = Offset(m_controls.drift ? frame : 0);
+    const bool vignette = m_controls.vignetting;
+    const bool noisy = m_controls.noise;
+    int noise = NoiseStart(frame);
+    const unsigned rowsAvailable = unsigned(m_slide.height() - off.y());
+    const std::size_t rowBytes = std::size_t(m_width) * 2;
+    const std::size_t slideBytes = std::min(rowBytes, m_slideYuy2Stride - std::size_t(off.x()) * 2);
+    for (unsigned y = 0; y < m_height; ++y) {
+        uchar* d = dst + y * stride;
+        if (y >= rowsAvailable) {
+            for (std::size_t i = 0; i < rowBytes; i += 2) {
+                d[i] = 16;
+                d[i + 1] = 128;
+            }
+            continue;
+        }
+        const uchar* s = m_slideYuy2.data() + (off.y() + y) * m_slideYuy2Stride + std::size_t(off.x()) * 2;
+        const std::uint32_t vy = vignette ? m_vigY[y] : 32768;
+        for (std::size_t i = 0; i < slideBytes; i += 2) {
+            const unsigned x = unsigned(i / 2);
+            int luma = m_lumaLut[s[i]];
+            if (vignette)
+                luma = int((std::uint32_t(luma) * m_vigX[x] >> 15) * vy >> 15);
+            if (noisy) {
+                luma += m_noise[noise];
+                noise = (noise + 1) & (kNoiseSize - 1);
+            }
+            d[i] = Clamp255(luma);
+            d[i + 1] = m_chromaLut[s[i + 1]];
+        }
+        for (std::size_t i = slideBytes; i < rowBytes; i += 2) {
+            d[i] = 16;
+            d[i + 1] = 128;
+        }
+    }
+}
+
+QImage CSimScene::RenderRgb(std::uint64_t frame) const
+{
+    std::vector<uchar> yuy2(std::size_t(m_width) * 2 * m_height);
+    RenderYuy2(frame, yuy2.data(), std::size_t(m_width) * 2);
+    QImage rgb(int(m_width), int(m_height), QImage::Format_RGB888);
+    for (unsigned y = 0; y < m_height; ++y) {
+        const uchar* s = yuy2.data() + std::size_t(y) * m_width * 2;
+        uchar* d = rgb.scanLine(int(y));
+        for (unsigned x = 0; x < m_width; x += 2, s += 4, d += 6) {
+            const int u = s[1] - 128;
+            const int v = s[3] - 128;
+            for (int k = 0; k < 2; ++k) {
+                const int c = 298 * (s[2 * k] - 16);
+                d[3 * k] = Clamp255((c + 409 * v + 128) >> 8);
+                d[3 * k + 1] = Clamp255((c - 100 * u - 208 * v + 128) >> 8);
+                d[3 * k + 2] = Clamp255((c + 516 * u + 128) >> 8);
+            }
+        }
+    }
+    return rgb;
+}
+
+QByteArray CSimScene::RenderJpeg(std::uint64_t frame, int quality) const
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "jpeg");
+    writer.setQuality(quality);
+    writer.write(RenderRgb(frame));
+    return bytes;
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QPoint>
+
+#include <cstdint>
+#include <vector>
+
+// The picture of the simulated microscope camera: a slide with a stage
+// micrometer and test objects of known size, seen through a field of view
+// 1600 um wide whatever the frame size, drifting slowly, with mild noise and
+// vignetting. The slide is drawn once per frame size; a frame is a window into
+// it, so a frame costs a copy and a few table look-ups per pixel.
+//
+// Everything is a function of the frame number, so two cameras of the same
+// size deliver the same bytes. The ground truth is in docs/SimulatedCamera.md.
+class CSimScene
+{
+public:
+    // Width of the field of view in micrometres, for every frame size.
+    static constexpr double kFieldWidthUm = 1600.0;
+    // Size of the slide drawn, in micrometres.
+    static constexpr double kSlideWidthUm = 2000.0;
+    static constexpr double kSlideHeightUm = 1800.0;
+
+    CSimScene(unsigned width, unsigned height);
+
+    static double MicrometresPerPixel(unsigned width) { return kFieldWidthUm / width; }
+
+    unsigned Width() const { return m_width; }
+    unsigned Height() const { return m_height; }
+
+    // Top-left corner of frame n on the slide, in slide pixels; x is even so
+    // that YUY2 pairs stay aligned.
+    QPoint Offset(std::uint64_t frame) const;
+
+    // Picture adjustments, the camera's own controls.
+    struct Controls
+    {
+        int brightness = 0; // -64..64, added to luma
+        int contrast = 100; // 0..200 percent around mid-gray
+        int saturation = 100; // 0..200 percent
+        bool vignetting = true;
+        bool noise = true;
+        // Off: the slide stands still at its first position.
+        bool drift = true;
+    };
+    void SetControls(const Controls& controls);
+
+    // Frame n as packed YUY2 (Y0 U Y1 V), rows top-down, stride >= width * 2.
+    void RenderYuy2(std::uint64_t frame, uchar* dst, std::size_t stride) const;
+    // Frame n as 24-bit RGB888 (top-down), the source of the JPEG frames.
+    QImage RenderRgb(std::uint64_t frame) const;
+    // Frame n as a baseline JPEG, as a camera's MJPG mode sends it.
+    QByteArray RenderJpeg(std::uint64_t frame, int quality = 80) const;
+
+    // The slide as drawn, before noise and vignetting (tests, documentation).
+    const QImage& Slide() const { return m_slide; }
+
+private:
+    void DrawSlide();
+    void BuildTables();
+    int NoiseStart(std::uint64_t frame) const;
+
+    unsigned m_width;
+    unsigned m_height;
+    double m_umPerPixel;
+    QImage m_slide; // RGB888
+    std::vector<uchar> m_slideYuy2; // the slide in YUY2, m_slide.width() * 2 per row
+    std::size_t m_slideYuy2Stride = 0;
+    std::vector<std::uint16_t> m_vigX; // 1.15 fixed point
+    std::vector<std::uint16_t> m_vigY;
+    std::vector<std::int8_t> m_noise; // wraps at kNoiseSize
+    Controls m_controls;
+    uchar m_lumaLut[256];
+    uchar m_chromaLut[256];
+};

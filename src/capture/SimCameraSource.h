@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+
+#include <gst/gst.h>
+
+// The simulated microscope camera as a live GStreamer source, element name
+// "oculixsimcamsrc". It offers the capabilities of its "device-caps" property
+// (YUY2 and JPEG frames of any sizes) and draws CSimScene frames at the
+// negotiated rate, so the pipeline treats it exactly like v4l2src.
+//
+// Properties: "camera-name" (string, selects the fault settings below),
+// "device-caps" (GstCaps), "brightness" (-64..64), "contrast" (0..200),
+// "saturation" (0..200), "vignetting", "noise", "drift" (bools; with noise
+// and drift off every frame is the same), "frames" (read-only count of frames
+// delivered since the last start).
+
+// Registers the element type in this process (no plugin file). Idempotent.
+void RegisterSimCameraSource();
+
+// Faults a test may inject into every running and future camera of a name,
+// as a pulled camera or a slow one would behave.
+struct SimCameraFault
+{
+    // Stop with a read error, as an unplugged V4L2 camera does, when the
+    // camera has delivered this many frames since it started (0: never).
+    int failAfterFrames = 0;
+    // Deliver every n-th frame lateMs late (0: never).
+    int lateEvery = 0;
+    int lateMs = 0;
+};
+void SetSimCameraFault(const QString& cameraName, const SimCameraFault& fault);
+void ClearSimCameraFaults();

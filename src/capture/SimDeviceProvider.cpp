@@ -1,0 +1,278 @@
+#include "capture/SimDeviceProvider.h"
+
+#include "capture/SimCameraSource.h"
+
+#include <atomic>
+#include <mutex>
+#include <vector>
+
+struct OculixSimDevice
+{
+    GstDevice parent;
+};
+
+struct OculixSimDeviceClass
+{
+    GstDeviceClass parent_class;
+};
+
+G_DEFINE_TYPE(OculixSimDevice, oculix_sim_device, GST_TYPE_DEVICE)
+
+struct OculixSimProvider
+{
+    GstDeviceProvider parent;
+};
+
+struct OculixSimProviderClass
+{
+    GstDeviceProviderClass parent_class;
+};
+
+G_DEFINE_TYPE(OculixSimProvider, oculix_sim_provider, GST_TYPE_DEVICE_PROVIDER)
+
+namespace {
+
+std::atomic<bool> g_demoEnabled { false };
+
+// Devices in listing order, each holding one reference. The demo camera is
+// made once and kept, listed only while enabled.
+std::mutex g_mutex;
+GstDevice* g_demoDevice = nullptr;
+std::vector<GstDevice*> g_extraDevices;
+bool g_started = false;
+
+GstDevice* MakeDevice(const QString& name, GstCaps* caps)
+{
+    GstStructure* props = gst_structure_new(
+        "oculix-sim-device-properties", "device.api", G_TYPE_STRING, "oculix-sim", nullptr);
+    GstDevice* device
+        = GST_DEVICE(g_object_new(oculix_sim_device_get_type(), "display-name", name.toUtf8().constData(),
+            "device-class", "Video/Source", "caps", caps, "properties", props, nullptr));
+    gst_structure_free(props);
+    gst_object_ref_sink(device);
+    return device;
+}
+
+bool DemoFromEnvironment()
+{
+    return qEnvironmentVariableIntValue("OCULIX_DEMO_CAMERA") == 1;
+}
+
+// The devices listed now, each with a new reference.
+std::vector<GstDevice*> ListedLocked()
+{
+    std::vector<GstDevice*> out;
+    if (IsDemoCameraEnabled()) {
+        if (!g_demoDevice) {
+            GstCaps* caps = DemoCameraCaps();
+            g_demoDevice = MakeDevice(QString::fromUtf8(kDemoCameraName), caps);
+            gst_caps_unref(caps);
+        }
+        out.push_back(GST_DEVICE(gst_object_ref(g_demoDevice)));
+    }
+    for (GstDevice* d : g_extraDevices)
+        out.push_back(GST_DEVICE(gst_object_ref(d)));
+    return out;
+}
+
+GstDeviceProvider* RunningProvider()
+{
+    GstDeviceProvider* provider = gst_device_provider_factory_get_by_name("oculixsimdeviceprovider");
+    if (provider && !gst_device_provider_is_started(provider)) {
+        gst_object_unref(provider);
+        return nullptr;
+    }
+    return provider;
+}
+
+void Announce(GstDevice* device, bool added)
+{
+    if (GstDeviceProvider* provider = RunningProvider()) {
+        if (added)
+            gst_device_provider_device_add(provider, device);
+        else
+            gst_device_provider_device_remove(provider, device);
+        gst_object_unref(provider);
+    }
+}
+
+GstElement* CreateElement(GstDevice* device, const gchar* name)
+{
+    GstElement* src = gst_element_factory_make("oculixsimcamsrc", name);
+    if (!src)
+        return nullptr;
+    gchar* display = gst_device_get_display_name(device);
+    GstCaps* caps = gst_device_get_caps(device);
+    g_object_set(src, "camera-name", display, "device-caps", caps, nullptr);
+    gst_caps_unref(caps);
+    g_free(display);
+    return src;
+}
+
+GList* Probe(GstDeviceProvider*)
+{
+    std::lock_guard lock(g_mutex);
+    GList* list = nullptr;
+    for (GstDevice* d : ListedLocked())
+        list = g_list_append(list, d);
+    return list;
+}
+
+gboolean StartProvider(GstDeviceProvider* provider)
+{
+    std::vector<GstDevice*> devices;
+    {
+        std::lock_guard lock(g_mutex);
+        g_started = true;
+        devices = ListedLocked();
+    }
+    for (GstDevice* d : devices) {
+        gst_device_provider_device_add(provider, d);
+        gst_object_unref(d);
+    }
+    return TRUE;
+}
+
+void StopProvider(GstDeviceProvider* provider)
+{
+    {
+        std::lock_guard lock(g_mutex);
+        g_started = false;
+    }
+    GList* devices = gst_device_provider_get_devices(provider);
+    for (GList* l = devices; l; l = l->next)
+        gst_device_provider_device_remove(provider, GST_DEVICE(l->data));
+    g_list_free_full(devices, gst_object_unref);
+}
+
+} // namespace
+
+static void oculix_sim_device_class_init(OculixSimDeviceClass* klass)
+{
+    GST_DEVICE_CLASS(klass)->create_element = CreateElement;
+}
+
+static void oculix_sim_device_init(OculixSimDevice*)
+{
+}
+
+static void oculix_sim_provider_class_init(OculixSimProviderClass* klass)
+{
+    GstDeviceProviderClass* provider = GST_DEVICE_PROVIDER_CLASS(klass);
+    provider->probe = Probe;
+    provider->start = StartProvider;
+    provider->stop = StopProvider;
+    gst_device_provider_class_set_static_metadata(
+        provider, "Oculix simulated cameras", "Video/Source", "Simulated microscope cameras", "Oculix");
+}
+
+static void oculix_sim_provider_init(OculixSimProvider*)
+{
+}
+
+void EnableDemoCamera(bool on)
+{
+    const bool was = IsDemoCameraEnabled();
+    g_demoEnabled = on;
+    if (was == IsDemoCameraEnabled())
+        return;
+    GstDevice* demo = nullptr;
+    {
+        std::lock_guard lock(g_mutex);
+        if (!g_started)
+            return;
+        if (on) {
+            std::vector<GstDevice*> listed = ListedLocked(); // makes the device
+            for (GstDevice* d : listed)
+                gst_object_unref(d);
+        }
+        if (!g_demoDevice)
+            return;
+        demo = GST_DEVICE(gst_object_ref(g_demoDevice));
+    }
+    Announce(demo, on);
+    gst_object_unref(demo);
+}
+
+bool IsDemoCameraEnabled()
+{
+    return g_demoEnabled || DemoFromEnvironment();
+}
+
+GstCaps* DemoCameraCaps()
+{
+    return gst_caps_from_string(
+        "video/x-raw, format=(string)YUY2, width=(int)640, height=(int)480, "
+        "pixel-aspect-ratio=(fraction)1/1, "
+        "framerate=(fraction){ 30/1, 15/1 }; "
+        "video/x-raw, format=(string)YUY2, width=(int)1280, height=(int)1024, "
+        "pixel-aspect-ratio=(fraction)1/1, framerate=(fraction)30/1; "
+        "video/x-raw, format=(string)YUY2, width=(int)1600, height=(int)1200, "
+        "pixel-aspect-ratio=(fraction)1/1, framerate=(fraction){ 15/1, 10/1 }; "
+        "image/jpeg, width=(int)1280, height=(int)1024, pixel-aspect-ratio=(fraction)1/1, "
+        "framerate=(fraction)30/1");
+}
+
+void AddSimDevice(const QString& name, GstCaps* caps)
+{
+    GstCaps* own = caps ? gst_caps_ref(caps) : DemoCameraCaps();
+    GstDevice* device = MakeDevice(name, own);
+    gst_caps_unref(own);
+    {
+        std::lock_guard lock(g_mutex);
+        g_extraDevices.push_back(GST_DEVICE(gst_object_ref(device)));
+    }
+    Announce(device, true);
+    gst_object_unref(device);
+}
+
+bool RemoveSimDevice(const QString& name)
+{
+    GstDevice* device = nullptr;
+    {
+        std::lock_guard lock(g_mutex);
+        for (auto it = g_extraDevices.rbegin(); it != g_extraDevices.rend(); ++it) {
+            gchar* display = gst_device_get_display_name(*it);
+            const bool match = name == QString::fromUtf8(display);
+            g_free(display);
+            if (match) {
+                device = *it;
+                g_extraDevices.erase(std::next(it).base());
+                break;
+            }
+        }
+    }
+    if (!device)
+        return false;
+    Announce(device, false);
+    gst_object_unref(device);
+    return true;
+}
+
+void RemoveAllSimDevices()
+{
+    std::vector<GstDevice*> devices;
+    {
+        std::lock_guard lock(g_mutex);
+        devices.swap(g_extraDevices);
+    }
+    for (GstDevice* d : devices) {
+        Announce(d, false);
+        gst_object_unref(d);
+    }
+}
+
+void RegisterSimDeviceProvider()
+{
+    static const bool registered = [] {
+        RegisterSimCameraSource();
+        return gst_device_provider_register(
+            nullptr, "oculixsimdeviceprovider", GST_RANK_PRIMARY, oculix_sim_provider_get_type());
+    }();
+    (void)registered;
+}
+
+bool IsSimDevice(GstDevice* device)
+{
+    return device && G_TYPE_CHECK_INSTANCE_TYPE(device, oculix_sim_device_get_type());
+}

@@ -1,0 +1,149 @@
+#include "image/FusedProcess.h"
+#include "image/ImageProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <vector>
+
+namespace {
+
+std::size_t Stride(unsigned width)
+{
+    return ((std::size_t(width) * 24 + 31) / 32) * 4;
+}
+
+std::vector<uchar> RandomPicture(unsigned width, unsigned height, unsigned seed)
+{
+    std::mt19937 rng(seed);
+    std::vector<uchar> bits(Stride(width) * height);
+    for (uchar& b : bits)
+        b = uchar(rng());
+    // Some flat areas, so that emboss and sharpen meet equal neighbours.
+    for (std::size_t i = 0; i + 40 < bits.size(); i += 97)
+        std::memset(&bits[i], bits[i], 30);
+    return bits;
+}
+
+// The chain as a picture document runs it, one operation after the other.
+std::vector<uchar> StillChain(std::vector<uchar> bits, unsigned w, unsigned h, const ProcessSwitches& s)
+{
+    if (s.flip)
+        FlipVertical(bits.data(), w, h);
+    if (s.mirror)
+        MirrorHorizontal(bits.data(), w, h);
+    if (s.gray)
+        Gray(bits.data(), w, h);
+    if (s.negative)
+        Negative(bits.data(), w, h);
+    if (s.binary)
+        Binary(bits.data(), w, h, s.binaryLevel);
+    if (s.emboss)
+        Emboss(bits.data(), w, h);
+    if (s.sharpen)
+        Sharpen(bits.data(), w, h);
+    if (s.rgb)
+        ColorOffset(bits.data(), w, h, s.red, s.green, s.blue);
+    return bits;
+}
+
+ProcessSwitches FromMask(unsigned mask)
+{
+    ProcessSwitches s;
+    s.flip = mask & 1;
+    s.mirror = mask & 2;
+    s.gray = mask & 4;
+    s.negative = mask & 8;
+    s.binary = mask & 16;
+    s.binaryLevel = 90;
+    s.emboss = mask & 32;
+    s.sharpen = mask & 64;
+    s.rgb = mask & 128;
+    s.red = 25;
+    s.green = -30;
+    s.blue = 300;
+    return s;
+}
+
+} // namespace
+
+// Sizes around the band height (32 rows) and with every row padding.
+TEST(FusedProcess, EqualsTheStillChainForEverySwitchCombination)
+{
+    const unsigned sizes[][2] = {{1, 1}, {2, 2}, {3, 5}, {5, 3}, {7, 31}, {6, 32}, {9, 33}, {13, 65}, {4, 66}};
+    for (const auto& size : sizes) {
+        const unsigned w = size[0];
+        const unsigned h = size[1];
+        const std::vector<uchar> picture = RandomPicture(w, h, w * 100 + h);
+        for (unsigned mask = 0; mask < 256; ++mask) {
+            const ProcessSwitches s = FromMask(mask);
+            std::vector<uchar> out(picture.size(), 0xEE);
+            FusedProcess(picture.data(), std::ptrdiff_t(Stride(w)), out.data(), std::ptrdiff_t(Stride(w)), w, h, s,
+                         nullptr);
+            ASSERT_TRUE(out == StillChain(picture, w, h, s)) << w << "x" << h << " switches " << mask;
+        }
+    }
+}
+
+TEST(FusedProcess, ReadsAndWritesRowsInAnyOrderAndStride)
+{
+    const unsigned w = 37;
+    const unsigned h = 70;
+    const std::size_t stride = Stride(w);
+    const std::vector<uchar> picture = RandomPicture(w, h, 7);
+    const ProcessSwitches s = FromMask(0xFF);
+    const std::vector<uchar> expected = StillChain(picture, w, h, s);
+
+    // The picture held top-down with wider rows, read and written bottom-up.
+    const std::size_t wide = stride + 20;
+    std::vector<uchar> topDown(wide * h, 0);
+    for (unsigned y = 0; y < h; ++y)
+        std::memcpy(&topDown[(h - 1 - y) * wide], &picture[y * stride], stride);
+    std::vector<uchar> outTopDown(wide * h, 0x55);
+    const auto step = std::ptrdiff_t(wide);
+    FusedProcess(topDown.data() + (h - 1) * wide, -step, outTopDown.data() + (h - 1) * wide, -step, w, h, s,
+                 nullptr);
+    for (unsigned y = 0; y < h; ++y) {
+        ASSERT_EQ(std::memcmp(&outTopDown[(h - 1 - y) * wide], &expected[y * stride], stride), 0) << "row " << y;
+        // Bytes past the padded row are not the picture's and stay untouched.
+        EXPECT_EQ(outTopDown[(h - 1 - y) * wide + stride], 0x55);
+    }
+}
+
+TEST(FusedProcess, OverlayPixelsOtherThanTheKeyReplaceTheResult)
+{
+    const unsigned w = 45;
+    const unsigned h = 40;
+    const std::size_t stride = Stride(w);
+    const std::vector<uchar> picture = RandomPicture(w, h, 3);
+    std::vector<uchar> overlay(stride * h, kOverlayKey);
+    std::mt19937 rng(11);
+    for (int i = 0; i < 300; ++i) {
+        const std::size_t p = (rng() % h) * stride + 3 * (rng() % w);
+        overlay[p] = uchar(rng());
+        overlay[p + 1] = uchar(rng() % 3); // often 0, 1 or 2 next to the key bytes
+        overlay[p + 2] = uchar(rng() % 2);
+    }
+    const ProcessSwitches s = FromMask(4 | 32);
+    std::vector<uchar> expected = StillChain(picture, w, h, s);
+    for (unsigned y = 0; y < h; ++y)
+        for (unsigned x = 0; x < w; ++x) {
+            const uchar* o = &overlay[y * stride + 3 * x];
+            if (!(o[0] == 1 && o[1] == 1 && o[2] == 1))
+                std::memcpy(&expected[y * stride + 3 * x], o, 3);
+        }
+    std::vector<uchar> out(picture.size());
+    FusedProcess(picture.data(), std::ptrdiff_t(stride), out.data(), std::ptrdiff_t(stride), w, h, s,
+                 overlay.data());
+    EXPECT_TRUE(out == expected);
+}
+
+TEST(FusedProcess, BadInputLeavesTheTargetAlone)
+{
+    std::vector<uchar> src(12, 9), dst(12, 7);
+    FusedProcess(nullptr, 12, dst.data(), 12, 3, 1, ProcessSwitches(), nullptr);
+    FusedProcess(src.data(), 12, dst.data(), 12, 0, 1, ProcessSwitches(), nullptr);
+    FusedProcess(src.data(), 12, dst.data(), 12, 3, 0, ProcessSwitches(), nullptr);
+    EXPECT_EQ(dst, std::vector<uchar>(12, 7));
+}

@@ -1,0 +1,268 @@
+#include "CaptureTestSupport.h"
+#include "capture/CCamProcess.h"
+#include "capture/CSimScene.h"
+#include "capture/CamProcessElement.h"
+
+#include <gst/app/gstappsink.h>
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace {
+
+// Slide pixel of a point given in slide micrometres.
+QPoint SlidePixel(const CSimScene& scene, double xUm, double yUm)
+{
+    const double umpp = CSimScene::MicrometresPerPixel(scene.Width());
+    return QPoint(int(std::lround(xUm / umpp)), int(std::lround(yUm / umpp)));
+}
+
+int Red(const QImage& image, QPoint p)
+{
+    return qRed(image.pixel(p));
+}
+
+// Width in pixels of the dark run through (x, y) along the row.
+int DarkRun(const QImage& image, QPoint centre, int threshold)
+{
+    int left = centre.x();
+    while (left > 0 && Red(image, QPoint(left - 1, centre.y())) < threshold)
+        --left;
+    int right = centre.x();
+    while (right + 1 < image.width() && Red(image, QPoint(right + 1, centre.y())) < threshold)
+        ++right;
+    return right - left + 1;
+}
+
+} // namespace
+
+TEST(SimScene, MicrometerTicksSitEveryTenMicrometresWithLongerOnesAtFiftyAndHundred)
+{
+    for (unsigned width : { 640u, 1280u, 1600u }) {
+        CSimScene scene(width, width * 3 / 4);
+        const QImage& slide = scene.Slide();
+        SCOPED_TRACE(width);
+        for (int d = 0; d <= 100; ++d) {
+            const double x = 500.0 + 10.0 * d;
+            // Every tick reaches 30 um above the baseline at y = 620 um.
+            EXPECT_LT(Red(slide, SlidePixel(scene, x, 590)), 110) << "tick " << d;
+            if (d < 100) {
+                EXPECT_GT(Red(slide, SlidePixel(scene, x + 5, 590)), 150) << "gap after " << d;
+            }
+            // 55 um up only the 50 um ticks, 85 um up only the 100 um ticks.
+            EXPECT_EQ(Red(slide, SlidePixel(scene, x, 565)) < 110, d % 5 == 0) << "tick " << d;
+            EXPECT_EQ(Red(slide, SlidePixel(scene, x, 535)) < 110, d % 10 == 0) << "tick " << d;
+        }
+    }
+}
+
+TEST(SimScene, TestObjectsHaveTheirDocumentedSizes)
+{
+    CSimScene scene(1280, 1024);
+    const QImage& slide = scene.Slide();
+    const double umpp = CSimScene::MicrometresPerPixel(1280);
+    ASSERT_DOUBLE_EQ(umpp, 1.25);
+    const double diameters[] = { 20, 50, 100, 150, 250 };
+    const double centres[] = { 430, 560, 740, 980, 1300 };
+    for (int i = 0; i < 5; ++i) {
+        const int run = DarkRun(slide, SlidePixel(scene, centres[i], 880), 190);
+        EXPECT_NEAR(run * umpp, diameters[i], 2.5 * umpp) << "particle " << diameters[i];
+    }
+    EXPECT_NEAR(DarkRun(slide, SlidePixel(scene, 650, 1180), 190) * umpp, 200, 2.5 * umpp);
+    // The triangle's base is 200 um; 5 um above it the width is 200 - 2*5/tan(60).
+    const double baseY = 1180 + 200 * std::sqrt(3.0) / 4;
+    EXPECT_NEAR(DarkRun(slide, SlidePixel(scene, 1150, baseY - 5), 190) * umpp, 200 - 10 / std::sqrt(3.0),
+        2.5 * umpp);
+}
+
+TEST(SimScene, FramesAreDeterministicDriftSlowlyAndCarryNoise)
+{
+    CSimScene a(640, 480);
+    CSimScene b(640, 480);
+    std::vector<uchar> fa(640 * 2 * 480), fb(640 * 2 * 480);
+    a.RenderYuy2(42, fa.data(), 640 * 2);
+    b.RenderYuy2(42, fb.data(), 640 * 2);
+    EXPECT_EQ(fa, fb);
+    b.RenderYuy2(43, fb.data(), 640 * 2);
+    EXPECT_NE(fa, fb);
+
+    // Slow: a few pixels between neighbouring frames, clearly moved over seconds.
+    const QPoint p0 = a.Offset(0);
+    const QPoint p1 = a.Offset(1);
+    const QPoint p300 = a.Offset(300);
+    EXPECT_LE(std::abs(p1.x() - p0.x()) + std::abs(p1.y() - p0.y()), 4);
+    EXPECT_GT(std::abs(p300.x() - p0.x()) + std::abs(p300.y() - p0.y()), 10);
+    EXPECT_EQ(p300.x() % 2, 0);
+
+    // Still and clean: every frame alike.
+    CSimScene::Controls still;
+    still.drift = false;
+    still.noise = false;
+    a.SetControls(still);
+    a.RenderYuy2(1, fa.data(), 640 * 2);
+    a.RenderYuy2(500, fb.data(), 640 * 2);
+    EXPECT_EQ(fa, fb);
+}
+
+TEST(SimScene, BrightnessAndVignettingChangeTheLuma)
+{
+    CSimScene scene(640, 480);
+    CSimScene::Controls c;
+    c.noise = false;
+    c.drift = false;
+    auto meanLuma = [&](int x0, int y0, int w, int h) {
+        std::vector<uchar> f(640 * 2 * 480);
+        scene.RenderYuy2(0, f.data(), 640 * 2);
+        double sum = 0;
+        for (int y = y0; y < y0 + h; ++y)
+            for (int x = x0; x < x0 + w; ++x)
+                sum += f[std::size_t(y) * 640 * 2 + std::size_t(x) * 2];
+        return sum / (w * h);
+    };
+    scene.SetControls(c);
+    const double plainCorner = meanLuma(0, 0, 8, 8);
+    c.brightness = 30;
+    scene.SetControls(c);
+    EXPECT_GT(meanLuma(0, 0, 8, 8), plainCorner + 15);
+    c.brightness = 0;
+    c.vignetting = false;
+    scene.SetControls(c);
+    EXPECT_GT(meanLuma(0, 0, 8, 8), plainCorner + 20) << "corners are darkened by about a quarter";
+}
+
+TEST(SimScene, JpegFramesDecodeToTheFrameSize)
+{
+    CSimScene scene(640, 480);
+    const QByteArray jpeg = scene.RenderJpeg(0);
+    QImage image;
+    ASSERT_TRUE(image.loadFromData(jpeg, "JPEG"));
+    EXPECT_EQ(image.size(), QSize(640, 480));
+}
+
+namespace {
+
+struct SourcePipeline
+{
+    GstElement* pipeline = nullptr;
+    GstElement* source = nullptr;
+    GstElement* sink = nullptr;
+
+    explicit SourcePipeline(const char* description)
+    {
+        EnsureGStreamer();
+        GError* error = nullptr;
+        pipeline = gst_parse_launch(description, &error);
+        EXPECT_EQ(error, nullptr) << (error ? error->message : "");
+        g_clear_error(&error);
+        source = gst_bin_get_by_name(GST_BIN(pipeline), "src");
+        sink = gst_bin_get_by_name(GST_BIN(pipeline), "sink");
+    }
+    ~SourcePipeline()
+    {
+        gst_element_set_state(pipeline, GST_STATE_NULL);
+        if (source)
+            gst_object_unref(source);
+        if (sink)
+            gst_object_unref(sink);
+        gst_object_unref(pipeline);
+    }
+    int Frames() const
+    {
+        int frames = 0;
+        g_object_get(source, "frames", &frames, nullptr);
+        return frames;
+    }
+    // The first error on the bus within the time, or null.
+    GstMessage* WaitError(int timeoutMs)
+    {
+        GstBus* bus = gst_element_get_bus(pipeline);
+        GstMessage* m
+            = gst_bus_timed_pop_filtered(bus, GstClockTime(timeoutMs) * GST_MSECOND, GST_MESSAGE_ERROR);
+        gst_object_unref(bus);
+        return m;
+    }
+};
+
+} // namespace
+
+TEST(SimCameraSource, DeliversFramesInTheNegotiatedFormat)
+{
+    SourcePipeline p("oculixsimcamsrc name=src camera-name=SourceTest ! "
+                     "image/jpeg,width=320,height=240,framerate=30/1 ! jpegdec ! appsink name=sink");
+    ASSERT_NE(gst_element_set_state(p.pipeline, GST_STATE_PLAYING), GST_STATE_CHANGE_FAILURE);
+    GstSample* sample = gst_app_sink_try_pull_sample(GST_APP_SINK(p.sink), 3 * GST_SECOND);
+    ASSERT_NE(sample, nullptr);
+    const GstStructure* st = gst_caps_get_structure(gst_sample_get_caps(sample), 0);
+    int w = 0, h = 0;
+    gst_structure_get_int(st, "width", &w);
+    gst_structure_get_int(st, "height", &h);
+    EXPECT_EQ(w, 320);
+    EXPECT_EQ(h, 240);
+    gst_sample_unref(sample);
+}
+
+TEST(SimCameraSource, FailsLikeAnUnpluggedCameraAfterTheSetFrames)
+{
+    SimCameraScope scope;
+    SetSimCameraFault(QStringLiteral("Pulled"), SimCameraFault { 5, 0, 0 });
+    SourcePipeline p("oculixsimcamsrc name=src camera-name=Pulled ! video/x-raw,width=320,height=240 ! "
+                     "fakesink name=sink");
+    gst_element_set_state(p.pipeline, GST_STATE_PLAYING);
+    GstMessage* m = p.WaitError(5000);
+    ASSERT_NE(m, nullptr);
+    GError* error = nullptr;
+    gchar* debug = nullptr;
+    gst_message_parse_error(m, &error, &debug);
+    EXPECT_TRUE(g_error_matches(error, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_READ));
+    EXPECT_NE(QString::fromUtf8(debug).indexOf(QStringLiteral("No such device")), -1);
+    EXPECT_EQ(p.Frames(), 5);
+    g_clear_error(&error);
+    g_free(debug);
+    gst_message_unref(m);
+}
+
+TEST(SimCameraSource, LateFramesAreAllProcessedNotDroppedForQuality)
+{
+    SimCameraScope scope;
+    SetSimCameraFault(QStringLiteral("Slow"), SimCameraFault { 0, 2, 80 });
+    auto state = std::make_shared<CCamProcess>();
+    GstElement* pipeline = gst_pipeline_new(nullptr);
+    GstElement* src = gst_element_factory_make("oculixsimcamsrc", nullptr);
+    GstElement* size = gst_element_factory_make("capsfilter", nullptr);
+    GstElement* convert = gst_element_factory_make("videoconvert", nullptr);
+    GstElement* bgr = gst_element_factory_make("capsfilter", nullptr);
+    GstElement* process = CreateCamProcessElement(state, "process");
+    GstElement* sink = gst_element_factory_make("appsink", nullptr);
+    g_object_set(src, "camera-name", "Slow", nullptr);
+    // Only the processing element is under test: the converter keeps every frame.
+    g_object_set(convert, "qos", FALSE, nullptr);
+    GstCaps* sizeCaps = gst_caps_from_string("video/x-raw,width=160,height=120");
+    GstCaps* bgrCaps = gst_caps_from_string("video/x-raw,format=BGR");
+    g_object_set(size, "caps", sizeCaps, nullptr);
+    g_object_set(bgr, "caps", bgrCaps, nullptr);
+    gst_caps_unref(sizeCaps);
+    gst_caps_unref(bgrCaps);
+    // A sink that reports lateness upstream, as display sinks do.
+    g_object_set(sink, "sync", TRUE, "qos", TRUE, "max-lateness", gint64(5 * GST_MSECOND), "drop", TRUE,
+        "max-buffers", 1u, nullptr);
+    gst_bin_add_many(GST_BIN(pipeline), src, size, convert, bgr, process, sink, nullptr);
+    ASSERT_TRUE(gst_element_link_many(src, size, convert, bgr, process, sink, nullptr));
+
+    gboolean qos = TRUE;
+    g_object_get(process, "qos", &qos, nullptr);
+    EXPECT_FALSE(qos);
+
+    gst_element_set_state(pipeline, GST_STATE_PLAYING);
+    auto delivered = [&] {
+        int frames = 0;
+        g_object_get(src, "frames", &frames, nullptr);
+        return frames;
+    };
+    EXPECT_TRUE(PumpUntil([&] { return delivered() >= 16; }, 8000));
+    gst_element_set_state(pipeline, GST_STATE_NULL);
+    int processed = 0;
+    state->GetStateB(&processed);
+    // Stopping may catch one frame between the camera and the element.
+    EXPECT_GE(processed, delivered() - 1) << "every frame the camera delivered was processed";
+    gst_object_unref(pipeline);
+}
