@@ -20,7 +20,7 @@
 
 // 256-bit vector helpers are always inlined into the AVX2 variants, so the
 // ABI note about passing such vectors without AVX does not apply.
-#if defined(__GNUC__) && !defined(__clang__)
+#if defined(__GNUC__) // GCC and Clang
 #pragma GCC diagnostic ignored "-Wpsabi"
 #endif
 
@@ -91,13 +91,10 @@ OCULIX_INLINE unsigned ExactGray(const GrayTables& t, const uchar* px)
     return unsigned(int(t.red[px[2]] + t.red[px[1]] + t.blue[px[0]]));
 }
 
-// With t = 30(R+G) + 11B the float sum lies within 1e-3 of t/100, so its
-// truncation is t/100 except when t is a nonzero multiple of 100: there the
-// float may land just below the integer, and the tables decide.
-OCULIX_INLINE bool NeedsTables(unsigned t)
-{
-    return t != 0 && t % 100 == 0;
-}
+// The integer model: with t = 30(R+G) + 11B the float sum lies within 1e-3
+// of t/100, so its truncation is t/100 except when t is a nonzero multiple of
+// 100; there the float may land just below the integer and the tables decide
+// ("odd" pixels, about one in a hundred).
 
 // ---------------------------------------------------------- vector helpers
 

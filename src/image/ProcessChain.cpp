@@ -24,6 +24,6 @@ void RunProcessChain(
         Emboss(target, width, height);
     if (switches.sharpen)
         Sharpen(target, width, height);
-    if (switches.colorGain)
+    if (switches.rgb)
         ColorOffset(target, width, height, switches.red, switches.green, switches.blue);
 }

@@ -1,23 +1,8 @@
 #pragma once
 
-#include <QtGlobal>
+#include "image/ProcessSwitches.h"
 
-// The processing switches of a picture document.
-struct ProcessSwitches
-{
-    bool flip = false;
-    bool mirror = false;
-    bool gray = false;
-    bool negative = false;
-    bool binary = false;
-    int binaryLevel = 0; // threshold of the binary operation
-    bool emboss = false;
-    bool sharpen = false;
-    bool colorGain = false;
-    int red = 0; // colour gains, 0..63
-    int green = 0;
-    int blue = 0;
-};
+#include <QtGlobal>
 
 // Rebuilds a processed picture from its unprocessed copy, so operations never
 // accumulate: copies width * height * 3 bytes from source to target, then

@@ -335,7 +335,7 @@ TEST(ProcessChain, CopiesWithoutPaddingThenAppliesTheSwitchesInOrder)
     ProcessSwitches all;
     all.flip = all.mirror = all.gray = all.negative = all.binary = all.emboss = all.sharpen = true;
     all.binaryLevel = 60;
-    all.colorGain = true;
+    all.rgb = true;
     all.red = 3;
     all.green = 0;
     all.blue = 63;
@@ -351,7 +351,7 @@ TEST(ProcessChain, CopiesWithoutPaddingThenAppliesTheSwitchesInOrder)
     };
     cases.push_back({ only([](auto& s) { s.flip = true; }), [](Bytes& b) { PlainFlip(b, w, h); } });
     cases.push_back({ only([](auto& s) { s.sharpen = true; }), [](Bytes& b) { PlainSharpen(b, w, h); } });
-    cases.push_back({ only([](auto& s) { s.colorGain = true; }), [](Bytes&) {} }); // zero gains: no change
+    cases.push_back({ only([](auto& s) { s.rgb = true; }), [](Bytes&) {} }); // zero gains: no change
     cases.push_back({ all, [](Bytes& b) {
                          PlainFlip(b, w, h);
                          PlainMirror(b, w, h);
