@@ -3,9 +3,11 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QStringEncoder>
 #include <QTemporaryDir>
 
 #include <csignal>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -13,6 +15,20 @@
 #include <unistd.h>
 
 namespace {
+
+pid_t StartChild(const std::function<int()>& run)
+{
+    const pid_t pid = fork();
+    if (pid == 0)
+        _exit(run());
+    return pid;
+}
+
+int WaitChild(pid_t pid)
+{
+    int status = -1;
+    return waitpid(pid, &status, 0) == pid && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
 class PrivateProfile : public ::testing::Test
 {
@@ -29,17 +45,17 @@ protected:
         QFile f(Path());
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
-    QString Get(const QString& section, const QString& key, const QString& def = "dflt") const
+    QString Get(const QString& s, const QString& k, const QString& d = "dflt") const
     {
-        return GetPrivateProfileString(section, key, def, Path());
+        return GetPrivateProfileString(s, k, d, Path());
     }
-    int GetInt(const QString& section, const QString& key, int def = 77) const
+    int GetInt(const QString& s, const QString& k) const
     {
-        return static_cast<int>(GetPrivateProfileInt(section, key, def, Path()));
+        return int(GetPrivateProfileInt(s, k, 77, Path()));
     }
-    bool Write(const QString& section, const QString& key, const QString& value) const
+    bool Write(const QString& s, const QString& k, const QString& v) const
     {
-        return WritePrivateProfileString(section, key, value, Path());
+        return WritePrivateProfileString(s, k, v, Path());
     }
 
     QTemporaryDir m_dir;
@@ -81,24 +97,19 @@ TEST_F(PrivateProfile, ReadsAFileAsWindowsWritesIt)
     EXPECT_EQ(GetInt("Measure", "empty"), 77);
     EXPECT_EQ(Get("Measure", "FontSize"), "dflt") << "only the first of two equal sections counts";
     EXPECT_EQ(Get("Video", "DEVICE"), "KMZ-N130 USB2.0 Camera");
-    EXPECT_EQ(Get("Video", "CurSel"), "dflt");
     EXPECT_EQ(Get("Absent", "x", "trailing  \t"), "trailing");
-    EXPECT_EQ(Get("Absent", "x", "  leading"), "  leading");
     const QString nullDefault = GetPrivateProfileString("Absent", "x", QString(), Path());
     EXPECT_TRUE(nullDefault.isEmpty() && !nullDefault.isNull());
     EXPECT_EQ(
         GetPrivateProfileString("Video", QString(), "", Path()), QString::fromLatin1("Device\0device\0", 14));
-    EXPECT_EQ(GetPrivateProfileString(QString(), "x", "", Path()),
-        QString::fromLatin1("Measure\0Measure\0Video\0", 22));
-    EXPECT_EQ(GetPrivateProfileString("A", "b", "missing file", Path() + "x"), "missing file");
-}
 
-TEST_F(PrivateProfile, LineEndsAndSectionNames)
-{
+    // Every read goes to the file as it now is.
     Put("[a]b]\ra=1\n[ s ]\r\n\r\nb=2\n\rc=3");
     EXPECT_EQ(Get("a]b", "a"), "1");
     EXPECT_EQ(Get("S", "b"), "2");
     EXPECT_EQ(Get("s", "c"), "3");
+    QFile::remove(Path());
+    EXPECT_EQ(Get("s", "c"), "dflt");
 }
 
 TEST_F(PrivateProfile, IntegersFollowThePlatform)
@@ -108,7 +119,6 @@ TEST_F(PrivateProfile, IntegersFollowThePlatform)
         { "e", 1 }, { "f", 0 }, { "g", 12 }, { "h", 0 }, { "z", 77 } };
     for (const auto& [key, expected] : cases)
         EXPECT_EQ(GetInt("i", key), expected) << key;
-    EXPECT_EQ(GetPrivateProfileInt("i", "c", 0, Path()), 0xFFFFFFFFu);
 }
 
 TEST_F(PrivateProfile, EncodingsAreReadAndKept)
@@ -117,20 +127,13 @@ TEST_F(PrivateProfile, EncodingsAreReadAndKept)
     EXPECT_EQ(Get("s", "latin"), u"Grüß");
     EXPECT_EQ(Get("s", "utf8"), u"Grüß");
 
-    const QString text = QStringLiteral("[Größe]\r\nk = v\r\n");
-    QByteArray le("\xFF\xFE");
-    QByteArray be("\xFE\xFF");
-    for (const QChar c : text) {
-        le.append(char(c.unicode() & 0xFF)).append(char(c.unicode() >> 8));
-        be.append(char(c.unicode() >> 8)).append(char(c.unicode() & 0xFF));
-    }
-    for (const QByteArray& file : { le, be }) {
+    for (const auto encoding : { QStringConverter::Utf16LE, QStringConverter::Utf16BE }) {
+        const QByteArray file
+            = QStringEncoder(encoding, QStringConverter::Flag::WriteBom)(u"[Größe]\r\nk = v\r\n");
         Put(file);
         EXPECT_EQ(Get("größe", "K"), "v");
         ASSERT_TRUE(Write(QStringLiteral("GRÖßE"), "n", QStringLiteral("ü")));
-        const QByteArray expected = file
-            + (file == le ? QByteArray("n\0=\0\xFC\0\r\0\n\0", 10) : QByteArray("\0n\0=\0\xFC\0\r\0\n", 10));
-        EXPECT_EQ(Bytes(), expected);
+        EXPECT_EQ(Bytes(), file + QByteArray(QStringEncoder(encoding)(u"n=ü\r\n")));
     }
 
     Put("\xEF\xBB\xBF[s]\r\nk=1\r\n");
@@ -169,11 +172,7 @@ TEST_F(PrivateProfile, WritesLikeTheWindowsCalls)
 TEST_F(PrivateProfile, UnchangedFilesAreNotTouched)
 {
     Put("[A]\r\nk = v\r\n");
-    chmod(Path().toLocal8Bit(), 0640);
-    struct stat before
-    {
-    };
-    stat(Path().toLocal8Bit(), &before);
+    ASSERT_EQ(chmod(Path().toLocal8Bit(), 0640), 0);
     const QDateTime old(QDate(2001, 2, 3), QTime(4, 5, 6), Qt::UTC);
     {
         QFile f(Path());
@@ -182,17 +181,11 @@ TEST_F(PrivateProfile, UnchangedFilesAreNotTouched)
     EXPECT_TRUE(Write("a", "K", "v"));
     EXPECT_TRUE(Write("A", "missing", QString()));
     EXPECT_TRUE(Write("Missing", QString(), QString()));
-    struct stat after
-    {
-    };
-    stat(Path().toLocal8Bit(), &after);
-    EXPECT_EQ(after.st_ino, before.st_ino);
     EXPECT_EQ(QFileInfo(Path()).lastModified(), old);
 
     ASSERT_TRUE(Write("A", "k", "w"));
-    stat(Path().toLocal8Bit(), &after);
-    EXPECT_EQ(after.st_mode & 0777, 0640u);
     EXPECT_EQ(Bytes(), "[A]\r\nk=w\r\n");
+    EXPECT_EQ(QFile::permissions(Path()) & 0x0777, QFile::ReadUser | QFile::WriteUser | QFile::ReadGroup);
     EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList { "Setting.ini" });
 
     // Removing from a missing file neither fails nor creates it; a missing folder is never created.
@@ -202,57 +195,37 @@ TEST_F(PrivateProfile, UnchangedFilesAreNotTouched)
     EXPECT_FALSE(QFile::exists(m_dir.filePath("sub")));
 }
 
-TEST_F(PrivateProfile, SeesChangesByOtherPrograms)
-{
-    Put("[A]\nk=1\n");
-    EXPECT_EQ(Get("A", "k"), "1");
-    Put("[A]\nk=2\n");
-    EXPECT_EQ(Get("A", "k"), "2");
-    QFile::remove(Path());
-    EXPECT_EQ(Get("A", "k"), "dflt");
-}
-
 // A full disk is played by a file-size limit in a child process.
 TEST_F(PrivateProfile, FailedWriteLeavesTheOldFileWhole)
 {
     const QByteArray original = "[A]\r\nk=1\r\n; keep me\r\n";
     Put(original);
-    const pid_t child = fork();
-    if (child == 0) {
+    const pid_t child = StartChild([&] {
         signal(SIGXFSZ, SIG_IGN);
         const rlimit limit { 1024, 1024 };
         setrlimit(RLIMIT_FSIZE, &limit);
-        _exit(Write("A", "k", QString(4096, u'x')) ? 1 : 0);
-    }
-    int status = -1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the write should have reported failure";
+        return Write("A", "k", QString(4096, u'x')) ? 1 : 0;
+    });
+    EXPECT_EQ(WaitChild(child), 0) << "the write should have reported failure";
     EXPECT_EQ(Bytes(), original);
     EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList { "Setting.ini" });
 }
 
 TEST_F(PrivateProfile, TwoProcessesKeepEachOthersWrites)
 {
-    constexpr int kKeys = 40;
-    Put("[Shared]\r\n");
-    pid_t children[2];
-    for (int c = 0; c < 2; ++c) {
-        children[c] = fork();
-        if (children[c] == 0) {
-            bool ok = true;
-            for (int i = 0; i < kKeys; ++i)
-                ok = Write("Shared", QStringLiteral("p%1_%2").arg(c).arg(i), QString::number(i)) && ok;
-            _exit(ok ? 0 : 1);
-        }
-    }
-    for (pid_t child : children) {
-        int status = -1;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    }
-    for (int c = 0; c < 2; ++c) {
-        for (int i = 0; i < kKeys; ++i)
-            EXPECT_EQ(GetInt("Shared", QStringLiteral("p%1_%2").arg(c).arg(i)), i);
+    auto writeKeys = [&](int writer) {
+        int failures = 0;
+        for (int i = 0; i < 40; ++i)
+            failures
+                += Write("Shared", QStringLiteral("p%1_%2").arg(writer).arg(i), QString::number(i)) ? 0 : 1;
+        return failures;
+    };
+    const pid_t child = StartChild([&] { return writeKeys(1); });
+    EXPECT_EQ(writeKeys(0), 0);
+    EXPECT_EQ(WaitChild(child), 0);
+    for (int writer = 0; writer < 2; ++writer) {
+        for (int i = 0; i < 40; ++i)
+            EXPECT_EQ(GetInt("Shared", QStringLiteral("p%1_%2").arg(writer).arg(i)), i);
     }
 }
 
