@@ -52,7 +52,9 @@ void CFrameMailbox::Post(GstSample* sample)
     // it clears itself here first, and its destruction drops posted events.
     if (m_receiver && !m_pending) {
         m_pending = true;
-        QCoreApplication::postEvent(m_receiver, new QEvent(QEvent::Type(EventType())));
+        auto* event = new QEvent(QEvent::Type(EventType()));
+        m_published.fetch_add(1, std::memory_order_release);
+        QCoreApplication::postEvent(m_receiver, event);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <gst/gst.h>
 
+#include <atomic>
 #include <mutex>
 
 class QObject;
@@ -24,6 +25,10 @@ public:
     // null to stop. The receiver clears itself before it is destroyed.
     void SetReceiver(QObject* receiver);
     static int EventType();
+    // The receiver calls this first in its event(): it orders the posted
+    // event's creation before the receiver reads it in a way thread checkers
+    // see (Qt's event queue synchronises too, but out of their sight).
+    void Acquire() const { (void)m_published.load(std::memory_order_acquire); }
 
     // Streaming thread: a BGR sample (the mailbox takes a reference).
     void Post(GstSample* sample);
@@ -37,4 +42,5 @@ private:
     QObject* m_receiver = nullptr;
     GstSample* m_sample = nullptr;
     bool m_pending = false;
+    std::atomic<unsigned> m_published { 0 };
 };

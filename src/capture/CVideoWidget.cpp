@@ -24,6 +24,8 @@ CVideoWidget::~CVideoWidget()
 
 bool CVideoWidget::event(QEvent* event)
 {
+    if (m_mailbox)
+        m_mailbox->Acquire();
     if (event->type() == CFrameMailbox::EventType()) {
         const QImage frame = m_mailbox ? m_mailbox->Take() : QImage();
         if (!frame.isNull()) {

@@ -1,0 +1,174 @@
+#include "capture/CCamProcess.h"
+#include "capture/CFrameMailbox.h"
+#include "capture/GstInit.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEvent>
+#include <QObject>
+
+#include <atomic>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr unsigned kWidth = 64;
+constexpr unsigned kHeight = 48;
+constexpr std::size_t kStride = kWidth * 3;
+
+bool Uniform(const std::vector<uchar>& bits)
+{
+    for (std::size_t i = 3; i < bits.size(); i += 3)
+        if (std::memcmp(&bits[i], &bits[0], 3) != 0)
+            return false;
+    return true;
+}
+
+} // namespace
+
+// Frames on one thread, switches and overlay changes on another, the overlay
+// drawn and published by a third, as the live document's worker does. Every
+// switch used keeps a uniform picture uniform, and every overlay is drawn in
+// one colour over the whole frame, so a frame that blended a buffer while it
+// was being drawn shows up as a frame of two colours.
+TEST(CamProcessThreads, SwitchesAndOverlaySwapsAgainstTheFrameLoop)
+{
+    CCamProcess process;
+    process.SetOverlaySize(kWidth, kHeight);
+    std::vector<uchar> a(kStride * kHeight, kOverlayKey);
+    std::vector<uchar> b(kStride * kHeight, kOverlayKey);
+    uchar* published = nullptr;
+    ASSERT_EQ(process.SetOverlay(1, &published), 0);
+
+    std::atomic<bool> stop { false };
+    std::atomic<int> torn { 0 };
+    std::atomic<int> frames { 0 };
+
+    std::thread stream([&] {
+        std::vector<uchar> src(kStride * kHeight);
+        for (std::size_t i = 0; i < src.size(); i += 3) {
+            src[i] = 200;
+            src[i + 1] = 100;
+            src[i + 2] = 50;
+        }
+        std::vector<uchar> dst(src.size());
+        while (!stop) {
+            process.ProcessFrame(src.data() + (kHeight - 1) * kStride, -std::ptrdiff_t(kStride), dst.data(),
+                std::ptrdiff_t(kStride), kWidth, kHeight);
+            if (!Uniform(dst))
+                ++torn;
+            ++frames;
+        }
+    });
+
+    std::thread worker([&] {
+        for (int generation = 0; !stop; ++generation) {
+            std::vector<uchar>& target = generation % 2 ? a : b;
+            process.WaitOverlayUnused(target.data());
+            const uchar value = uchar(2 + generation % 250);
+            std::memset(target.data(), value, target.size());
+            std::atomic_ref<uchar*>(published).store(target.data());
+            if (generation % 64 == 0)
+                std::this_thread::yield();
+        }
+    });
+
+    // The user-interface side.
+    for (int i = 0; frames < 3000 && i < 200000; ++i) {
+        const int on = i % 2;
+        switch (i % 7) {
+        case 0:
+            process.SetGray(on);
+            break;
+        case 1:
+            process.SetFlipVertical(on);
+            process.SetFlipHorizontal(!on);
+            break;
+        case 2:
+            process.SetNegative(on);
+            break;
+        case 3:
+            process.SetBinary(on, 40 + i % 100);
+            break;
+        case 4:
+            process.SetRgbGain(on, i % 60, 3, 9);
+            break;
+        case 5:
+            process.SetOverlay(on, &published);
+            break;
+        default: {
+            int w = 0, h = 0, n = 0, g = 0;
+            process.GetStateA(&w, &h);
+            process.GetStateB(&n);
+            process.GetGray(&g);
+            process.SetProcessEnable(i % 11 != 0);
+            break;
+        }
+        }
+        std::this_thread::yield();
+    }
+    stop = true;
+    stream.join();
+    worker.join();
+    EXPECT_GE(frames.load(), 3000);
+    EXPECT_EQ(torn.load(), 0);
+}
+
+// Frames posted from a streaming thread while receivers come and go on the
+// user-interface thread.
+TEST(CamProcessThreads, FrameMailboxAgainstReceiversComingAndGoing)
+{
+    ASSERT_TRUE(EnsureGStreamer());
+    CFrameMailbox mailbox;
+    std::atomic<bool> stop { false };
+    std::thread stream([&] {
+        GstCaps* caps = gst_caps_from_string("video/x-raw, format=(string)BGR, width=(int)8, height=(int)4");
+        while (!stop) {
+            GstBuffer* buffer = gst_buffer_new_allocate(nullptr, 8 * 4 * 3, nullptr);
+            GstSample* sample = gst_sample_new(buffer, caps, nullptr, nullptr);
+            mailbox.Post(sample);
+            gst_sample_unref(sample);
+            gst_buffer_unref(buffer);
+        }
+        gst_caps_unref(caps);
+    });
+
+    class Receiver : public QObject
+    {
+    public:
+        explicit Receiver(CFrameMailbox& m)
+            : mailbox(m)
+        {
+            mailbox.SetReceiver(this);
+        }
+        ~Receiver() override { mailbox.SetReceiver(nullptr); }
+        bool event(QEvent* e) override
+        {
+            mailbox.Acquire();
+            if (e->type() != CFrameMailbox::EventType())
+                return QObject::event(e);
+            if (!mailbox.Take().isNull())
+                ++taken;
+            return true;
+        }
+        CFrameMailbox& mailbox;
+        int taken = 0;
+    };
+
+    int taken = 0;
+    QElapsedTimer timer;
+    timer.start();
+    for (int round = 0; round < 200 || (taken < 20 && timer.elapsed() < 10000); ++round) {
+        Receiver receiver(mailbox);
+        for (int i = 0; i < 5; ++i)
+            QCoreApplication::processEvents();
+        taken += receiver.taken;
+    }
+    stop = true;
+    stream.join();
+    mailbox.Clear();
+    EXPECT_GT(taken, 0);
+}
