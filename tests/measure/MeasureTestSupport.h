@@ -1,27 +1,30 @@
 #pragma once
 
 #include "measure/CGVLElemMgr.h"
-#include "measure/CGVLShape.h"
 #include "measure/GdiPainter.h"
 
-#include <QImage>
-#include <QPainter>
+#include <QColor>
 
-#include <cstddef>
-#include <initializer_list>
 #include <memory>
+#include <string>
 #include <vector>
 
-// Helpers shared by the engine tests: stand-ins for element 0, overlay
-// buffers read back as pixels, and mouse input as a user gives it.
+// Shared by the engine tests: a stand-in element, overlay buffers read back as
+// pixels, and mouse input as a user gives it.
 namespace MeasureTest {
 
-// Stands in for the ruler or the scale (types 9 and 10) as element 0: draws
-// one horizontal stroke so tests can see whether it was drawn.
-class FakeFixedElement : public CGVLShape
+inline const QColor kKeyBits(1, 1, 1);
+inline const QColor kKeyImage(0, 0, 0);
+inline const QColor kGray(128, 128, 128);
+inline const QColor kRed(255, 0, 0);
+inline const QColor kGreen(0, 255, 0);
+
+// Stands in for element 0 (ruler 9, scale 10) and records the calls the
+// manager makes: draws a 10-pixel stroke from its point, answers presses as told.
+class TestShape : public CGVLShape
 {
 public:
-    FakeFixedElement(CGVLElemMgr& mgr, int type, QPoint at = QPoint(2, 2))
+    TestShape(CGVLElemMgr& mgr, int type, QPoint at)
         : CGVLShape(&mgr.m_unit, &mgr.m_color, mgr.m_hWnd, &mgr)
     {
         m_nType = type;
@@ -34,48 +37,33 @@ public:
     }
     int OnLButtonDown(unsigned, const QPoint& point, int tool) override
     {
-        return StandardLButtonDown(point, tool, -1);
-    }
-    void ClearCoords() override { LeaveManager(); }
-};
-
-// Records what the manager asks of it and answers presses as told.
-class SpyShape : public CGVLShape
-{
-public:
-    SpyShape(CGVLElemMgr& mgr, int type)
-        : CGVLShape(&mgr.m_unit, &mgr.m_color, mgr.m_hWnd, &mgr)
-    {
-        m_nType = type;
-    }
-    int OnLButtonDown(unsigned, const QPoint& point, int tool) override
-    {
-        ++presses;
         lastPoint = point;
         lastTool = tool;
-        return answer;
+        return Log("down", answer);
     }
+    int OnLButtonUp(unsigned, const QPoint&, int) override { return Log("up", 0); }
+    int OnMouseMove(unsigned, const QPoint&, int) override { return Log("move", 0); }
+    int OnRButtonDown(unsigned, const QPoint&, int) override { return Log("right", 0); }
     void UpdateElem() override { ++updates; }
-    int presses = 0;
-    int updates = 0;
+
+    int Log(const char* what, int result)
+    {
+        if (log)
+            log->push_back(name + ":" + what);
+        return result;
+    }
+    std::vector<std::string>* log = nullptr;
+    std::string name;
     int answer = -1;
+    int updates = 0;
     int lastTool = -1;
     QPoint lastPoint;
 };
 
-template <typename Shape> Shape* Add(CGVLElemMgr& mgr, std::unique_ptr<Shape> shape)
+inline TestShape* Add(CGVLElemMgr& mgr, int type, QPoint at = QPoint(2, 2))
 {
-    Shape* raw = shape.get();
-    mgr.m_arShape.push_back(std::move(shape));
-    return raw;
-}
-
-inline FakeFixedElement* AddRuler(CGVLElemMgr& mgr, QPoint at = QPoint(2, 2))
-{
-    auto ruler = std::make_unique<FakeFixedElement>(mgr, 9, at);
-    FakeFixedElement* raw = ruler.get();
-    mgr.m_arShape.push_back(std::move(ruler));
-    return raw;
+    mgr.m_arShape.push_back(std::make_unique<TestShape>(mgr, type, at));
+    return static_cast<TestShape*>(mgr.m_arShape.back().get());
 }
 
 // A bottom-up 24-bit overlay buffer as DrawToBits and DrawToImage fill it.
@@ -88,22 +76,13 @@ struct Bits
         , data(stride * std::size_t(height), 0xAB)
     {
     }
-    // Colour of the pixel at (x, y), y counted from the top of the picture.
+    // (x, y) counted from the top of the picture; bytes are B, G, R.
     QColor At(int x, int y) const
     {
         const uchar* p = &data[std::size_t(height - 1 - y) * stride + std::size_t(x) * 3];
         return QColor(p[2], p[1], p[0]);
     }
-    // Pixels of the picture that differ from the key colour.
-    int CountNot(const QColor& key) const
-    {
-        int n = 0;
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x)
-                n += At(x, y) != key;
-        return n;
-    }
-    // Bounding box (x0, y0, x1, y1 inclusive) of the pixels that differ from key.
+    // Bounding box of the pixels that are not `key`.
     QRect Extent(const QColor& key) const
     {
         QRect box;
@@ -119,11 +98,6 @@ struct Bits
     std::vector<uchar> data;
 };
 
-inline const QColor kKeyBits(1, 1, 1);
-inline const QColor kKeyImage(0, 0, 0);
-inline const QColor kWhite(255, 255, 255);
-inline const QColor kGray(128, 128, 128);
-
 inline Bits DrawBits(CGVLElemMgr& mgr, int width = 320, int height = 240)
 {
     Bits bits(width, height);
@@ -131,41 +105,27 @@ inline Bits DrawBits(CGVLElemMgr& mgr, int width = 320, int height = 240)
     return bits;
 }
 
-// A press, the moves and a release at the last point, all with one tool.
-inline void Drag(CGVLElemMgr& mgr, int tool, QPoint press, std::initializer_list<QPoint> moves)
+// A press, the moves, and a release at the last point, all with one tool.
+inline void Drag(CGVLElemMgr& mgr, int tool, QPoint press, std::vector<QPoint> moves)
 {
     mgr.OnLButtonDown(1, press, tool);
-    QPoint last = press;
-    for (const QPoint& p : moves) {
+    for (const QPoint& p : moves)
         mgr.OnMouseMove(1, p, tool);
-        last = p;
-    }
-    mgr.OnLButtonUp(0, last, tool);
+    mgr.OnLButtonUp(0, moves.empty() ? press : moves.back(), tool);
 }
 
 inline void Click(CGVLElemMgr& mgr, int tool, QPoint at)
 {
-    mgr.OnLButtonDown(1, at, tool);
-    mgr.OnLButtonUp(0, at, tool);
+    Drag(mgr, tool, at, {});
 }
 
-// A painter on a QImage in the state the manager's renderers give it.
-struct Canvas
+// A line made by hand, point 0 first.
+inline CGVLShape* AddLine(CGVLElemMgr& mgr, QPoint p0, QPoint p1, int type = 2)
 {
-    explicit Canvas(int width = 120, int height = 80, QColor fill = QColor(1, 1, 1))
-        : image(width, height, QImage::Format_BGR888)
-    {
-        image.fill(fill);
-        painter.begin(&image);
-        Gdi::ResetDC(painter);
-    }
-    QImage& Done()
-    {
-        painter.end();
-        return image;
-    }
-    QImage image;
-    QPainter painter;
-};
+    CGVLShape* line = mgr.CreateShape(type);
+    line->AddOneCoord(p0);
+    line->AddOneCoord(p1);
+    return line;
+}
 
 } // namespace MeasureTest
