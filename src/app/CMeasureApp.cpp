@@ -4,10 +4,13 @@
 #include "app/CExitSignalWatcher.h"
 #include "app/CMainFrame.h"
 #include "app/CommandTable.h"
+#include "capture/CameraModels.h"
+#include "capture/SimDeviceProvider.h"
 #include "platform/DebugLog.h"
 #include "platform/SettingsKeys.h"
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QIcon>
 #include <QLocale>
 #include <QScreen>
@@ -25,6 +28,7 @@ CMeasureApp::CMeasureApp()
     Q_ASSERT(!g_app);
     g_app = this;
     MapCommand(ID_FILE_NEW, [this] { OnFileNew(); });
+    MapCommand(ID_FILE_OPEN, [this] { OnFileOpen(); });
 }
 
 CMeasureApp::~CMeasureApp()
@@ -66,7 +70,8 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
         return false;
     }
     if (m_cmdInfo.m_bDemoCamera)
-        qputenv("OCULIX_DEMO_CAMERA", "1");
+        EnableDemoCamera(true);
+    LoadCameraModelSizes(m_paths.m_settingsFile);
 
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/oculix.svg")));
     m_mainFrame = new CMainFrame(m_langId);
@@ -128,6 +133,33 @@ CDocument* CMeasureApp::OnFileNew()
     if (m_templates.empty() || !m_mainFrame)
         return nullptr;
     return m_templates.front()->OpenDocumentFile(*m_mainFrame);
+}
+
+QStringList CMeasureApp::PictureOpenFilters()
+{
+    // The first entry is the classic one; the others are every format
+    // FCObjImage::Load reads. The part in the last parentheses is the pattern.
+    return {
+        tr("Image File (*.bmp, *.jpg)") + QStringLiteral(" (*.bmp *.jpg *.jpeg)"),
+        tr("Bitmap (*.bmp)"),
+        tr("JPEG (*.jpg *.jpeg)"),
+        tr("PNG (*.png)"),
+        tr("TIFF (*.tif *.tiff)"),
+        tr("Targa (*.tga)"),
+        tr("GIF (*.gif)"),
+        tr("PCX (*.pcx)"),
+        tr("All pictures (*.bmp *.jpg *.jpeg *.png *.tif *.tiff *.tga *.gif *.pcx)"),
+    };
+}
+
+CDocument* CMeasureApp::OnFileOpen()
+{
+    const QString path = QFileDialog::getOpenFileName(m_mainFrame, tr("Open"), m_lastOpenedFile,
+        PictureOpenFilters().join(QStringLiteral(";;")), nullptr, QFileDialog::HideNameFilterDetails);
+    if (path.isEmpty())
+        return nullptr;
+    m_lastOpenedFile = path;
+    return OpenDocumentFile(path);
 }
 
 CDocument* CMeasureApp::OpenDocumentFile(const QString& path)

@@ -42,8 +42,13 @@ public:
 
     // The framework's new-file path: a new document of the first template.
     CDocument* OnFileNew();
+    // "&Open...": asks for a picture, starting at the last one chosen in
+    // this run, and opens it as a picture document.
+    CDocument* OnFileOpen();
     // A document for the picture at path; null when it could not be opened.
     CDocument* OpenDocumentFile(const QString& path);
+    // The open dialog's filters, the classic one first.
+    static QStringList PictureOpenFilters();
 
     CMainFrame* GetMainFrame() const { return m_mainFrame; }
     const AppPaths& GetPaths() const { return m_paths; }
@@ -66,5 +71,6 @@ private:
     int m_langId = kLangIdEnglish;
     InterfaceLanguage m_language = InterfaceLanguage::English;
     QString m_resourceModule;
+    QString m_lastOpenedFile;
     int m_exitCode = 0;
 };

@@ -3,6 +3,8 @@
 #include "app/CChildFrame.h"
 #include "app/CommandTable.h"
 #include "app/TestDocuments.h"
+#include "capture/CameraModels.h"
+#include "capture/SimDeviceProvider.h"
 #include "platform/PrivateProfile.h"
 
 #include <QDir>
@@ -23,10 +25,8 @@ protected:
         ASSERT_TRUE(home.isValid());
         savedData = qgetenv("OCULIX_DATA_DIR");
         savedConfig = qgetenv("XDG_CONFIG_HOME");
-        savedDemo = qgetenv("OCULIX_DEMO_CAMERA");
         qputenv("OCULIX_DATA_DIR", QFile::encodeName(home.filePath("data")));
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.filePath("config")));
-        qunsetenv("OCULIX_DEMO_CAMERA");
         QDir(home.path()).mkpath("config/Oculix");
     }
     void TearDown() override
@@ -34,10 +34,7 @@ protected:
         app.reset();
         qputenv("OCULIX_DATA_DIR", savedData);
         qputenv("XDG_CONFIG_HOME", savedConfig);
-        if (savedDemo.isNull())
-            qunsetenv("OCULIX_DEMO_CAMERA");
-        else
-            qputenv("OCULIX_DEMO_CAMERA", savedDemo);
+        EnableDemoCamera(false);
     }
 
     void SetBrand(int dsp)
@@ -62,7 +59,7 @@ protected:
     }
 
     QTemporaryDir home;
-    QByteArray savedData, savedConfig, savedDemo;
+    QByteArray savedData, savedConfig;
     Journal journal;
     std::unique_ptr<CMeasureApp> app;
 };
@@ -86,7 +83,7 @@ TEST_F(MeasureAppTest, StartsWithANewDocumentInABrandedMaximisedFrame)
     EXPECT_TRUE(frame->isMaximized());
     EXPECT_EQ(DocumentTitles(), (std::vector<std::string> { "Measure1" }));
     EXPECT_FALSE(app->GetCommandLineInfo().m_bDemoCamera);
-    EXPECT_TRUE(qgetenv("OCULIX_DEMO_CAMERA").isNull());
+    EXPECT_EQ(IsDemoCameraEnabled(), qEnvironmentVariableIntValue("OCULIX_DEMO_CAMERA") == 1);
 
     const QString data = app->GetPaths().m_dataFolder;
     EXPECT_TRUE(QDir(data + "Images").exists());
@@ -97,6 +94,7 @@ TEST_F(MeasureAppTest, StartsWithANewDocumentInABrandedMaximisedFrame)
     EXPECT_EQ(app->GetLanguageId(), langId);
     EXPECT_EQ(int(GetPrivateProfileInt("Lang", "LangId", -7, settings)), langId);
     EXPECT_FALSE(app->GetResourceModule().isEmpty());
+    EXPECT_EQ(GetCameraModelSizes().n130, QSize(1280, 1024));
 
     // "&New Preview" goes to the application when no document takes it.
     EXPECT_TRUE(frame->RouteCommand(ID_FILE_NEW));
@@ -106,11 +104,14 @@ TEST_F(MeasureAppTest, StartsWithANewDocumentInABrandedMaximisedFrame)
 TEST_F(MeasureAppTest, PicturesOnTheCommandLineReplaceTheNewDocument)
 {
     SetBrand(2);
+    QDir().mkpath(home.filePath("data"));
+    WritePrivateProfileString("Camera130H", "Width", "2048", home.filePath("data/Setting.ini"));
     ASSERT_TRUE(
         Start({ "Oculix", "--demo-camera", "/slides/a.bmp", "/slides/missing.jpg", "/slides/b.png" }));
     EXPECT_EQ(app->GetMainFrame()->GetTitle(), "KorvalCam");
     EXPECT_TRUE(app->GetCommandLineInfo().m_bDemoCamera);
-    EXPECT_EQ(qgetenv("OCULIX_DEMO_CAMERA"), "1");
+    EXPECT_TRUE(IsDemoCameraEnabled());
+    EXPECT_EQ(GetCameraModelSizes().n130, QSize(2048, 1024));
     EXPECT_EQ(DocumentTitles(), (std::vector<std::string> { "a.bmp", "b.png" }));
     EXPECT_FALSE(Contains(journal.events, "new doc1"));
 }
@@ -147,4 +148,14 @@ TEST_F(MeasureAppTest, ExitInstanceClosesWhatIsStillOpen)
     journal.events.clear();
     EXPECT_EQ(app->ExitInstance(3), 3);
     EXPECT_EQ(journal.events, (std::vector<std::string> { "~view doc1", "~doc doc1" }));
+}
+
+TEST(MeasureAppFilters, ClassicFilterFirstThenEveryReadableFormat)
+{
+    const QStringList filters = CMeasureApp::PictureOpenFilters();
+    ASSERT_GE(filters.size(), 8);
+    EXPECT_EQ(filters.front(), "Image File (*.bmp, *.jpg) (*.bmp *.jpg *.jpeg)");
+    for (const char* extension : { "*.png", "*.tif", "*.tga", "*.gif", "*.pcx" }) {
+        EXPECT_EQ(filters.filter(QString::fromLatin1(extension)).size(), 2) << extension; // its own and "All"
+    }
 }

@@ -80,17 +80,6 @@ TEST(CommandTable, TextsPromptsAndAccelerators)
     EXPECT_FALSE(CommandToolTip(*FindCommand(ID_MEASURE_POINT)).isEmpty());
 }
 
-TEST(CommandTable, ToolCommandsAreCheckable)
-{
-    for (int id : { ID_MEASURE_POINT, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT, ID_MEASURE_POLYGON,
-             ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_MOVE, ID_MEASURE_DELETE, ID_MEASURE_COUNTING,
-             ID_MEASURE_ARROW, ID_MEASURE_TEXT, ID_VIEW_CROSSLINE, ID_VIEW_DASHED_CROSSLINE, ID_PROCESS_FLIP,
-             ID_PROCESS_MIRROR, ID_PROCESS_GRAY, ID_PROCESS_ENABLE, ID_VIEW_TOOLBAR, ID_VIEW_STATUS_BAR })
-        EXPECT_TRUE(FindCommand(id)->checkable) << id;
-    for (int id : { ID_MEASURE_DELETE_ALL, ID_PROCESS_BINARY, ID_MEASURE_EXPORT, ID_CAMERA_CAPTURE })
-        EXPECT_FALSE(FindCommand(id)->checkable) << id;
-}
-
 TEST(CommandTable, EveryIconDrawsSomething)
 {
     Q_INIT_RESOURCE(oculix);
@@ -106,15 +95,4 @@ TEST(CommandTable, EveryIconDrawsSomething)
         EXPECT_GT(opaque, 20) << info.icon;
         EXPECT_LT(opaque, image.width() * image.height()) << info.icon;
     }
-}
-
-TEST(CommandTable, ZoomLabels)
-{
-    const auto labels = ZoomLabels();
-    ASSERT_EQ(labels.size(), 10u);
-    EXPECT_STREQ(labels[0], "250%");
-    EXPECT_STREQ(labels[4], "100%");
-    EXPECT_STREQ(labels[6], "67%");
-    EXPECT_STREQ(labels[9], "25%");
-    EXPECT_EQ(kInitialZoomBoxPosition, 3);
 }
