@@ -10,14 +10,21 @@ CGVLNo::CGVLNo(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLEl
     m_nType = 11;
 }
 
+namespace {
+
+GdiRect CircleAround(const QPoint& p, const QSize& extent)
+{
+    const int r = std::max(extent.width(), extent.height());
+    return { p.x() - r + 5, p.y() - r + 5, p.x() + r - 5, p.y() + r - 5 };
+}
+
+} // namespace
+
 GdiRect CGVLNo::CircleRect() const
 {
     if (CoordCount() != 1)
         return {};
-    const QSize extent = Gdi::TextExtent(LabelFont(), QString::number(m_nNumber));
-    const int r = std::max(extent.width(), extent.height());
-    const QPoint& p = m_arCoord[0];
-    return { p.x() - r + 5, p.y() - r + 5, p.x() + r - 5, p.y() + r - 5 };
+    return CircleAround(m_arCoord[0], Gdi::TextExtent(LabelFont(), QString::number(m_nNumber)));
 }
 
 void CGVLNo::Draw(QPainter& dc, int hidden, int)
@@ -28,7 +35,7 @@ void CGVLNo::Draw(QPainter& dc, int hidden, int)
     const QSize extent = Gdi::TextExtent(LabelFont(), text);
     const QPoint& p = m_arCoord[0];
     DrawLabel(dc, { p.x() - extent.width() / 2, p.y() - extent.height() / 2 }, text);
-    DrawEllipse(dc, hidden, m_bSelected, CircleRect());
+    DrawEllipse(dc, hidden, m_bSelected, CircleAround(p, extent));
 }
 
 int CGVLNo::OnLButtonDown(unsigned, const QPoint& point, int tool)
