@@ -343,10 +343,16 @@ template <bool kBinary, bool kWide> struct GrayKernel
         return uchar(gray);
     }
 
-    template <typename V> static OCULIX_INLINE V Finish(V gray, uchar cut)
+    // Maps the block's gray values to what is stored. The integer model is at
+    // most one above the true gray, so for binary only odd pixels whose model
+    // value equals the threshold can change side; the others need no fixing.
+    template <typename V> static OCULIX_INLINE V Finish(V gray, V& odd, uchar cut)
     {
-        if constexpr (kBinary)
-            return (V)(gray >= (V {} + cut));
+        if constexpr (kBinary) {
+            const V cutVector = V {} + cut;
+            odd &= (V)(gray == cutVector);
+            return (V)(gray >= cutVector);
+        }
         return gray;
     }
 
@@ -371,13 +377,15 @@ template <bool kBinary, bool kWide> struct GrayKernel
                 if constexpr (kWide) {
                     for (; x + 32 <= n; x += 32) {
                         V32u8 flags;
-                        StoreTriple32(chunk + 3 * x, Finish(GrayOf32(chunk + 3 * x, flags), cut));
+                        const V32u8 gray = GrayOf32(chunk + 3 * x, flags);
+                        StoreTriple32(chunk + 3 * x, Finish(gray, flags, cut));
                         std::memcpy(odd + x, &flags, sizeof flags);
                     }
                 }
                 for (; x + 16 <= n; x += 16) {
                     V16u8 flags;
-                    StoreTriple16(chunk + 3 * x, Finish(GrayOf16(chunk + 3 * x, flags), cut));
+                    const V16u8 gray = GrayOf16(chunk + 3 * x, flags);
+                    StoreTriple16(chunk + 3 * x, Finish(gray, flags, cut));
                     std::memcpy(odd + x, &flags, sizeof flags);
                 }
                 const std::size_t vectored = x;
