@@ -2,8 +2,8 @@
 
 #include <QFontMetrics>
 #include <QFontMetricsF>
+#include <QPaintDevice>
 #include <QPainter>
-#include <QVarLengthArray>
 
 #include <algorithm>
 #include <cmath>
@@ -117,54 +117,110 @@ private:
 
 } // namespace
 
+namespace {
+
+// Coordinates beyond this are first cut back to it, so the arithmetic of a
+// line cannot overflow; no window or picture comes near it.
+constexpr double kFar = double(1 << 24);
+
+// The part of a-b inside the square of +-kFar (Liang-Barsky); false when none.
+bool ClipFar(QPoint& a, QPoint& b)
+{
+    const double x0 = a.x();
+    const double y0 = a.y();
+    const double dx = double(b.x()) - x0;
+    const double dy = double(b.y()) - y0;
+    double t0 = 0.0;
+    double t1 = 1.0;
+    // Keeps the part of the segment where p * t <= q.
+    auto keep = [&](double p, double q) {
+        if (p == 0.0)
+            return q >= 0.0;
+        const double t = q / p;
+        if (p < 0.0)
+            t0 = std::max(t0, t);
+        else
+            t1 = std::min(t1, t);
+        return t0 <= t1;
+    };
+    if (!keep(-dx, x0 + kFar) || !keep(dx, kFar - x0) || !keep(-dy, y0 + kFar) || !keep(dy, kFar - y0))
+        return false;
+    a = QPoint(int(std::lround(x0 + t0 * dx)), int(std::lround(y0 + t0 * dy)));
+    b = QPoint(int(std::lround(x0 + t1 * dx)), int(std::lround(y0 + t1 * dy)));
+    return true;
+}
+
+} // namespace
+
 void Line(QPainter& dc, const Pen& pen, const QPoint& a, const QPoint& b)
 {
     if (a == b)
         return;
     if (pen.width > 1) {
         // Wide pens are geometric: solid, with round ends.
-        QPen q(pen.color, pen.width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
-        dc.setPen(q);
+        dc.setPen(QPen(pen.color, pen.width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         dc.drawLine(a, b);
         return;
     }
     // Qt's own one-pixel lines cover the same pixels whichever way they run,
     // leaving out the larger end; here the end left out is always b, and a
     // pattern starts at a.
-    const int dx = std::abs(b.x() - a.x());
-    const int dy = std::abs(b.y() - a.y());
-    const int sx = b.x() > a.x() ? 1 : -1;
-    const int sy = b.y() > a.y() ? 1 : -1;
+    QPoint from = a;
+    QPoint to = b;
+    const auto far
+        = [](const QPoint& p) { return std::abs(double(p.x())) > kFar || std::abs(double(p.y())) > kFar; };
+    if ((far(from) || far(to)) && (!ClipFar(from, to) || from == to))
+        return;
+    const QPaintDevice* device = dc.device();
+    if (!device)
+        return;
+
+    const qint64 dx = std::abs(qint64(to.x()) - from.x());
+    const qint64 dy = std::abs(qint64(to.y()) - from.y());
     const bool xMajor = dx >= dy;
-    const int steps = xMajor ? dx : dy;
+    const qint64 major = xMajor ? dx : dy;
+    const qint64 minor = xMajor ? dy : dx;
+    const int majorStep = (xMajor ? to.x() > from.x() : to.y() > from.y()) ? 1 : -1;
+    const int minorStep = (xMajor ? to.y() > from.y() : to.x() > from.x()) ? 1 : -1;
+    const qint64 majorStart = xMajor ? from.x() : from.y();
+    const qint64 minorStart = xMajor ? from.y() : from.x();
+
+    // Only the steps whose major coordinate lies on the device are walked, so
+    // a line reaching far outside costs no more than one across the picture.
+    const qint64 extent = xMajor ? device->width() : device->height();
+    qint64 first = 0;
+    qint64 last = major - 1;
+    if (majorStep > 0) {
+        first = std::max(first, -majorStart);
+        last = std::min(last, extent - 1 - majorStart);
+    } else {
+        first = std::max(first, majorStart - (extent - 1));
+        last = std::min(last, majorStart);
+    }
+    if (first > last)
+        return;
+
+    // Bresenham with the error term centred, so the minor axis steps at the
+    // half-way points; the state after `first` steps is computed directly.
+    const qint64 centre = major / 2;
+    const qint64 carries = first * minor > centre ? (first * minor - centre + major - 1) / major : 0;
+    qint64 err = centre - first * minor + carries * major;
+    qint64 m = majorStart + majorStep * first;
+    qint64 n = minorStart + minorStep * carries;
+
     const Pattern pattern = PatternOf(pen.style);
     const QColor on = pen.color;
     const QColor gap = dc.background().color();
     const QColor* gapColor = dc.backgroundMode() == Qt::OpaqueMode ? &gap : nullptr;
-
     RunFiller filler(dc, xMajor);
-    int x = a.x();
-    int y = a.y();
-    // Bresenham with the error term centred, so the minor axis steps at the
-    // half-way points.
-    int err = (xMajor ? dx : dy) / 2;
-    for (int i = 0; i < steps; ++i) {
-        const bool lit = (i % pattern.period) < pattern.on;
-        filler.Add(x, y, lit ? &on : gapColor);
-        if (xMajor) {
-            x += sx;
-            err -= dy;
-            if (err < 0) {
-                y += sy;
-                err += dx;
-            }
-        } else {
-            y += sy;
-            err -= dx;
-            if (err < 0) {
-                x += sx;
-                err += dy;
-            }
+    for (qint64 i = first; i <= last; ++i) {
+        const QColor* color = (i % pattern.period) < pattern.on ? &on : gapColor;
+        filler.Add(int(xMajor ? m : n), int(xMajor ? n : m), color);
+        m += majorStep;
+        err -= minor;
+        if (err < 0) {
+            n += minorStep;
+            err += major;
         }
     }
 }

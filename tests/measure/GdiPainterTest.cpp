@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QPainter>
 
+#include <climits>
 #include <gtest/gtest.h>
 
 using namespace MeasureTest;
@@ -78,6 +79,18 @@ TEST(GdiPainter, LinesLeaveOutTheirEndPointWhicheverWayTheyRun)
     Canvas c(10, 10);
     Gdi::Line(c.dc, kSolid, { 8, 8 }, { 2, 2 });
     EXPECT_EQ(c.Trace({ 1, 1 }, { 1, 1 }, 9), "..######.");
+}
+
+TEST(GdiPainter, LinesReachingFarOutsideKeepTheirPixelsAndPattern)
+{
+    Canvas c(40, 40);
+    Gdi::SetBkMode(c.dc, false);
+    Gdi::Line(c.dc, { kRed, 1, Gdi::PenStyle::Dot }, { -10, 1 }, { 20, 1 });
+    Gdi::Line(c.dc, kSolid, { INT_MIN, 5 }, { INT_MAX, 5 });
+    Gdi::Line(c.dc, kSolid, { -1000000000, -999999980 }, { 1000000000, 1000000020 });
+    EXPECT_EQ(c.Trace({ 0, 1 }, { 1, 0 }, 10), "..###...##") << "the pattern still starts at -10";
+    EXPECT_EQ(c.Trace({ 0, 5 }, { 1, 0 }, 40), std::string(40, '#'));
+    EXPECT_EQ(c.image.pixelColor(10, 30), kRed);
 }
 
 TEST(GdiPainter, StyledPensStartAtTheFirstPointAndFillGapsOnlyWhenOpaque)
