@@ -65,7 +65,7 @@ TEST_F(MgrFixture, PressesGoTopDownUntilTakenOtherEventsReachEveryone)
             "top:right", "bottom:right" }));
 }
 
-TEST_F(MgrFixture, SpecialTools)
+TEST_F(MgrFixture, IgnoringContinuingAndPressLastTools)
 {
     TestShape* circle = Spy(7, "circle");
     TestShape* angle = Spy(3, "angle");
