@@ -71,7 +71,7 @@ public:
     // Resizes to width x height with area averaging / bilinear filtering.
     // Pictures up to 16 bits become 24-bit.
     bool Stretch(int width, int height);
-    // Any depth to 24 bits (alpha is dropped, against black).
+    // Any depth to 24 bits; alpha is dropped, colours are kept as they are.
     bool ConvertTo24Bit();
     bool ConvertTo32Bit();
 
