@@ -5,6 +5,8 @@
 #include "measure/CGVLLine.h"
 #include "measure/CGVLNo.h"
 #include "measure/CGVLPoint.h"
+#include "measure/CGVLRuler.h"
+#include "measure/CGVLScale.h"
 #include "measure/GdiPainter.h"
 #include "measure/WindowCalls.h"
 #include "platform/DebugLog.h"
@@ -28,6 +30,10 @@ std::unique_ptr<CGVLShape> NewShape(
         return std::make_unique<CGVLPoint>(unit, color, wnd, mgr);
     case 2:
         return std::make_unique<CGVLLine>(unit, color, wnd, mgr);
+    case 9:
+        return std::make_unique<CGVLRuler>(unit, color, wnd, mgr);
+    case 10:
+        return std::make_unique<CGVLScale>(unit, color, wnd, mgr);
     case 11:
         return std::make_unique<CGVLNo>(unit, color, wnd, mgr);
     case 12:
