@@ -1,0 +1,44 @@
+#include "measure/CGVLElemMgr.h"
+
+#include <QGuiApplication>
+
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+// Draws a 100-pixel horizontal line through the manager as a user would and
+// checks its calibrated length and its overlay pixels.
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+
+    CGVLElemMgr mgr;
+    mgr.CreateShape(9);
+    const int line = 2;
+    mgr.OnLButtonDown(0, QPoint(10, 20), line);
+    mgr.OnMouseMove(0, QPoint(10, 20), line);
+    mgr.OnMouseMove(0, QPoint(110, 20), line);
+    mgr.OnLButtonUp(0, QPoint(110, 20), line);
+    if (mgr.m_arShape.size() != 2) {
+        std::fprintf(stderr, "expected the ruler and one line, got %zu elements\n", mgr.m_arShape.size());
+        return 1;
+    }
+    const double length = mgr.m_arShape[1]->GetLength();
+    if (std::fabs(length - 100 * mgr.m_unit.m_dcxPerPixel) > 1e-9) {
+        std::fprintf(stderr, "line length %f\n", length);
+        return 1;
+    }
+    const int w = 160, h = 60;
+    std::vector<uchar> bits(CGVLElemMgr::BitsStride(w) * h);
+    mgr.DrawToBits(bits.data(), w, h);
+    int drawn = 0;
+    for (uchar b : bits)
+        drawn += b != 1;
+    if (drawn == 0) {
+        std::fprintf(stderr, "nothing drawn into the overlay\n");
+        return 1;
+    }
+    std::printf("consumer: line %.2f, %d overlay bytes drawn\n", length, drawn);
+    return 0;
+}
