@@ -47,21 +47,6 @@ QString DisplayName(GstDevice* device)
     return out;
 }
 
-// A camera the program opens through v4l2src, or a simulated one.
-bool IsUsableSource(GstDevice* device)
-{
-    if (IsSimDevice(device))
-        return true;
-    GstStructure* props = gst_device_get_properties(device);
-    bool v4l2 = false;
-    if (props) {
-        const gchar* api = gst_structure_get_string(props, "device.api");
-        v4l2 = api && std::strcmp(api, "v4l2") == 0;
-        gst_structure_free(props);
-    }
-    return v4l2;
-}
-
 bool ElementIsOrContains(GstElement* parent, GstObject* child)
 {
     for (GstObject* o = child; o; o = GST_OBJECT_PARENT(o))
@@ -1167,7 +1152,7 @@ std::vector<GstDevice*> CXCapGraph::ListDevices(bool* monitorFailed) const
     std::vector<GstDevice*> simulated;
     for (GList* l = devices; l; l = l->next) {
         auto* d = GST_DEVICE(l->data);
-        if (!IsUsableSource(d))
+        if (!IsCaptureDevice(d))
             continue;
         (IsSimDevice(d) ? simulated : out).push_back(GST_DEVICE(gst_object_ref(d)));
     }

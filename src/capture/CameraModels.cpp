@@ -1,8 +1,10 @@
 #include "capture/CameraModels.h"
 
+#include "capture/SimDeviceProvider.h"
 #include "platform/PrivateProfile.h"
 
 #include <atomic>
+#include <cstring>
 #include <mutex>
 
 namespace {
@@ -68,6 +70,22 @@ QSize ModelDefaultSize(const QString& name, bool chosenByName)
     if (chosenByName && name.contains(QLatin1String("USB2_CCD_5.01M_YF")))
         return QSize(868, 650);
     return kFallbackDeviceSize;
+}
+
+bool IsCaptureDevice(GstDevice* device)
+{
+    if (!device)
+        return false;
+    if (IsSimDevice(device))
+        return true;
+    GstStructure* props = gst_device_get_properties(device);
+    bool v4l2 = false;
+    if (props) {
+        const gchar* api = gst_structure_get_string(props, "device.api");
+        v4l2 = api && std::strcmp(api, "v4l2") == 0;
+        gst_structure_free(props);
+    }
+    return v4l2;
 }
 
 bool IsSupportedCamera(const QString&, GstDevice*)

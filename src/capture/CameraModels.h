@@ -27,6 +27,11 @@ CameraModelSizes GetCameraModelSizes();
 QSize ModelDefaultSize(const QString& friendlyName, bool chosenByName);
 inline constexpr QSize kFallbackDeviceSize { 1280, 1024 };
 
+// Whether the program lists a device: a V4L2 camera (opened through
+// v4l2src) or a simulated one. A desktop's PipeWire provider lists the same
+// cameras again; those are left out.
+bool IsCaptureDevice(GstDevice* device);
+
 // The supported-camera check. Every device is accepted: the program serves
 // any camera V4L2 can open. It never sets the MJPG-camera flag by itself.
 bool IsSupportedCamera(const QString& friendlyName, GstDevice* device);

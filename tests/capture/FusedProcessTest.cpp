@@ -1,9 +1,9 @@
 #include "image/FusedProcess.h"
+
 #include "image/ImageProcess.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 #include <random>
 #include <vector>
 
@@ -71,7 +71,8 @@ ProcessSwitches FromMask(unsigned mask)
 // Sizes around the band height (32 rows) and with every row padding.
 TEST(FusedProcess, EqualsTheStillChainForEverySwitchCombination)
 {
-    const unsigned sizes[][2] = {{1, 1}, {2, 2}, {3, 5}, {5, 3}, {7, 31}, {6, 32}, {9, 33}, {13, 65}, {4, 66}};
+    const unsigned sizes[][2]
+        = { { 1, 1 }, { 2, 2 }, { 3, 5 }, { 5, 3 }, { 7, 31 }, { 6, 32 }, { 9, 33 }, { 13, 65 }, { 4, 66 } };
     for (const auto& size : sizes) {
         const unsigned w = size[0];
         const unsigned h = size[1];
@@ -79,8 +80,8 @@ TEST(FusedProcess, EqualsTheStillChainForEverySwitchCombination)
         for (unsigned mask = 0; mask < 256; ++mask) {
             const ProcessSwitches s = FromMask(mask);
             std::vector<uchar> out(picture.size(), 0xEE);
-            FusedProcess(picture.data(), std::ptrdiff_t(Stride(w)), out.data(), std::ptrdiff_t(Stride(w)), w, h, s,
-                         nullptr);
+            FusedProcess(picture.data(), std::ptrdiff_t(Stride(w)), out.data(), std::ptrdiff_t(Stride(w)), w,
+                h, s, nullptr);
             ASSERT_TRUE(out == StillChain(picture, w, h, s)) << w << "x" << h << " switches " << mask;
         }
     }
@@ -102,10 +103,11 @@ TEST(FusedProcess, ReadsAndWritesRowsInAnyOrderAndStride)
         std::memcpy(&topDown[(h - 1 - y) * wide], &picture[y * stride], stride);
     std::vector<uchar> outTopDown(wide * h, 0x55);
     const auto step = std::ptrdiff_t(wide);
-    FusedProcess(topDown.data() + (h - 1) * wide, -step, outTopDown.data() + (h - 1) * wide, -step, w, h, s,
-                 nullptr);
+    FusedProcess(
+        topDown.data() + (h - 1) * wide, -step, outTopDown.data() + (h - 1) * wide, -step, w, h, s, nullptr);
     for (unsigned y = 0; y < h; ++y) {
-        ASSERT_EQ(std::memcmp(&outTopDown[(h - 1 - y) * wide], &expected[y * stride], stride), 0) << "row " << y;
+        ASSERT_EQ(std::memcmp(&outTopDown[(h - 1 - y) * wide], &expected[y * stride], stride), 0)
+            << "row " << y;
         // Bytes past the padded row are not the picture's and stay untouched.
         EXPECT_EQ(outTopDown[(h - 1 - y) * wide + stride], 0x55);
     }
@@ -134,8 +136,8 @@ TEST(FusedProcess, OverlayPixelsOtherThanTheKeyReplaceTheResult)
                 std::memcpy(&expected[y * stride + 3 * x], o, 3);
         }
     std::vector<uchar> out(picture.size());
-    FusedProcess(picture.data(), std::ptrdiff_t(stride), out.data(), std::ptrdiff_t(stride), w, h, s,
-                 overlay.data());
+    FusedProcess(
+        picture.data(), std::ptrdiff_t(stride), out.data(), std::ptrdiff_t(stride), w, h, s, overlay.data());
     EXPECT_TRUE(out == expected);
 }
 
