@@ -1,0 +1,247 @@
+#include "calibration/SvrFile.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstdint>
+#include <locale.h>
+#include <stdlib.h>
+#include <string>
+
+namespace {
+
+// Integer sums as the file's first writer computed them, wrapping instead of
+// overflowing for the absurd lengths a hand-edited file may hold.
+int WrapAdd(int a, int b)
+{
+    return int(std::uint32_t(a) + std::uint32_t(b));
+}
+
+bool IsBlank(QChar c)
+{
+    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\v' || c == u'\f' || c == u'\r';
+}
+
+// Characters a text line never holds: a file with them is not ruler data.
+bool IsControl(QChar c)
+{
+    return (c.unicode() < 0x20 && c != u'\t' && c != u'\r') || c.unicode() == 0x7F;
+}
+
+QByteArray TextLine(const QString& text)
+{
+    QString single = text;
+    // A line break would shift every later value by a line; trailing CRs
+    // would read back as part of the line end.
+    for (QChar& c : single) {
+        if (IsControl(c))
+            c = u' ';
+    }
+    while (single.endsWith(u'\r'))
+        single.chop(1);
+    return single.toLocal8Bit() + "\r\r\n";
+}
+
+QByteArray IntLine(int value)
+{
+    return QByteArray::number(value) + "\r\r\n";
+}
+
+} // namespace
+
+SvrData SvrData::Normalized() const
+{
+    SvrData data = *this;
+    data.m_nXStart = SvrFile::kNormalStart;
+    data.m_nXEnd = WrapAdd(SvrFile::kNormalStart, m_nXLenth);
+    data.m_nYStart = SvrFile::kNormalStart;
+    data.m_nYEnd = WrapAdd(SvrFile::kNormalStart, m_nYLenth);
+    return data;
+}
+
+namespace SvrFile {
+
+QByteArray ToBytes(const SvrData& data)
+{
+    const SvrData d = data.Normalized();
+    QByteArray bytes;
+    bytes += TextLine(d.m_strXPerPixel);
+    bytes += TextLine(d.m_strYPerPixel);
+    bytes += TextLine(d.m_strXReal);
+    bytes += TextLine(d.m_strYReal);
+    for (const int value :
+        { d.m_nXStart, d.m_nXEnd, d.m_nXLenth, d.m_nYStart, d.m_nYEnd, d.m_nYLenth, d.m_nUnit })
+        bytes += IntLine(value);
+    return bytes;
+}
+
+std::optional<SvrData> FromBytes(QByteArrayView bytes)
+{
+    if (bytes.isEmpty())
+        return std::nullopt;
+    QStringList lines;
+    qsizetype pos = 0;
+    while (pos < bytes.size() && lines.size() < kLineCount) {
+        qsizetype end = bytes.indexOf('\n', pos);
+        const qsizetype next = end < 0 ? bytes.size() : end + 1;
+        if (end < 0)
+            end = bytes.size();
+        QByteArrayView raw = bytes.sliced(pos, end - pos);
+        while (raw.endsWith('\r'))
+            raw.chop(1);
+        if (raw.size() > kMaxLineBytes)
+            return std::nullopt;
+        const QString line = QString::fromLocal8Bit(raw);
+        if (line.size() > kMaxLineChars || std::any_of(line.begin(), line.end(), IsControl))
+            return std::nullopt;
+        lines.append(line);
+        pos = next;
+    }
+
+    // The reader's buffer keeps the last line it read when the file runs out.
+    QString buffer;
+    auto nextText = [&, index = 0]() mutable {
+        if (index < lines.size())
+            buffer = lines[index];
+        ++index;
+        return buffer;
+    };
+    SvrData data;
+    data.m_strXPerPixel = nextText();
+    data.m_strYPerPixel = nextText();
+    data.m_strXReal = nextText();
+    data.m_strYReal = nextText();
+    for (int* value : { &data.m_nXStart, &data.m_nXEnd, &data.m_nXLenth, &data.m_nYStart, &data.m_nYEnd,
+             &data.m_nYLenth, &data.m_nUnit })
+        *value = LeadingInt(nextText());
+    return data;
+}
+
+Status Read(const QString& path, SvrData& data, QString* error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error)
+            *error = QStringLiteral("Cannot open %1.\n%2").arg(path, file.errorString());
+        return Status::CannotOpen;
+    }
+    // Enough for eleven lines of the longest allowed length with their line
+    // ends; a longer first line shows as a line too long.
+    constexpr qint64 kHeadBytes = qint64(kLineCount) * (kMaxLineBytes + 3) + 1;
+    const QByteArray head = file.read(kHeadBytes);
+    if (file.error() != QFileDevice::NoError) {
+        if (error)
+            *error = QStringLiteral("Cannot read %1.\n%2").arg(path, file.errorString());
+        return Status::CannotOpen;
+    }
+    const std::optional<SvrData> read = FromBytes(head);
+    if (!read) {
+        if (error)
+            *error = QStringLiteral("%1 is not a ruler data file.").arg(path);
+        return Status::NotRulerData;
+    }
+    data = *read;
+    return Status::Ok;
+}
+
+Status Write(const QString& path, const SvrData& data, QString* error)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        if (error)
+            *error = QStringLiteral("Cannot create %1.\n%2").arg(path, file.errorString());
+        return Status::CannotWrite;
+    }
+    const QByteArray bytes = ToBytes(data);
+    if (file.write(bytes) != bytes.size() || !file.commit()) {
+        if (error)
+            *error = QStringLiteral("Cannot write %1.\n%2").arg(path, file.errorString());
+        file.cancelWriting();
+        return Status::CannotWrite;
+    }
+    return Status::Ok;
+}
+
+QString SaveName(const QString& chosen)
+{
+    // Kept as the first program did it: the file ends up without extension.
+    if (chosen.endsWith(QStringLiteral(".svr"), Qt::CaseSensitive))
+        return chosen.chopped(4);
+    return chosen;
+}
+
+QString FactoryFileName(int magnification)
+{
+    static constexpr std::array<const char*, 5> kMagnifications = { "10", "20", "40", "60", "100" };
+    if (magnification < 0 || magnification >= int(kMagnifications.size()))
+        return {};
+    return QString::fromLatin1(kMagnifications[std::size_t(magnification)])
+        + QStringLiteral("-%1_%2.svr").arg(kFactoryWidth).arg(kFactoryHeight);
+}
+
+double LeadingNumber(const QString& text)
+{
+    qsizetype i = 0;
+    while (i < text.size() && IsBlank(text[i]))
+        ++i;
+    bool negative = false;
+    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
+        negative = text[i++] == u'-';
+    // The decimal form only: digits, a point, digits, an exponent.
+    std::string number;
+    auto digits = [&] {
+        const std::size_t before = number.size();
+        while (i < text.size() && text[i] >= u'0' && text[i] <= u'9')
+            number += char(text[i++].unicode());
+        return number.size() > before;
+    };
+    bool any = digits();
+    if (i < text.size() && text[i] == u'.') {
+        number += '.';
+        ++i;
+        any = digits() || any;
+    }
+    if (!any)
+        return 0.0;
+    if (i < text.size() && (text[i] == u'e' || text[i] == u'E')) {
+        const std::size_t mark = number.size();
+        const qsizetype back = i;
+        number += 'e';
+        ++i;
+        if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
+            number += char(text[i++].unicode());
+        if (!digits()) {
+            number.resize(mark);
+            i = back;
+        }
+    }
+    // strtod in the C locale: a comma locale must not cut "0.0100" at its point.
+    static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", locale_t(nullptr));
+    const double value = strtod_l(number.c_str(), nullptr, cLocale);
+    return negative ? -value : value;
+}
+
+int LeadingInt(const QString& text)
+{
+    qsizetype i = 0;
+    while (i < text.size() && IsBlank(text[i]))
+        ++i;
+    bool negative = false;
+    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
+        negative = text[i++] == u'-';
+    long long value = 0;
+    while (i < text.size() && text[i] >= u'0' && text[i] <= u'9') {
+        value = value * 10 + (text[i++].unicode() - u'0');
+        if (value > 1LL + INT_MAX)
+            value = 1LL + INT_MAX;
+    }
+    if (negative)
+        value = -value;
+    return int(std::clamp<long long>(value, INT_MIN, INT_MAX));
+}
+
+} // namespace SvrFile
