@@ -264,10 +264,16 @@ void Arc(QPainter& dc, const Pen& pen, const GdiRect& box, const QPoint& start, 
         return;
     const double cx = (r.left + r.right) / 2.0;
     const double cy = (r.top + r.bottom) / 2.0;
+    const double rx = (r.right - r.left) / 2.0;
+    const double ry = (r.bottom - r.top) / 2.0;
     // Screen y grows downward; Qt's angles, like the platform's arc, turn
-    // counter-clockwise as seen on the screen.
-    auto angle
-        = [&](const QPoint& p) { return std::atan2(cy - p.y(), p.x() - cx) * 180.0 / std::numbers::pi; };
+    // counter-clockwise as seen on the screen. Qt takes parametric angles of
+    // the ellipse, so the ray's direction is scaled by the radii: on a wide
+    // ellipse the ray through (right, top) meets it at 45 degrees, not at
+    // the ray's own angle.
+    auto angle = [&](const QPoint& p) {
+        return std::atan2((cy - p.y()) / ry, (p.x() - cx) / rx) * 180.0 / std::numbers::pi;
+    };
     const double from = angle(start);
     double span = angle(end) - from;
     while (span <= 0.0)
