@@ -1,23 +1,30 @@
 #include "measure/CGVLElemMgr.h"
 
 #include "calibration/MeasureTables.h"
+#include "measure/CGVLAngle.h"
 #include "measure/CGVLAnoArrow.h"
+#include "measure/CGVLAnoText.h"
+#include "measure/CGVLCircle.h"
+#include "measure/CGVLCircleT.h"
 #include "measure/CGVLLine.h"
 #include "measure/CGVLNo.h"
 #include "measure/CGVLPoint.h"
+#include "measure/CGVLPolygon.h"
+#include "measure/CGVLRect.h"
 #include "measure/CGVLRuler.h"
 #include "measure/CGVLScale.h"
+#include "measure/CInputTextDlg.h"
 #include "measure/GdiPainter.h"
 #include "measure/WindowCalls.h"
 #include "platform/DebugLog.h"
 
 #include <QDate>
+#include <QIODevice>
 #include <QImage>
 #include <QPainter>
 
 #include <algorithm>
 #include <cstring>
-#include <ranges>
 
 namespace {
 
@@ -30,6 +37,16 @@ std::unique_ptr<CGVLShape> NewShape(
         return std::make_unique<CGVLPoint>(unit, color, wnd, mgr);
     case 2:
         return std::make_unique<CGVLLine>(unit, color, wnd, mgr);
+    case 3:
+        return std::make_unique<CGVLAngle>(unit, color, wnd, mgr);
+    case 4:
+        return std::make_unique<CGVLRect>(unit, color, wnd, mgr);
+    case 5:
+        return std::make_unique<CGVLPolygon>(unit, color, wnd, mgr);
+    case 6:
+        return std::make_unique<CGVLCircle>(unit, color, wnd, mgr);
+    case 7:
+        return std::make_unique<CGVLCircleT>(unit, color, wnd, mgr);
     case 9:
         return std::make_unique<CGVLRuler>(unit, color, wnd, mgr);
     case 10:
@@ -38,6 +55,8 @@ std::unique_ptr<CGVLShape> NewShape(
         return std::make_unique<CGVLNo>(unit, color, wnd, mgr);
     case 12:
         return std::make_unique<CGVLAnoArrow>(unit, color, wnd, mgr);
+    case 14:
+        return std::make_unique<CGVLAnoText>(unit, color, wnd, mgr);
     default:
         return nullptr;
     }
@@ -139,15 +158,63 @@ std::vector<CGVLShape*> CGVLElemMgr::Snapshot() const
     return shapes;
 }
 
+std::vector<CGVLShape*> CGVLElemMgr::TopDown() const
+{
+    std::vector<CGVLShape*> shapes;
+    shapes.reserve(m_arShape.size());
+    for (auto it = m_arShape.rbegin(); it != m_arShape.rend(); ++it)
+        shapes.push_back(it->get());
+    return shapes;
+}
+
 bool CGVLElemMgr::HasLeft(const CGVLShape* shape) const
 {
     return std::any_of(
         m_arLeft.begin(), m_arLeft.end(), [shape](const auto& left) { return left.get() == shape; });
 }
 
+// The text dialog waits for the user as long as they like, and the live
+// overlay worker must go on drawing meanwhile, so the dialog runs with the
+// lock released: the press is routed under the lock, the text is typed into a
+// copy, and the copy goes into the element under the lock again, if the
+// element is still there (the dialog's event loop may have run anything).
+// Callers must not hold Lock() themselves around this call.
 void CGVLElemMgr::OnLButtonDown(unsigned flags, const QPoint& point, int tool)
 {
+    CGVLAnoText* text = nullptr;
+    TextInput ask;
+    QWidget* parent = nullptr;
+    QStringList lines;
+    {
+        const Call call(*this);
+        text = Press(flags, point, tool);
+        if (!text)
+            return;
+        m_arAsking.push_back(text);
+        ask = m_fnTextInput;
+        parent = m_hWnd;
+        lines = text->m_arText;
+    }
+    const bool ok = ask && ask(parent, lines);
+
     const Call call(*this);
+    const auto asking = std::find(m_arAsking.begin(), m_arAsking.end(), text);
+    if (asking == m_arAsking.end())
+        return; // deleted while the dialog was open
+    m_arAsking.erase(asking);
+    if (ok) {
+        text->m_arText = lines;
+        text->UpdateElem();
+        // Until its first draw the element does not know its font's size, so
+        // its own repaint area falls short of the text.
+        InvalidateWindow(m_hWnd);
+    } else {
+        DeleteShape(text);
+    }
+}
+
+CGVLAnoText* CGVLElemMgr::Press(unsigned flags, const QPoint& point, int tool)
+{
     for (const auto& shape : m_arShape)
         shape->SetSelected(false);
 
@@ -169,49 +236,53 @@ void CGVLElemMgr::OnLButtonDown(unsigned flags, const QPoint& point, int tool)
             if (shape->m_bDown && shape->GetType() == tool) {
                 shape->OnLButtonDown(flags, point, tool);
                 m_bMouseDown = 1;
-                return;
+                return nullptr;
             }
         }
         target = Append(tool);
         break;
-    case 5:
-        target = Append(5);
+    case 5: {
+        // An open polygon at the end of the list takes the next vertex.
+        const auto* last = dynamic_cast<const CGVLPolygon*>(LastShape());
+        target = last && !last->IsClosed() ? LastShape() : Append(5);
         break;
+    }
     case kToolPressLast:
         target = LastShape();
         break;
     case kToolDeleteAll:
     case kToolIgnore:
-        return;
+        return nullptr;
     default:
         // Topmost first; an element that deletes itself answers -1, so the
         // press goes on to the elements below it.
-        for (CGVLShape* shape : Snapshot() | std::views::reverse) {
+        for (CGVLShape* shape : TopDown()) {
             if (HasLeft(shape))
                 continue;
             if (shape->OnLButtonDown(flags, point, tool) != -1)
                 break;
         }
         m_bMouseDown = 1;
-        return;
+        return nullptr;
     }
     if (!target)
-        return;
+        return nullptr;
     target->OnLButtonDown(flags, point, tool);
     if (HasLeft(target))
-        return;
+        return nullptr;
     target->SetRefPoint(m_ptOrigin);
     m_bMouseDown = 1;
     if (tool == kToolCounting) {
         if (auto* marker = dynamic_cast<CGVLNo*>(target))
             marker->SetNumber(++m_nCount);
     }
+    return tool == kToolText ? dynamic_cast<CGVLAnoText*>(target) : nullptr;
 }
 
 void CGVLElemMgr::OnLButtonUp(unsigned flags, const QPoint& point, int tool)
 {
     const Call call(*this);
-    for (CGVLShape* shape : Snapshot() | std::views::reverse) {
+    for (CGVLShape* shape : TopDown()) {
         if (!HasLeft(shape))
             shape->OnLButtonUp(flags, point, tool);
     }
@@ -221,7 +292,7 @@ void CGVLElemMgr::OnLButtonUp(unsigned flags, const QPoint& point, int tool)
 void CGVLElemMgr::OnMouseMove(unsigned flags, const QPoint& point, int tool)
 {
     const Call call(*this);
-    for (CGVLShape* shape : Snapshot() | std::views::reverse) {
+    for (CGVLShape* shape : TopDown()) {
         if (!HasLeft(shape))
             shape->OnMouseMove(flags, point, tool);
     }
@@ -230,7 +301,7 @@ void CGVLElemMgr::OnMouseMove(unsigned flags, const QPoint& point, int tool)
 void CGVLElemMgr::OnRButtonDown(unsigned flags, const QPoint& point, int tool)
 {
     const Call call(*this);
-    for (CGVLShape* shape : Snapshot() | std::views::reverse) {
+    for (CGVLShape* shape : TopDown()) {
         if (!HasLeft(shape))
             shape->OnRButtonDown(flags, point, tool);
     }
@@ -269,6 +340,7 @@ int CGVLElemMgr::DeleteShape(CGVLShape* shape)
     if (type == 11)
         --m_nCount;
     const int index = int(it - m_arShape.begin());
+    std::erase(m_arAsking, shape);
     m_arLeft.push_back(std::move(*it));
     m_arShape.erase(it);
     return index;
@@ -278,6 +350,7 @@ void CGVLElemMgr::DeleteAll()
 {
     const Call call(*this);
     while (m_arShape.size() > 1) {
+        std::erase(m_arAsking, m_arShape.back().get());
         m_arLeft.push_back(std::move(m_arShape.back()));
         m_arShape.pop_back();
     }
@@ -396,4 +469,114 @@ void CGVLElemMgr::DrawToImage(uchar* buffer, int width, int height, bool element
         if (text)
             Gdi::TextOut(dc, x, height - 60, title, textColor);
     });
+}
+
+bool CGVLElemMgr::AskTextWithDialog(QWidget* parent, QStringList& lines)
+{
+    CInputTextDlg dialog(&lines, parent);
+    return dialog.DoModal();
+}
+
+namespace {
+
+// Rows are made in a buffer of 256 bytes with its terminating zero; a longer
+// row (an absurd calibration) is cut there.
+constexpr qsizetype kCsvLineMax = 255;
+
+double RadiusOf(const CGVLShape& shape)
+{
+    if (const auto* circle = dynamic_cast<const CGVLCircle*>(&shape))
+        return circle->GetRadius();
+    if (const auto* circle = dynamic_cast<const CGVLCircleT*>(&shape))
+        return circle->GetRadius();
+    return 0.0;
+}
+
+double AngleOf(const CGVLShape& shape)
+{
+    const auto* angle = dynamic_cast<const CGVLAngle*>(&shape);
+    return angle ? angle->GetAngle() : 0.0;
+}
+
+} // namespace
+
+QByteArray CGVLElemMgr::CsvBytes() const
+{
+    QByteArray out;
+    if (m_arShape.size() < 2)
+        return out;
+    out += "No.,Type,Result,Unit\n";
+    // "%.*f" with the precision prints exactly what the "%.1f" to "%.5f"
+    // forms print; outside 1..5 there is no form and the row stays empty.
+    const int precision = m_nPrecision;
+    const bool formatted = precision >= 1 && precision <= 5;
+    const char* unit = MeasureTables::SpacedUnitText(m_unit.m_rtUnit);
+    auto add = [&](const QString& row) {
+        QByteArray bytes = row.toUtf8();
+        if (bytes.size() > kCsvLineMax)
+            bytes.truncate(kCsvLineMax);
+        out += bytes;
+    };
+    using MeasureTables::FormatC;
+    int number = 1;
+    for (std::size_t i = 1; i < m_arShape.size(); ++i) {
+        const CGVLShape& shape = *m_arShape[i];
+        const int type = shape.GetType();
+        if (type < 2 || type > 7)
+            continue;
+        if (formatted) {
+            switch (type) {
+            case 2:
+                add(FormatC("%d,Line distance,%.*f,%s\n", number, precision, shape.GetLength(), unit));
+                break;
+            case 3:
+                add(FormatC("%d,Angle,%.*f,degree\n", number, precision, AngleOf(shape)));
+                break;
+            case 4:
+                add(FormatC("%d,Rect area,%.*f,%s2\n", number, precision, shape.GetArea(), unit));
+                break;
+            case 5:
+                // Spelled so in every file ever written.
+                add(FormatC("%d,Ploygon area,%.*f,%s2\n", number, precision, shape.GetArea(), unit));
+                break;
+            case 6:
+                add(FormatC("%d,Circle radius,%.*f,%s\n", number, precision, RadiusOf(shape), unit));
+                add(FormatC("%d,Circle area,%.*f,%s2\n", number, precision, shape.GetArea(), unit));
+                break;
+            case 7:
+                add(FormatC("%d,Tri-circle radius,%.*f,%s\n", number, precision, RadiusOf(shape), unit));
+                add(FormatC("%d,Tri-circle area,%.*f,%s2\n", number, precision, shape.GetArea(), unit));
+                break;
+            }
+        }
+        ++number;
+    }
+    return out;
+}
+
+void CGVLElemMgr::WriteCsvWith(QIODevice& file, char separator)
+{
+    QByteArray bytes;
+    {
+        const Call call(*this);
+        bytes = CsvBytes();
+    }
+    // No text or number of a row holds a comma, so the semicolon variant is
+    // the comma variant with every separator swapped.
+    if (separator != ',')
+        bytes.replace(',', separator);
+    // Written with the lock released: a slow disk must not hold up the
+    // overlay worker.
+    if (!bytes.isEmpty())
+        file.write(bytes);
+}
+
+void CGVLElemMgr::WriteCsv(QIODevice& file)
+{
+    WriteCsvWith(file, ',');
+}
+
+void CGVLElemMgr::WriteCsvSemicolon(QIODevice& file)
+{
+    WriteCsvWith(file, ';');
 }

@@ -4,16 +4,21 @@
 #include "calibration/ColorRecord.h"
 #include "measure/CGVLShape.h"
 
+#include <QByteArray>
 #include <QPoint>
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
 
+class CGVLAnoText;
+class QIODevice;
 class QPainter;
 class QWidget;
 
@@ -50,6 +55,8 @@ public:
     // appended) for a type without an element class.
     CGVLShape* CreateShape(int type);
 
+    // With the text tool the press is followed by m_fnTextInput, run without
+    // the lock held; do not call it while holding Lock().
     void OnLButtonDown(unsigned flags, const QPoint& point, int tool);
     void OnLButtonUp(unsigned flags, const QPoint& point, int tool);
     void OnMouseMove(unsigned flags, const QPoint& point, int tool);
@@ -80,6 +87,21 @@ public:
     void DrawToImage(uchar* buffer, int width, int height, bool elements, bool ruler, int reserved, bool date,
         bool text, const QString& title);
 
+    // The measured values as CSV ("No.,Type,Result,Unit" and one or two rows
+    // per line, angle, rectangle, polygon and circle), LF line ends, periods
+    // as decimal separators in any locale, UTF-8. Nothing at all when the
+    // list holds element 0 alone. A failed write shows in the device's error
+    // state; nothing is reported here.
+    void WriteCsv(QIODevice& file);
+    // The same with semicolons, for a French interface.
+    void WriteCsvSemicolon(QIODevice& file);
+
+    // Asks the user for the lines of a new text element: true for OK, with
+    // `lines` replaced; false for Cancel, which removes the element.
+    using TextInput = std::function<bool(QWidget* parent, QStringList& lines)>;
+    // The default text input: CInputTextDlg over the window.
+    static bool AskTextWithDialog(QWidget* parent, QStringList& lines);
+
     // Holds the manager's lock for direct access to fields and elements.
     [[nodiscard]] std::unique_lock<std::recursive_mutex> Lock() const;
 
@@ -102,16 +124,24 @@ public:
     int m_nPrecision = 2;
     int m_nFontSize = 2;
     int m_nFontBackground = 1;
+    // Replaceable so that the engine runs, and tests, without a user.
+    TextInput m_fnTextInput = AskTextWithDialog;
 
 private:
     class Call;
 
+    // Routes a press; returns the text element that now needs its text.
+    CGVLAnoText* Press(unsigned flags, const QPoint& point, int tool);
     CGVLShape* Append(int type);
     CGVLShape* LastShape() const;
     // The elements as they stand, for walks during which elements may leave.
     std::vector<CGVLShape*> Snapshot() const;
+    // The same, the last (topmost) element first.
+    std::vector<CGVLShape*> TopDown() const;
     bool HasLeft(const CGVLShape* shape) const;
     void DrawCrossLines(QPainter& dc, int width, int height);
+    QByteArray CsvBytes() const;
+    void WriteCsvWith(QIODevice& file, char separator);
     template <typename Draw> void RenderBits(uchar* buffer, int width, int height, uchar fill, Draw&& draw);
 
     mutable std::recursive_mutex m_mutex;
@@ -119,4 +149,7 @@ private:
     // Elements that left the list during the current call, destroyed when the
     // outermost call returns.
     std::vector<std::unique_ptr<CGVLShape>> m_arLeft;
+    // Text elements whose text is being asked for, with the lock released;
+    // an element that leaves the list meanwhile is taken off.
+    std::vector<CGVLShape*> m_arAsking;
 };

@@ -4,7 +4,12 @@
 #include "measure/GdiPainter.h"
 
 #include <QColor>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
 
+#include <clocale>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -117,6 +122,39 @@ inline void Drag(CGVLElemMgr& mgr, int tool, QPoint press, std::vector<QPoint> m
 inline void Click(CGVLElemMgr& mgr, int tool, QPoint at)
 {
     Drag(mgr, tool, at, {});
+}
+
+// One click at each point in turn, as angles, three-point circles and
+// polygons are placed.
+inline void Clicks(CGVLElemMgr& mgr, int tool, std::vector<QPoint> points)
+{
+    for (const QPoint& p : points)
+        Click(mgr, tool, p);
+}
+
+inline void RightClick(CGVLElemMgr& mgr, int tool, QPoint at)
+{
+    mgr.OnRButtonDown(2, at, tool);
+}
+
+// The element at `index` as its class; null when it is of another class.
+template <typename Shape> Shape* At(CGVLElemMgr& mgr, std::size_t index)
+{
+    return index < mgr.m_arShape.size() ? dynamic_cast<Shape*>(mgr.m_arShape[index].get()) : nullptr;
+}
+
+// Switches LC_NUMERIC to German (decimal comma), compiling the locale from
+// its sources when it is not installed; false when there is no way to.
+inline bool UseCommaLocale()
+{
+    if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
+        return true;
+    static QTemporaryDir dir; // the compiled locale is loaded from here
+    if (!dir.isValid() || !QFile::exists("/usr/share/i18n/locales/de_DE")
+        || QProcess::execute("localedef", { "-i", "de_DE", "-f", "UTF-8", dir.filePath("de_DE.UTF-8") }) != 0)
+        return false;
+    setenv("LOCPATH", QFile::encodeName(dir.path()).constData(), 1);
+    return std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
 }
 
 // A line made by hand, point 0 first.

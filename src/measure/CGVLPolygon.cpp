@@ -1,0 +1,167 @@
+#include "measure/CGVLPolygon.h"
+
+#include "calibration/MeasureTables.h"
+#include "measure/CGVLElemMgr.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+CGVLPolygon::CGVLPolygon(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+    : CGVLShape(unit, color, wnd, mgr)
+{
+    m_nType = 5;
+}
+
+bool CGVLPolygon::IsLastElement() const
+{
+    return !m_pMgr || (!m_pMgr->m_arShape.empty() && m_pMgr->m_arShape.back().get() == this);
+}
+
+double CGVLPolygon::GetArea() const
+{
+    const std::vector<QPoint> v = m_arCoord;
+    const std::size_t n = v.size();
+    if (n < 3)
+        return 0.0;
+    // Each product is an integer; halving it is exact.
+    auto term = [](const QPoint& a, const QPoint& b) {
+        return 0.5 * double((qint64(a.x()) - b.x()) * (qint64(a.y()) + b.y()));
+    };
+    double sum = 0.0;
+    for (std::size_t i = 0; i + 1 < n; ++i)
+        sum += term(v[i], v[i + 1]);
+    sum += term(v[n - 1], v[0]);
+    const CalibrationRecord& unit = Unit();
+    return std::abs(sum * unit.m_dcxPerPixel * unit.m_dcyPerPixel);
+}
+
+QPoint CGVLPolygon::LabelPos() const
+{
+    if (m_arCoord.empty())
+        return {};
+    return m_arCoord[0] - QPoint(0, (FontSize() + 1) * 10);
+}
+
+QString CGVLPolygon::LabelText() const
+{
+    return MeasureTables::FormatLabel(MeasureTables::kAreaFormats, Precision(), GetArea(), UnitText());
+}
+
+void CGVLPolygon::Draw(QPainter& dc, int hidden, int)
+{
+    if (hidden || m_arCoord.empty())
+        return;
+    for (std::size_t i = 0; i + 1 < m_arCoord.size(); ++i)
+        DrawLine(dc, hidden, false, m_arCoord[i], m_arCoord[i + 1]);
+    if (!m_bClosed) {
+        DrawLine(dc, hidden, false, m_arCoord.back(), m_ptRubber);
+        return;
+    }
+    DrawLine(dc, hidden, false, m_arCoord.back(), m_arCoord.front());
+    DrawLabel(dc, LabelPos(), LabelText());
+}
+
+int CGVLPolygon::OnLButtonDown(unsigned, const QPoint& point, int tool)
+{
+    if (tool != kOwnTool) {
+        const int hit = StandardLButtonDown(point, tool, kOwnTool);
+        if (tool == kToolMove)
+            m_bDragging = hit != -1;
+        return hit; // after tool 200 the element may be gone
+    }
+    m_bSelected = true;
+    m_nHit = m_nUpCount;
+    if (m_nUpCount == 0) {
+        m_bDown = true;
+        m_ptRubber = point;
+    }
+    return m_nHit;
+}
+
+int CGVLPolygon::OnLButtonUp(unsigned, const QPoint& point, int tool)
+{
+    if (tool == kOwnTool && IsLastElement()) {
+        if (!m_bClosed) {
+            AddOneCoord(point);
+            UpdateElem();
+        }
+        ++m_nUpCount;
+        m_bSelected = false;
+    } else if (tool == kToolMove && m_bDragging) {
+        // An open polygon is still being placed: it stays down and its
+        // rubber band follows the cursor again with the polygon tool.
+        UpdateElem();
+        m_bDragging = false;
+        m_nHit = -1;
+        m_bDown = !m_bClosed;
+    }
+    return -1;
+}
+
+int CGVLPolygon::OnMouseMove(unsigned, const QPoint& point, int tool)
+{
+    if (!m_bDown)
+        return -1;
+    if (tool == kOwnTool) {
+        if (m_bClosed || !IsLastElement())
+            return m_nHit;
+        m_nHit = std::max(m_nUpCount - 1, 0);
+        UpdateElem();
+        m_ptRubber = point;
+        UpdateElem();
+        return m_nHit;
+    }
+    if (tool != kToolMove || !m_bDragging)
+        return -1;
+    return StandardMouseMove(point);
+}
+
+int CGVLPolygon::OnRButtonDown(unsigned, const QPoint&, int tool)
+{
+    if (tool != kOwnTool)
+        return -1;
+    UpdateElem();
+    m_bClosed = true;
+    m_bDown = false;
+    m_nHit = -1;
+    if (CoordCount() < 3)
+        ClearCoords(); // may leave the manager: nothing of this element from here on
+    return -1;
+}
+
+void CGVLPolygon::UpdateElem()
+{
+    if (m_arCoord.empty())
+        return;
+    int left = m_ptRubber.x(), right = left, top = m_ptRubber.y(), bottom = top;
+    for (const QPoint& p : m_arCoord) {
+        left = std::min(left, p.x());
+        right = std::max(right, p.x());
+        top = std::min(top, p.y());
+        bottom = std::max(bottom, p.y());
+    }
+    // The label rises up to 40 pixels above vertex 0 and runs to its right.
+    Invalidate({ left - 10, top - 90, std::max(right, m_arCoord[0].x() + 300) + 10, bottom + 10 });
+}
+
+void CGVLPolygon::ClearCoords()
+{
+    LeaveManager();
+}
+
+int CGVLPolygon::GetHit() const
+{
+    return m_nHit;
+}
+
+int CGVLPolygon::HitVertex(const QPoint& point) const
+{
+    if (CoordCount() < 4)
+        return -1;
+    for (const QPoint& v : m_arCoord) {
+        if (std::abs(point.x() - v.x()) <= 10 && std::abs(point.y() - v.y()) <= 10)
+            return 1;
+    }
+    return -1;
+}

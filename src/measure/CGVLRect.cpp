@@ -1,0 +1,147 @@
+#include "measure/CGVLRect.h"
+
+#include "calibration/MeasureTables.h"
+#include "measure/WindowCalls.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+CGVLRect::CGVLRect(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+    : CGVLShape(unit, color, wnd, mgr)
+{
+    m_nType = 4;
+}
+
+double CGVLRect::GetPerimeter() const
+{
+    if (CoordCount() != 4)
+        return 0.0;
+    const CalibrationRecord& unit = Unit();
+    const double w = std::abs(double(m_arCoord[3].x()) - m_arCoord[0].x());
+    const double h = std::abs(double(m_arCoord[3].y()) - m_arCoord[0].y());
+    return 2 * (w * unit.m_dcxPerPixel + h * unit.m_dcyPerPixel);
+}
+
+double CGVLRect::GetArea() const
+{
+    if (CoordCount() != 4)
+        return 0.0;
+    const CalibrationRecord& unit = Unit();
+    const double w = std::abs(double(m_arCoord[3].x()) - m_arCoord[0].x());
+    const double h = std::abs(double(m_arCoord[3].y()) - m_arCoord[0].y());
+    return w * unit.m_dcxPerPixel * h * unit.m_dcyPerPixel;
+}
+
+QPoint CGVLRect::LabelPos() const
+{
+    if (m_arCoord.empty())
+        return {};
+    return m_arCoord[0] - QPoint(0, (FontSize() + 1) * 10);
+}
+
+QString CGVLRect::LabelText() const
+{
+    return MeasureTables::FormatLabel(MeasureTables::kAreaFormats, Precision(), GetArea(), UnitText());
+}
+
+void CGVLRect::Draw(QPainter& dc, int hidden, int)
+{
+    if (hidden)
+        return;
+    // Gaps of dotted strokes are filled like label backgrounds.
+    SetLabelBackground(dc);
+    if (CoordCount() == 4) {
+        const std::vector<QPoint>& p = m_arCoord;
+        DrawLine(dc, hidden, m_bSelected, p[0], p[1]);
+        DrawLine(dc, hidden, m_bSelected, p[1], p[3]);
+        DrawLine(dc, hidden, m_bSelected, p[0], p[2]);
+        DrawLine(dc, hidden, m_bSelected, p[2], p[3]);
+        DrawLabel(dc, LabelPos(), LabelText());
+    }
+    if (m_bSelected) {
+        for (const QPoint& p : m_arCoord)
+            DrawHandle(dc, hidden, p);
+    }
+}
+
+int CGVLRect::OnLButtonDown(unsigned, const QPoint& point, int tool)
+{
+    return StandardLButtonDown(point, tool, 4);
+}
+
+int CGVLRect::OnMouseMove(unsigned, const QPoint& point, int)
+{
+    if (!m_bDown)
+        return -1;
+    // The first move of a new rectangle makes its other three corners; the
+    // drag goes on with the corner opposite the press.
+    if (CoordCount() == 1) {
+        for (int i = 0; i < 3; ++i)
+            AddOneCoord(point);
+        m_nHit = 3;
+        PlaceSideCorners();
+    }
+    return StandardMouseMove(point);
+}
+
+int CGVLRect::OnLButtonUp(unsigned, const QPoint&, int tool)
+{
+    UpdateElem();
+    m_bDown = false;
+    m_nHit = -1;
+    if (tool == 4)
+        m_bSelected = false;
+    QWidget* const wnd = m_hWnd;
+    const bool tooSmall = CoordCount() == 4 && std::abs(m_arCoord[3].x() - m_arCoord[0].x()) < kMinSide
+        && std::abs(m_arCoord[3].y() - m_arCoord[0].y()) < kMinSide;
+    if (CoordCount() == 1 || tooSmall)
+        ClearCoords(); // may leave the manager: only locals from here on
+    InvalidateWindow(wnd);
+    return -1;
+}
+
+int CGVLRect::SetCoord(int index, const QPoint& point)
+{
+    const int result = CGVLShape::SetCoord(index, point);
+    if (result < 0 || CoordCount() != 4)
+        return result;
+    std::vector<QPoint>& p = m_arCoord;
+    if (index == 1) {
+        p[3].setX(point.x());
+        p[0].setY(point.y());
+    } else if (index == 2) {
+        p[0].setX(point.x());
+        p[3].setY(point.y());
+    }
+    PlaceSideCorners();
+    return result;
+}
+
+void CGVLRect::PlaceSideCorners()
+{
+    if (CoordCount() != 4)
+        return;
+    std::vector<QPoint>& p = m_arCoord;
+    p[1] = QPoint(p[3].x(), p[0].y());
+    p[2] = QPoint(p[0].x(), p[3].y());
+}
+
+void CGVLRect::UpdateElem()
+{
+    if (m_arCoord.empty())
+        return;
+    int left = m_arCoord[0].x(), right = left, top = m_arCoord[0].y(), bottom = top;
+    for (const QPoint& p : m_arCoord) {
+        left = std::min(left, p.x());
+        right = std::max(right, p.x());
+        top = std::min(top, p.y());
+        bottom = std::max(bottom, p.y());
+    }
+    // The label rises up to 40 pixels above point 0 and runs to its right.
+    Invalidate({ left - 10, top - 90, std::max(right, m_arCoord[0].x() + 300) + 10, bottom + 10 });
+}
+
+void CGVLRect::ClearCoords()
+{
+    LeaveManager();
+}

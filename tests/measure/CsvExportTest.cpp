@@ -1,0 +1,122 @@
+#include "MeasureTestSupport.h"
+
+#include <QBuffer>
+
+#include <clocale>
+#include <gtest/gtest.h>
+
+using namespace MeasureTest;
+
+namespace {
+
+struct CsvFixture : ::testing::Test
+{
+    CsvFixture()
+    {
+        mgr.CreateShape(9);
+        mgr.m_fnTextInput = [](QWidget*, QStringList& lines) {
+            lines = QStringList { "no row" };
+            return true;
+        };
+    }
+    QByteArray Csv(bool semicolon = false)
+    {
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        semicolon ? mgr.WriteCsvSemicolon(buffer) : mgr.WriteCsv(buffer);
+        return buffer.data();
+    }
+    // Elements that measure nothing, between the measuring ones.
+    void Annotate(QPoint at)
+    {
+        Click(mgr, 1, at);
+        Click(mgr, 202, at + QPoint(5, 5));
+        Drag(mgr, 203, at, { at + QPoint(1, 1), at + QPoint(40, 30) });
+        Click(mgr, 205, at + QPoint(10, 0));
+    }
+    CGVLElemMgr mgr;
+};
+
+} // namespace
+
+TEST_F(CsvFixture, EveryMeasuringShapeGivesItsRowsInCreationOrder)
+{
+    mgr.m_unit = { 1, 0.1, 0.1, 0, 0 };
+    mgr.m_nPrecision = 3;
+    AddLine(mgr, { 0, 0 }, { 30, 40 });
+    Annotate({ 300, 20 });
+    Clicks(mgr, 3, { { 150, 100 }, { 100, 100 }, { 150, 150 } });
+    Drag(mgr, 4, { 50, 50 }, { { 51, 51 }, { 150, 120 } });
+    Annotate({ 300, 200 });
+    Clicks(mgr, 5, { { 100, 100 }, { 110, 100 }, { 100, 110 } });
+    RightClick(mgr, 5, { 0, 0 });
+    Drag(mgr, 6, { 100, 100 }, { { 101, 101 }, { 130, 140 } });
+    Clicks(mgr, 7, { { 100, 100 }, { 110, 100 }, { 100, 110 } });
+    ASSERT_EQ(mgr.m_arShape.size(), 15u);
+    const QByteArray comma = "No.,Type,Result,Unit\n"
+                             "1,Line distance,5.000, mm\n"
+                             "2,Angle,45.000,degree\n"
+                             "3,Rect area,70.000, mm2\n"
+                             "4,Ploygon area,0.500, mm2\n"
+                             "5,Circle radius,5.000, mm\n"
+                             "5,Circle area,78.540, mm2\n"
+                             "6,Tri-circle radius,0.700, mm\n"
+                             "6,Tri-circle area,1.539, mm2\n";
+    EXPECT_EQ(Csv(), comma);
+    QByteArray semicolon = comma;
+    EXPECT_EQ(Csv(true), semicolon.replace(',', ';'));
+}
+
+TEST_F(CsvFixture, EveryPrecisionAndUnitWithTheUnitsLeadingSpace)
+{
+    CGVLShape* line = AddLine(mgr, { 0, 0 }, { 1, 0 });
+    CGVLShape* rect = mgr.CreateShape(4);
+    for (QPoint p : { QPoint(0, 0), QPoint(1, 0), QPoint(0, 1), QPoint(1, 1) })
+        rect->AddOneCoord(p);
+    const char* numbers[] = { "12.3", "12.35", "12.346", "12.3456", "12.34560" };
+    const char* units[] = { "um", "mm", "cm", "dm", "inch" };
+    for (int unit = 0; unit < 5; ++unit)
+        for (int precision = 1; precision <= 5; ++precision) {
+            mgr.m_unit = { unit, 12.3456, 1.0, 0, 0 };
+            mgr.m_nPrecision = precision;
+            const QByteArray n = numbers[precision - 1];
+            const QByteArray u = units[unit];
+            EXPECT_EQ(Csv(),
+                "No.,Type,Result,Unit\n1,Line distance," + n + ", " + u + "\n2,Rect area," + n + ", " + u
+                    + "2\n");
+            EXPECT_EQ(line->GetLength(), rect->GetArea());
+        }
+    for (int precision : { 0, 6 }) {
+        mgr.m_nPrecision = precision;
+        EXPECT_EQ(Csv(), "No.,Type,Result,Unit\n") << "rows stay empty";
+    }
+    mgr.m_nPrecision = 5;
+    mgr.m_unit.m_dcxPerPixel = 1e300; // a row past its 255 bytes is cut there
+    const QByteArray csv = Csv();
+    const QByteArray last = csv.mid(csv.lastIndexOf('\n') + 1);
+    EXPECT_EQ(last.size(), 255) << "no line feed left";
+    EXPECT_TRUE(last.startsWith("2,Rect area,1000000000"));
+}
+
+TEST_F(CsvFixture, NothingWithTheRulerAloneAndTheHeaderWithoutMeasurements)
+{
+    EXPECT_EQ(Csv(), "");
+    Annotate({ 100, 100 });
+    EXPECT_EQ(Csv(true), "No.;Type;Result;Unit\n");
+    AddLine(mgr, { 0, 0 }, { 100, 0 });
+    mgr.DeleteAll();
+    EXPECT_EQ(Csv(), "");
+}
+
+TEST_F(CsvFixture, NumbersKeepAPeriodUnderACommaLocale)
+{
+    if (!UseCommaLocale())
+        GTEST_SKIP() << "no locale with a decimal comma here (Debian package 'locales')";
+    mgr.m_nPrecision = 2;
+    Clicks(mgr, 3, { { 150, 100 }, { 100, 100 }, { 150, 150 } });
+    const QByteArray semicolon = Csv(true);
+    const QByteArray comma = Csv();
+    std::setlocale(LC_NUMERIC, "C");
+    EXPECT_EQ(semicolon, "No.;Type;Result;Unit\n1;Angle;45.00;degree\n");
+    EXPECT_EQ(comma, "No.,Type,Result,Unit\n1,Angle,45.00,degree\n");
+}
