@@ -1,0 +1,152 @@
+#include "calibration/CMeasureColorDlg.h"
+
+#include "calibration/CColorSelectComboBox.h"
+#include "measure/CGVLElemMgr.h"
+#include "measure/WindowCalls.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+CColorSelectComboBox* ColorList(const char* name)
+{
+    auto* list = new CColorSelectComboBox;
+    list->setObjectName(QString::fromLatin1(name));
+    list->FillPalette();
+    return list;
+}
+
+QComboBox* TextList(const char* name, std::initializer_list<const char*> items)
+{
+    auto* list = new QComboBox;
+    list->setObjectName(QString::fromLatin1(name));
+    for (const char* item : items)
+        list->addItem(QString::fromLatin1(item));
+    return list;
+}
+
+// Selects position `index`, or nothing when the list has no such position.
+void Select(QComboBox* list, int index)
+{
+    list->setCurrentIndex(index >= 0 && index < list->count() ? index : -1);
+}
+
+void Take(const QComboBox* list, int& value, int offset)
+{
+    if (list->currentIndex() >= 0)
+        value = list->currentIndex() + offset;
+}
+
+} // namespace
+
+CMeasureColorDlg::CMeasureColorDlg(QWidget* parent)
+    : QDialog(parent)
+    , m_cbMeasure(ColorList("measurement"))
+    , m_cbPoint(ColorList("point"))
+    , m_cbText(ColorList("text"))
+    , m_cbCoord(ColorList("coordinate"))
+    , m_cbPrecision(TextList("precision", { "1", "2", "3", "4", "5" }))
+    , m_cbFontSize(TextList("fontSize", { "Small", "Medium", "Big" }))
+    , m_cbFontBackground(TextList("fontBackground", { "Transparent", "Gray" }))
+{
+    setWindowTitle(QStringLiteral("Measure Setting"));
+
+    auto* colors = new QGroupBox(QStringLiteral("Measure Color"));
+    auto* colorForm = new QFormLayout(colors);
+    colorForm->addRow(QStringLiteral("Measurement"), m_cbMeasure);
+    colorForm->addRow(QStringLiteral("Point"), m_cbPoint);
+    colorForm->addRow(QStringLiteral("Text"), m_cbText);
+    // The coordinate colour keeps its list, out of sight.
+    m_cbCoord->setParent(colors);
+    m_cbCoord->hide();
+
+    auto* others = new QGroupBox(QStringLiteral("Others"));
+    auto* otherForm = new QFormLayout(others);
+    otherForm->addRow(QStringLiteral("Precision"), m_cbPrecision);
+    otherForm->addRow(QStringLiteral("Font Size"), m_cbFontSize);
+    otherForm->addRow(QStringLiteral("Font \nBackground"), m_cbFontBackground);
+
+    auto* buttons = new QDialogButtonBox;
+    QPushButton* ok = buttons->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole);
+    ok->setObjectName(QStringLiteral("ok"));
+    ok->setDefault(true);
+    buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole)
+        ->setObjectName(QStringLiteral("cancel"));
+    connect(buttons, &QDialogButtonBox::accepted, this, &CMeasureColorDlg::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &CMeasureColorDlg::reject);
+
+    auto* groups = new QHBoxLayout;
+    groups->addWidget(colors);
+    groups->addWidget(others);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(groups);
+    layout->addWidget(buttons);
+    UpdateControls();
+}
+
+void CMeasureColorDlg::ReadFrom(const CGVLElemMgr& mgr)
+{
+    const auto lock = mgr.Lock();
+    m_nTextColor = mgr.m_color.m_ctText;
+    m_nMeasureColor = mgr.m_color.m_ctRuler;
+    m_nCoordColor = mgr.m_color.m_ctCoord;
+    m_nPointColor = mgr.m_color.m_ctAdjust;
+    m_nPrecision = mgr.m_nPrecision;
+    m_nFontSize = mgr.m_nFontSize;
+    m_nFontBackground = mgr.m_nFontBackground;
+}
+
+void CMeasureColorDlg::WriteTo(CGVLElemMgr& mgr) const
+{
+    {
+        const auto lock = mgr.Lock();
+        mgr.m_color.m_ctText = m_nTextColor;
+        mgr.m_color.m_ctRuler = m_nMeasureColor;
+        mgr.m_color.m_ctCoord = m_nCoordColor;
+        mgr.m_color.m_ctAdjust = m_nPointColor;
+        mgr.m_nPrecision = m_nPrecision;
+        mgr.m_nFontSize = m_nFontSize;
+        mgr.m_nFontBackground = m_nFontBackground;
+    }
+    InvalidateWindow(mgr.m_hWnd);
+}
+
+void CMeasureColorDlg::UpdateControls()
+{
+    Select(m_cbText, m_nTextColor);
+    Select(m_cbMeasure, m_nMeasureColor);
+    Select(m_cbCoord, m_nCoordColor);
+    Select(m_cbPoint, m_nPointColor);
+    Select(m_cbPrecision, m_nPrecision - 1);
+    Select(m_cbFontSize, m_nFontSize - 1);
+    Select(m_cbFontBackground, m_nFontBackground - 1);
+}
+
+void CMeasureColorDlg::accept()
+{
+    Take(m_cbText, m_nTextColor, 0);
+    Take(m_cbMeasure, m_nMeasureColor, 0);
+    Take(m_cbCoord, m_nCoordColor, 0);
+    Take(m_cbPoint, m_nPointColor, 0);
+    Take(m_cbPrecision, m_nPrecision, 1);
+    Take(m_cbFontSize, m_nFontSize, 1);
+    Take(m_cbFontBackground, m_nFontBackground, 1);
+    QDialog::accept();
+}
+
+bool CMeasureColorDlg::Edit(CGVLElemMgr& mgr, QWidget* parent)
+{
+    CMeasureColorDlg dialog(parent);
+    dialog.ReadFrom(mgr);
+    dialog.UpdateControls();
+    if (dialog.exec() != QDialog::Accepted)
+        return false;
+    dialog.WriteTo(mgr);
+    return true;
+}

@@ -1,0 +1,168 @@
+#include "calibration/CMeasureColorDlg.h"
+
+#include "calibration/CColorSelectComboBox.h"
+#include "calibration/MeasureTables.h"
+#include "measure/CGVLElemMgr.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QPaintEvent>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+#include <gtest/gtest.h>
+
+namespace {
+
+QComboBox* List(QWidget& dialog, const char* name)
+{
+    return dialog.findChild<QComboBox*>(QString::fromLatin1(name));
+}
+
+// Runs `act` on the modal dialog as soon as it shows.
+void OnModal(std::function<void(QWidget&)> act)
+{
+    QTimer::singleShot(0, [act = std::move(act)] {
+        QWidget* modal = QApplication::activeModalWidget();
+        ASSERT_NE(modal, nullptr);
+        act(*modal);
+    });
+}
+
+// Counts the repaints the manager asks of its window.
+class RepaintSpy : public QWidget
+{
+public:
+    int paints = 0;
+
+protected:
+    void paintEvent(QPaintEvent*) override { ++paints; }
+};
+
+} // namespace
+
+TEST(CColorSelectComboBox, HoldsThePaletteInIndexOrderOnce)
+{
+    CColorSelectComboBox list;
+    list.FillPalette();
+    ASSERT_EQ(list.count(), MeasureTables::kPaletteSize);
+    EXPECT_EQ(list.currentIndex(), 0);
+    for (int i = 0; i < MeasureTables::kPaletteSize; ++i)
+        EXPECT_EQ(list.GetColor(i), MeasureTables::kPalette[std::size_t(i)]) << i;
+    list.FillPalette();
+    EXPECT_EQ(list.count(), MeasureTables::kPaletteSize) << "colours already there are not added again";
+    EXPECT_EQ(list.AddColor(0x0000FF), 2);
+    EXPECT_EQ(list.AddColor(0x808080), 8);
+    EXPECT_EQ(list.FindColor(0x00FFFF), 7);
+    EXPECT_EQ(list.FindColor(0x123456), -1);
+    EXPECT_EQ(list.GetColor(9), 0u);
+    EXPECT_EQ(list.itemData(2, Qt::ToolTipRole).toString(), "Red");
+
+    // The closed list shows the selected colour as a swatch.
+    list.resize(120, 24);
+    list.setCurrentIndex(3);
+    const QImage shot = list.grab().toImage();
+    EXPECT_EQ(QColor(shot.pixel(shot.width() / 3, shot.height() / 2)), QColor(0, 255, 0));
+}
+
+TEST(CMeasureColorDlg, ShowsTheManagersValuesAndWritesThemBackOnOk)
+{
+    CGVLElemMgr mgr;
+    RepaintSpy window;
+    window.resize(100, 100);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    mgr.m_hWnd = &window;
+    mgr.m_color = ColorRecord { 5, 2, 6, 7 };
+    mgr.m_nPrecision = 3;
+    mgr.m_nFontSize = 2;
+    mgr.m_nFontBackground = 1;
+
+    OnModal([](QWidget& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Measure Setting");
+        EXPECT_EQ(List(dialog, "text")->currentIndex(), 7);
+        EXPECT_EQ(List(dialog, "measurement")->currentIndex(), 2);
+        EXPECT_EQ(List(dialog, "point")->currentIndex(), 6);
+        EXPECT_EQ(List(dialog, "coordinate")->currentIndex(), 5);
+        EXPECT_FALSE(List(dialog, "coordinate")->isVisibleTo(&dialog));
+        EXPECT_TRUE(List(dialog, "text")->isVisibleTo(&dialog));
+        EXPECT_EQ(List(dialog, "precision")->currentText(), "3");
+        EXPECT_EQ(List(dialog, "fontSize")->currentText(), "Medium");
+        EXPECT_EQ(List(dialog, "fontBackground")->currentText(), "Transparent");
+        List(dialog, "text")->setCurrentIndex(0);
+        List(dialog, "measurement")->setCurrentIndex(1);
+        List(dialog, "point")->setCurrentIndex(4);
+        List(dialog, "precision")->setCurrentIndex(4);
+        List(dialog, "fontSize")->setCurrentIndex(2);
+        List(dialog, "fontBackground")->setCurrentIndex(1);
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("ok")), Qt::LeftButton);
+    });
+    window.paints = 0;
+    EXPECT_TRUE(CMeasureColorDlg::Edit(mgr));
+    EXPECT_EQ(mgr.m_color, (ColorRecord { 5, 1, 4, 0 }));
+    EXPECT_EQ(mgr.m_nPrecision, 5);
+    EXPECT_EQ(mgr.m_nFontSize, 3);
+    EXPECT_EQ(mgr.m_nFontBackground, 2);
+    QTest::qWait(20);
+    EXPECT_GT(window.paints, 0) << "the overlay repaints";
+}
+
+TEST(CMeasureColorDlg, CancelChangesNothing)
+{
+    CGVLElemMgr mgr;
+    OnModal([](QWidget& dialog) {
+        List(dialog, "precision")->setCurrentIndex(4);
+        List(dialog, "text")->setCurrentIndex(2);
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cancel")), Qt::LeftButton);
+    });
+    EXPECT_FALSE(CMeasureColorDlg::Edit(mgr));
+    EXPECT_EQ(mgr.m_color, (ColorRecord { 4, 3, 3, 4 }));
+    EXPECT_EQ(mgr.m_nPrecision, 2);
+}
+
+TEST(CMeasureColorDlg, ValuesOutsideTheListsSurviveOk)
+{
+    // A hand-edited settings file: precision 0 and font size 7, colour 9.
+    CMeasureColorDlg dialog;
+    dialog.m_nPrecision = 0;
+    dialog.m_nFontSize = 7;
+    dialog.m_nTextColor = 9;
+    dialog.m_nFontBackground = 2;
+    dialog.UpdateControls();
+    EXPECT_EQ(List(dialog, "precision")->currentIndex(), -1);
+    EXPECT_EQ(List(dialog, "fontBackground")->currentText(), "Gray");
+    dialog.accept();
+    EXPECT_EQ(dialog.m_nPrecision, 0);
+    EXPECT_EQ(dialog.m_nFontSize, 7);
+    EXPECT_EQ(dialog.m_nTextColor, 9);
+    EXPECT_EQ(dialog.m_nFontBackground, 2);
+}
+
+// Looked at by eye: run with OCULIX_SCREENSHOT_DIR set under xvfb-run.
+TEST(CMeasureColorDlg, Screenshot)
+{
+    CGVLElemMgr mgr;
+    CMeasureColorDlg dialog;
+    dialog.ReadFrom(mgr);
+    dialog.UpdateControls();
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    const QImage shot = dialog.grab().toImage();
+    EXPECT_GE(shot.width(), 200);
+    const QString folder = qEnvironmentVariable("OCULIX_SCREENSHOT_DIR");
+    QComboBox* text = List(dialog, "text");
+    text->showPopup();
+    QWidget* popup = text->view()->window();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(popup));
+    const QImage list = popup->grab().toImage();
+    EXPECT_GE(list.height(), 8 * 16) << "eight swatches";
+    if (!folder.isEmpty()) {
+        shot.save(QDir(folder).filePath(QStringLiteral("measure-setting.png")));
+        list.save(QDir(folder).filePath(QStringLiteral("measure-setting-colours.png")));
+    }
+    text->hidePopup();
+}
