@@ -28,6 +28,8 @@
 
 const QString CXCapGraph::kCameraLostMessage
     = QStringLiteral("The camera stopped sending pictures. It may have been unplugged.");
+const QString CXCapGraph::kCameraStartMessage
+    = QStringLiteral("The camera could not be started. It may be in use by another program.");
 const QString CXCapGraph::kRecordWriteMessage
     = QStringLiteral("The recording could not be written any further. Is the disk full?");
 const QString CXCapGraph::kStreamErrorMessage = QStringLiteral("The live video stopped because of an error.");
@@ -557,6 +559,7 @@ int CXCapGraph::RunGraph()
         m_errorSeen = false;
     }
     m_handlingError = false;
+    m_processState->GetStateB(&m_framesAtRun);
     return gst_element_set_state(m_graph, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE ? E_FAIL : S_OK;
 }
 
@@ -1120,9 +1123,13 @@ void CXCapGraph::OnStreamError(const QString& text, const QString& debug, const 
     if (IsRecordGraph() && source != QLatin1String("file"))
         FinishRecording();
     SetNull();
-    const QString message = source == QLatin1String("camera") ? kCameraLostMessage
-        : source == QLatin1String("file")                     ? kRecordWriteMessage
-                                                              : kStreamErrorMessage;
+    int frames = 0;
+    m_processState->GetStateB(&frames);
+    const bool started = frames != m_framesAtRun;
+    const QString message = source == QLatin1String("camera")
+        ? (started ? kCameraLostMessage : kCameraStartMessage)
+        : source == QLatin1String("file") ? kRecordWriteMessage
+                                          : kStreamErrorMessage;
     Fail(message, debug.isEmpty() ? text : text + QLatin1Char('\n') + debug);
     if (m_errorHandler)
         m_errorHandler(message);

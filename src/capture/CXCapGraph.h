@@ -45,6 +45,8 @@ public:
 
     // Shown when the running camera stops with an error (unplugged, broken).
     static const QString kCameraLostMessage;
+    // Shown when the camera fails before its first frame (busy, broken).
+    static const QString kCameraStartMessage;
     // Shown when the record file cannot be written any more.
     static const QString kRecordWriteMessage;
     // Shown for any other error of the running pipeline.
@@ -244,5 +246,6 @@ private:
     bool m_eosSeen = false;
     bool m_errorSeen = false;
     bool m_handlingError = false;
+    int m_framesAtRun = 0; // frames processed when the graph was last run
     std::function<void(const QString&)> m_errorHandler;
 };

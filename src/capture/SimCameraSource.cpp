@@ -237,6 +237,17 @@ gboolean SetCaps(GstBaseSrc* src, GstCaps* caps)
 gboolean Start(GstBaseSrc* src)
 {
     SimState* s = State(src);
+    QString name;
+    {
+        std::lock_guard lock(s->mutex);
+        name = s->cameraName;
+    }
+    if (FaultFor(name).busy) {
+        // As v4l2src words it for a device another program streams from.
+        GST_ELEMENT_ERROR(
+            src, RESOURCE, BUSY, ("Device is busy."), ("system error: Device or resource busy"));
+        return FALSE;
+    }
     s->frame = 0;
     std::lock_guard lock(s->mutex);
     s->framesDelivered = 0;

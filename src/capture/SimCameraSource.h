@@ -28,6 +28,8 @@ struct SimCameraFault
     // Deliver every n-th frame lateMs late (0: never).
     int lateEvery = 0;
     int lateMs = 0;
+    // Refuse to start, as a camera held by another program does.
+    bool busy = false;
 };
 void SetSimCameraFault(const QString& cameraName, const SimCameraFault& fault);
 void ClearSimCameraFaults();

@@ -3,6 +3,7 @@
 #include "image/ImageProcess.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -16,7 +17,7 @@
 
 namespace {
 
-constexpr unsigned kBandRows = 32;
+constexpr unsigned kBandRows = 16;
 
 std::size_t Stride(unsigned width)
 {
@@ -27,37 +28,89 @@ std::size_t Stride(unsigned width)
 // replace the picture's.
 void BlendRowTo(const uchar* row, const uchar* overlay, uchar* dst, unsigned width, std::size_t stride)
 {
-    constexpr unsigned kBlock = 16;
+    std::memcpy(dst, row, stride);
+    // Shapes are thin: most of the overlay is key, found eight bytes at a time.
+    constexpr std::uint64_t kKeys = 0x0101010101010101ull * kOverlayKey;
+    constexpr unsigned kBlock = 16; // pixels, 48 bytes, six words
     unsigned x = 0;
     for (; x + kBlock <= width; x += kBlock) {
         const uchar* o = overlay + 3 * std::size_t(x);
-        const uchar* p = row + 3 * std::size_t(x);
-        uchar* d = dst + 3 * std::size_t(x);
-        // Shapes are thin: most blocks are all key and copy straight through.
-        unsigned differs = 0;
-        for (unsigned k = 0; k < 3 * kBlock; ++k)
-            differs |= unsigned(o[k] ^ kOverlayKey);
-        if (differs == 0) {
-            std::memcpy(d, p, 3 * kBlock);
-            continue;
+        std::uint64_t differs = 0;
+        for (unsigned k = 0; k < 6; ++k) {
+            std::uint64_t word;
+            std::memcpy(&word, o + 8 * k, 8);
+            differs |= word ^ kKeys;
         }
+        if (differs == 0)
+            continue;
         for (unsigned k = 0; k < kBlock; ++k) {
             const uchar* op = o + 3 * k;
-            const bool key = op[0] == kOverlayKey && op[1] == kOverlayKey && op[2] == kOverlayKey;
-            const uchar* s = key ? p + 3 * k : op;
-            d[3 * k] = s[0];
-            d[3 * k + 1] = s[1];
-            d[3 * k + 2] = s[2];
+            if (!(op[0] == kOverlayKey && op[1] == kOverlayKey && op[2] == kOverlayKey))
+                std::memcpy(dst + 3 * (std::size_t(x) + k), op, 3);
         }
     }
     for (; x < width; ++x) {
         const uchar* op = overlay + 3 * std::size_t(x);
-        const bool key = op[0] == kOverlayKey && op[1] == kOverlayKey && op[2] == kOverlayKey;
-        const uchar* s = key ? row + 3 * std::size_t(x) : op;
-        std::memcpy(dst + 3 * std::size_t(x), s, 3);
+        if (!(op[0] == kOverlayKey && op[1] == kOverlayKey && op[2] == kOverlayKey))
+            std::memcpy(dst + 3 * std::size_t(x), op, 3);
     }
-    const std::size_t pixels = std::size_t(width) * 3;
-    std::memcpy(dst + pixels, row + pixels, stride - pixels);
+}
+
+// After gray every pixel is (v, v, v), so a negative and a binary that follow
+// act on v alone. Run on a ramp of the 256 gray pixels they give a table; a
+// binary makes it a step from one value to another, applied to every byte by
+// one comparison. Returns false when the table is not such a step.
+struct GrayStep
+{
+    int cut = 256; // values at or above it become high
+    uchar low = 0;
+    uchar high = 0;
+};
+
+bool GrayTailStep(const ProcessSwitches& s, GrayStep& step)
+{
+    uchar ramp[256 * 3];
+    for (int v = 0; v < 256; ++v)
+        ramp[3 * v] = ramp[3 * v + 1] = ramp[3 * v + 2] = uchar(v);
+    if (s.negative)
+        Negative(ramp, 256, 1);
+    if (s.binary)
+        Binary(ramp, 256, 1, s.binaryLevel);
+    step.low = ramp[0];
+    step.high = ramp[3 * 255];
+    step.cut = 256;
+    for (int v = 0; v < 256; ++v) {
+        const uchar out = ramp[3 * v];
+        if (ramp[3 * v + 1] != out || ramp[3 * v + 2] != out)
+            return false;
+        if (step.cut == 256 && out != step.low)
+            step.cut = v;
+        if (out != (v < step.cut ? step.low : step.high))
+            return false;
+    }
+    return true;
+}
+
+void ApplyStep(uchar* bits, unsigned width, unsigned rows, std::size_t stride, const GrayStep& step)
+{
+    const std::size_t bytes = std::size_t(width) * 3;
+    const uchar low = step.low;
+    const uchar high = step.high;
+    for (unsigned y = 0; y < rows; ++y) {
+        uchar* p = bits + y * stride;
+        if (step.cut >= 256 || step.cut <= 0) {
+            std::memset(p, step.cut <= 0 ? high : low, bytes);
+            continue;
+        }
+        const auto cut = uchar(step.cut);
+        // Fixed-length blocks the compiler turns into vector compares.
+        std::size_t i = 0;
+        for (; i + 64 <= bytes; i += 64)
+            for (unsigned k = 0; k < 64; ++k)
+                p[i + k] = p[i + k] >= cut ? high : low;
+        for (; i < bytes; ++i)
+            p[i] = p[i] >= cut ? high : low;
+    }
 }
 
 } // namespace
@@ -70,6 +123,9 @@ void FusedProcess(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptr
     const std::size_t stride = Stride(width);
     const unsigned above = s.sharpen ? 1 : 0;
     const unsigned below = (s.emboss ? 1 : 0) + (s.sharpen ? 1 : 0);
+
+    GrayStep step;
+    const bool useStep = s.gray && s.binary && GrayTailStep(s, step);
 
     thread_local std::vector<uchar> scratch;
     scratch.resize(stride * (kBandRows + above + below));
@@ -89,10 +145,14 @@ void FusedProcess(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptr
             MirrorHorizontal(band, width, n);
         if (s.gray)
             Gray(band, width, n);
-        if (s.negative)
-            Negative(band, width, n);
-        if (s.binary)
-            Binary(band, width, n, s.binaryLevel);
+        if (useStep) {
+            ApplyStep(band, width, n, stride, step);
+        } else {
+            if (s.negative)
+                Negative(band, width, n);
+            if (s.binary)
+                Binary(band, width, n, s.binaryLevel);
+        }
         if (s.emboss)
             // Exact for every band row but the last, which is exact only as
             // the picture's last row; sharpen and the output stop short of it.

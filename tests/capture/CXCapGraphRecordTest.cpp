@@ -232,6 +232,21 @@ TEST_F(Recording, PulledCameraWhilePreviewingIsReportedOnce)
     EXPECT_TRUE(WaitFreshFrames(graph));
 }
 
+TEST_F(Recording, CameraThatCannotStartIsReportedAsSuch)
+{
+    graph.StopGraph();
+    SimCameraFault busy;
+    busy.busy = true;
+    SetSimCameraFault(kCamera, busy);
+    EXPECT_EQ(graph.RunGraph(), E_FAIL);
+    ASSERT_TRUE(PumpUntil([&] { return !messages.Texts().isEmpty(); }));
+    EXPECT_EQ(messages.Texts(), QStringList({ CXCapGraph::kCameraStartMessage }));
+    EXPECT_TRUE(messages.Requests()[0].details.contains(QStringLiteral("busy")));
+    ClearSimCameraFaults();
+    ASSERT_EQ(graph.RunGraph(), S_OK);
+    EXPECT_TRUE(WaitFreshFrames(graph));
+}
+
 TEST_F(Recording, UnwritablePathAndFullDiskAreReported)
 {
     StartRecording(dir.filePath(QStringLiteral("no/such/folder/clip.avi")));

@@ -87,6 +87,28 @@ TEST(FusedProcess, EqualsTheStillChainForEverySwitchCombination)
     }
 }
 
+// Gray followed by a binary collapses into one comparison; every level,
+// including those that make the picture all black or all white.
+TEST(FusedProcess, GrayThenBinaryAtEveryLevel)
+{
+    const unsigned w = 29;
+    const unsigned h = 21;
+    const std::vector<uchar> picture = RandomPicture(w, h, 5);
+    for (int level = -3; level <= 260; ++level) {
+        for (bool negative : { false, true }) {
+            ProcessSwitches s;
+            s.gray = true;
+            s.negative = negative;
+            s.binary = true;
+            s.binaryLevel = level;
+            std::vector<uchar> out(picture.size(), 0xEE);
+            FusedProcess(picture.data(), std::ptrdiff_t(Stride(w)), out.data(), std::ptrdiff_t(Stride(w)), w,
+                h, s, nullptr);
+            ASSERT_TRUE(out == StillChain(picture, w, h, s)) << "level " << level << " negative " << negative;
+        }
+    }
+}
+
 TEST(FusedProcess, ReadsAndWritesRowsInAnyOrderAndStride)
 {
     const unsigned w = 37;
