@@ -33,7 +33,61 @@ if [ "${1:-}" = --inside ]; then
   xdotool key Escape Escape
   sleep 0.3
 
+  # Shapes on the live video: "&Line" and "&Circle" from the Measure menu
+  # (by their mnemonics), each dragged over the picture.
+  measure() { xdotool mousemove 110 8 click 1; sleep 0.4; xdotool key "$1"; sleep 0.3; }
+  drag() {
+    xdotool mousemove "$1" "$2" mousedown 1
+    sleep 0.1
+    xdotool mousemove $((($1 + $3) / 2)) $((($2 + $4) / 2))
+    sleep 0.1
+    xdotool mousemove "$3" "$4"
+    sleep 0.1
+    xdotool mouseup 1
+    sleep 0.3
+  }
+  measure l
+  drag 500 300 900 300
+  drag 500 350 700 600
+  measure c
+  drag 1000 500 1100 500
+  sleep 1
+  import -window root "$out/live-shapes.png"
+
+  # The calibration dialog with its ruler, then the measure settings.
+  measure n
+  sleep 1
+  import -window root "$out/calibration-dialog.png"
+  measure n
+  measure s
+  sleep 1
+  import -window root "$out/measure-settings.png"
+  xdotool key Escape
+  sleep 0.3
+
   # SIGTERM ends the program the orderly way; its exit status must be 0.
+  kill -TERM "$pid"
+  wait "$pid"
+  exit
+fi
+
+# A picture document: the program opened with a picture on its command line.
+if [ "${1:-}" = --inside-picture ]; then
+  program=$2 out=$3 picture=$4
+  "$program" "$picture" &
+  pid=$!
+  for _ in $(seq 100); do
+    xdotool search --onlyvisible --class Oculix >/dev/null 2>&1 && break
+    sleep 0.1
+  done
+  sleep 2
+  xdotool mousemove 110 8 click 1
+  sleep 0.4
+  xdotool key c
+  sleep 0.3
+  xdotool mousemove 700 450 mousedown 1 mousemove 760 450 mousemove 820 450 mouseup 1
+  sleep 1
+  import -window root "$out/picture-document.png"
   kill -TERM "$pid"
   wait "$pid"
   exit
@@ -57,5 +111,9 @@ trap 'rm -rf "$DATA"' EXIT
 
 OCULIX_DATA_DIR="$DATA" XDG_CONFIG_HOME="$DATA/config" \
   xvfb-run -a -s "-screen 0 1600x1000x24" "$0" --inside "$BUILD/src/app/Oculix" "$OUT" "$@"
+convert -size 900x640 plasma:fractal -seed 7 -blur 0x2 "$DATA/specimen.bmp" 2>/dev/null \
+  || convert -size 900x640 gradient:navy-orange "$DATA/specimen.bmp"
+OCULIX_DATA_DIR="$DATA" XDG_CONFIG_HOME="$DATA/config" \
+  xvfb-run -a -s "-screen 0 1600x1000x24" "$0" --inside-picture "$BUILD/src/app/Oculix" "$OUT" "$DATA/specimen.bmp"
 echo "screenshots in $OUT:"
 ls -1 "$OUT"/*.png

@@ -63,7 +63,9 @@ CMainFrame::CMainFrame(int langId, QWidget* parent)
             menu->setFont(font);
     }
 
-    connect(m_mdiArea, &QMdiArea::subWindowActivated, this, [this] {
+    connect(m_mdiArea, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* window) {
+        if (auto* child = qobject_cast<CChildFrame*>(window))
+            m_lastActive = child;
         UpdateWindowTitle();
         UpdateCommandUI();
     });
@@ -237,6 +239,7 @@ void CMainFrame::AddChildFrame(CChildFrame* child)
             m_mdiArea->setViewMode(QMdiArea::TabbedView);
     });
     child->show();
+    m_lastActive = child;
     m_mdiArea->setActiveSubWindow(child);
     UpdateWindowTitle();
 }
@@ -247,7 +250,12 @@ CChildFrame* CMainFrame::MDIGetActive() const
         return child;
     // Without window focus (an inactive or offscreen frame) the area reports
     // no active window; the current one is still the one the user sees.
-    return qobject_cast<CChildFrame*>(m_mdiArea->currentSubWindow());
+    if (auto* child = qobject_cast<CChildFrame*>(m_mdiArea->currentSubWindow()))
+        return child;
+    // A child being destroyed has already let its document go.
+    if (m_lastActive && m_lastActive->GetActiveDocument() && m_lastActive->isVisible())
+        return m_lastActive;
+    return nullptr;
 }
 
 std::vector<CChildFrame*> CMainFrame::GetChildFrames() const

@@ -3,6 +3,7 @@
 #include "app/CCmdTarget.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <map>
 #include <vector>
@@ -83,4 +84,7 @@ private:
     std::map<int, QAction*> m_actions;
     std::map<int, QToolBar*> m_toolBars;
     std::vector<QAction*> m_windowListActions;
+    // The child the user saw last; the area forgets it when the frame itself
+    // becomes active before any child did.
+    QPointer<CChildFrame> m_lastActive;
 };

@@ -3,6 +3,7 @@
 #include "app/CDocTemplate.h"
 #include "app/CExitSignalWatcher.h"
 #include "app/CMainFrame.h"
+#include "app/CMeasureDoc.h"
 #include "app/CommandTable.h"
 #include "capture/CameraModels.h"
 #include "capture/SimDeviceProvider.h"
@@ -28,6 +29,8 @@ CMeasureApp::CMeasureApp()
     Q_ASSERT(!g_app);
     g_app = this;
     MapCommand(ID_FILE_NEW, [this] { OnFileNew(); });
+    // One live document at most: a new preview only while there is none.
+    MapUpdate(ID_FILE_NEW, [](CCmdUI& ui) { ui.Enable(!CMeasureDoc::GetLiveDocument()); });
     MapCommand(ID_FILE_OPEN, [this] { OnFileOpen(); });
 }
 

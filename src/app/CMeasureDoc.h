@@ -1,0 +1,193 @@
+#pragma once
+
+#include "app/CDocument.h"
+#include "capture/CXCapGraph.h"
+#include "image/FCObjImage.h"
+#include "image/ProcessSwitches.h"
+#include "measure/IMeasureDocument.h"
+
+#include <QSize>
+#include <QString>
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+class CCmdUI;
+class CGVLElemMgr;
+class CRulerSettingDlg;
+class QWidget;
+
+// One measuring document: the live document, which shows the camera, or a
+// picture document, which holds one still picture (a capture or a file).
+// Both own their shapes. The settings are read when the document is made and
+// written back when it goes, so the last document closed wins.
+//
+// Threads: everything runs on the user-interface thread except the overlay
+// worker of the live document, which redraws the shapes every 30 ms into the
+// buffer the processing element does not read, then publishes it.
+class CMeasureDoc : public CDocument, public IMeasureDocument
+{
+    Q_OBJECT
+
+public:
+    // Tool codes of the drawing commands.
+    static constexpr int kZoomActualSize = 4;
+    static constexpr int kOverlayPeriodMs = 30;
+
+    // openingFile: made for a picture file, so it never opens the camera.
+    // settingsFile: empty takes the process's settings file.
+    explicit CMeasureDoc(bool openingFile, const QString& settingsFile = QString());
+    ~CMeasureDoc() override;
+
+    // The process's live document, or null.
+    static CMeasureDoc* GetLiveDocument();
+
+    bool OnNewDocument() override;
+    bool OnOpenDocument(const QString& path) override;
+
+    // IMeasureDocument
+    CGVLElemMgr& GetElemMgr() override { return *m_pElemMgr; }
+    int GetCurrentTool() const override { return m_nCurTool; }
+    bool IsLive() const override { return m_bLive; }
+    int GetDisplayMode() const override { return m_nDisplayMode; }
+    const FCObjImage* GetPicture() const override;
+    int GetZoomIndex() const override { return m_nZoom; }
+    QSize GetImageSize() const override { return QSize(m_nImageWidth, m_nImageHeight); }
+    CRulerSettingDlg* GetCalibrationDialog() override { return m_pCalibrationDlg.get(); }
+    void OnVideoDoubleClick() override;
+
+    // The view's part of becoming live: builds and runs the preview into
+    // videoOwner, allocates the overlay buffers, starts the worker. False
+    // (nothing started) without a camera or while another document is live.
+    bool StartLive(QWidget* videoOwner);
+    bool HasCamera() const { return m_bHasCamera; }
+    bool IsPreviewRunning() const { return m_bPreviewRunning; }
+    bool HasImage() const { return m_bHasImage; }
+    CXCapGraph& GetGraph() { return m_graph; }
+    // The live frame size for the live document, else the picture's.
+    QSize QueryImageSize();
+
+    void SetZoomIndex(int index);
+    void SetCurrentTool(int tool) { m_nCurTool = tool; }
+    bool IsSolidCrossLine() const { return m_bCrossSolid; }
+    bool IsDashedCrossLine() const { return m_bCrossDashed; }
+    bool IsFlipped() const { return m_switches.flip; }
+    bool IsMirrored() const { return m_switches.mirror; }
+    bool IsProcessingEnabled() const { return m_bProcessEnabled; }
+    const ProcessSwitches& GetSwitches() const { return m_switches; }
+    bool IsCalibrationShown() const { return m_bCalibrationShown; }
+    const FCObjImage& GetUnprocessedImage() const { return m_unprocessed; }
+
+    // Drawing commands may run: pictures only at 100 %, the live video when
+    // paused, or running with processing on at 100 %, so shape coordinates
+    // stay picture pixels.
+    bool CanDraw() const;
+
+    // Commands, callable directly (tests) or through the command route.
+    void Pause();
+    void Preview();
+    void ToggleCalibration();
+    void ToggleSolidCrossLine();
+    void ToggleDashedCrossLine();
+    void ToggleFlip();
+    void ToggleMirror();
+    void ToggleProcessEnable();
+    // on/off with the dialog's slider position; the level used is 255 - slider.
+    void SetBinary(bool on, int slider);
+    void ExportData();
+    // The new-document path of the application, which makes a picture
+    // document from the live frame.
+    static void CaptureToNewDocument();
+
+    // The overlay worker is running (tests).
+    bool IsOverlayWorkerRunning() const { return m_overlayThread.joinable(); }
+    // Overlay workers of all documents that have not ended yet.
+    static int RunningOverlayWorkers();
+    // How many overlays the worker has published (tests, diagnostics).
+    unsigned OverlaysDrawn() const { return m_nOverlayCount; }
+
+    // Asks for the CSV path with the proposed name (no extension); empty
+    // cancels. Replaceable as a whole (tests); returns the previous one.
+    using ExportDialogHandler = std::function<QString(QWidget* parent, const QString& proposedName)>;
+    static ExportDialogHandler SetExportDialogHandler(ExportDialogHandler handler);
+
+signals:
+    // The frame size or the zoom changed: the view lays itself out again.
+    void layoutNeeded();
+
+private:
+    void ReadSettings();
+    void WriteSettings() const;
+    void MapCommands();
+    void MapTool(int id, int tool);
+    void MapToggle(int id, bool ProcessSwitches::*flag, int (CXCapGraph::*apply)(int));
+    void UpdateTool(CCmdUI& ui, int tool) const;
+    void UpdateCameraCommand(CCmdUI& ui, bool needsRunning) const;
+    void DeleteAll();
+    void ReapplyPicture();
+    void ReadBackState();
+    void OnBinaryCommand();
+    void OnMeasureSetting();
+    void OnChangeDevice();
+    void OnVideoResolution();
+    void OnFullScreen();
+    void AfterGraphRebuilt();
+    void RepaintOverlayWindow();
+    QWidget* DialogParent() const;
+    // The current frame of the graph into picture (24 bits); false when the
+    // camera has given no frame yet.
+    bool Snapshot(FCObjImage& picture);
+    bool SnapshotFromLive();
+
+    void AllocateOverlays(unsigned width, unsigned height);
+    void StartOverlayWorker();
+    // Stops and joins the worker, then makes sure the processing element no
+    // longer reads the buffers.
+    void StopOverlayWorker();
+    void MakeElemOverlay();
+    void StopLive();
+
+    std::unique_ptr<CGVLElemMgr> m_pElemMgr;
+    CXCapGraph m_graph;
+    QString m_settingsFile;
+
+    int m_nCurTool = 0;
+    bool m_bCrossSolid = false;
+    bool m_bCrossDashed = false;
+    bool m_bProcessEnabled = true;
+    ProcessSwitches m_switches;
+    int m_nCameraType = 1;
+    int m_nDisplayMode = 2;
+    QString m_strDevice;
+    int m_nZoom = kZoomActualSize;
+    int m_nImageWidth = 1280;
+    int m_nImageHeight = 1024;
+    bool m_bOpeningFile = false;
+    std::atomic<bool> m_bLive { false };
+    bool m_bHasCamera = false;
+    std::atomic<bool> m_bPreviewRunning { false };
+    bool m_bHasImage = false;
+    FCObjImage m_image;
+    FCObjImage m_unprocessed;
+
+    // The overlay: two frame-size buffers, the one last completed published
+    // through m_pCurrentOverlay, whose address the processing element holds.
+    std::vector<uchar> m_overlayA;
+    std::vector<uchar> m_overlayB;
+    unsigned m_nOverlayWidth = 0;
+    unsigned m_nOverlayHeight = 0;
+    alignas(sizeof(uchar*)) uchar* m_pCurrentOverlay = nullptr;
+    std::thread m_overlayThread;
+    std::mutex m_stopMutex;
+    std::condition_variable m_stopCv;
+    bool m_bStopOverlay = false;
+    std::atomic<unsigned> m_nOverlayCount { 0 };
+
+    std::unique_ptr<CRulerSettingDlg> m_pCalibrationDlg;
+    bool m_bCalibrationShown = false;
+};

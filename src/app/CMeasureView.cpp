@@ -1,0 +1,141 @@
+#include "app/CMeasureView.h"
+
+#include "app/CDocTemplate.h"
+#include "app/CMainFrame.h"
+#include "app/CMeasureDoc.h"
+#include "app/CommandTable.h"
+#include "measure/CGVLElemMgr.h"
+#include "measure/CGVLWnd.h"
+#include "platform/DebugLog.h"
+
+#include <QPainter>
+#include <QScrollBar>
+
+namespace {
+
+const QColor kMarginGray(0x80, 0x80, 0x80);
+
+} // namespace
+
+CMeasureView::CMeasureView(CMeasureDoc& document, QWidget* parent)
+    : QAbstractScrollArea(parent)
+    , CView(document)
+    , m_document(document)
+    , m_pOverlayWnd(new CGVLWnd(document, viewport()))
+{
+    setObjectName(QStringLiteral("MeasureView"));
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    // Painting only the margins leaves nothing to erase.
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    m_pOverlayWnd->setObjectName(QStringLiteral("OverlayWnd"));
+    m_pOverlayWnd->setProperty("controlId", CGVLWnd::kControlId);
+    {
+        CGVLElemMgr& mgr = document.GetElemMgr();
+        const auto lock = mgr.Lock();
+        mgr.m_hWnd = m_pOverlayWnd;
+    }
+    document.GetElemMgr().CreateShape(9);
+    m_pOverlayWnd->show();
+
+    connect(&document, &CMeasureDoc::layoutNeeded, this, [this] { Layout(); });
+    MapCommand(ID_ZOOM, [this] {
+        if (auto* frame = qobject_cast<CMainFrame*>(window()))
+            m_document.SetZoomIndex(frame->GetZoomIndex());
+    });
+}
+
+CMeasureView::~CMeasureView()
+{
+    // The overlay window goes with the view; the document must not reach it.
+    CGVLElemMgr& mgr = m_document.GetElemMgr();
+    const auto lock = mgr.Lock();
+    mgr.m_hWnd = nullptr;
+}
+
+std::unique_ptr<CDocTemplate> CMeasureView::CreateDocTemplate()
+{
+    return std::make_unique<CDocTemplate>(
+        QStringLiteral("Measure"),
+        [](const QString& path) { return std::make_unique<CMeasureDoc>(!path.isEmpty()); },
+        [](CDocument& document) -> QWidget* {
+            return new CMeasureView(static_cast<CMeasureDoc&>(document));
+        });
+}
+
+QSize CMeasureView::DisplayedSize(const QSize& image, int zoomIndex)
+{
+    if (zoomIndex < 0 || zoomIndex > 9)
+        return QSize(0, 0);
+    return CGVLWnd::DisplayedSize(image, zoomIndex);
+}
+
+void CMeasureView::OnInitialUpdate()
+{
+    if (m_document.HasCamera() && !CMeasureDoc::GetLiveDocument())
+        m_document.StartLive(m_pOverlayWnd);
+    Layout();
+    // The calibration dialog exists, hidden, from the start; the first
+    // command shows it with the ruler.
+    m_document.ToggleCalibration();
+}
+
+void CMeasureView::Layout()
+{
+    const QSize image = m_document.QueryImageSize();
+    m_displayed = DisplayedSize(image, m_document.GetZoomIndex());
+
+    const QSize client = viewport()->size();
+    horizontalScrollBar()->setRange(0, std::max(0, m_displayed.width() - client.width()));
+    horizontalScrollBar()->setPageStep(client.width());
+    verticalScrollBar()->setRange(0, std::max(0, m_displayed.height() - client.height()));
+    verticalScrollBar()->setPageStep(client.height());
+    m_ptOffset = QPoint(client.width() > m_displayed.width() ? (client.width() - m_displayed.width()) / 2 : 0,
+        client.height() > m_displayed.height() ? (client.height() - m_displayed.height()) / 2 : 0);
+    qCDebug(lcApp, "rect:%d, %d, %d, %d", 0, 0, client.width(), client.height());
+
+    PlaceOverlayWindow();
+    if (m_document.IsLive()) {
+        m_document.GetGraph().SetParentWnd(m_pOverlayWnd, 0, 0, m_displayed.width(), m_displayed.height());
+        qCDebug(lcApp, "display %d, %d", m_displayed.width(), m_displayed.height());
+        qCDebug(lcApp, "pic %d, %d ,%d, %d", m_pOverlayWnd->x(), m_pOverlayWnd->geometry().bottom(),
+            image.width(), image.height());
+    }
+    // The shapes see picture coordinates relative to the picture's corner.
+    const QPoint origin(client.width() > image.width() ? 0 : m_ptOffset.x(),
+        client.height() > image.height() ? 0 : m_ptOffset.y());
+    m_document.GetElemMgr().SetOrigin(origin);
+    viewport()->update();
+}
+
+void CMeasureView::PlaceOverlayWindow()
+{
+    const QPoint scroll(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    m_pOverlayWnd->setGeometry(QRect(m_ptOffset - scroll, m_displayed));
+    m_pOverlayWnd->raise();
+    m_pOverlayWnd->show();
+}
+
+void CMeasureView::resizeEvent(QResizeEvent* event)
+{
+    QAbstractScrollArea::resizeEvent(event);
+    Layout();
+}
+
+void CMeasureView::scrollContentsBy(int, int)
+{
+    const QPoint scroll(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    m_document.GetElemMgr().SetOrigin(-scroll);
+    PlaceOverlayWindow();
+    viewport()->update();
+}
+
+void CMeasureView::paintEvent(QPaintEvent*)
+{
+    QPainter dc(viewport());
+    const QRect client = viewport()->rect();
+    const QRect image(
+        m_ptOffset - QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value()), m_displayed);
+    for (const QRect& margin : QRegion(client) - QRegion(image))
+        dc.fillRect(margin, kMarginGray);
+}

@@ -1,0 +1,270 @@
+#include "MeasureFrameFixture.h"
+#include "app/CommandTable.h"
+#include "calibration/CRulerSettingDlg.h"
+#include "image/FCObjImage.h"
+#include "platform/PrivateProfile.h"
+
+#include <QComboBox>
+#include <QRegularExpression>
+
+namespace {
+
+QStringList ReadLines(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromLatin1(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+// A picture whose every pixel differs from its vertical mirror image.
+QString WriteGradient(const QString& path, int width, int height)
+{
+    FCObjImage picture(width, height, 24);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            picture.SetPixelColor(x, y, qRgb(x * 4 % 256, y * 3 % 256, (x + y) % 256));
+    EXPECT_TRUE(picture.Save(path));
+    return path;
+}
+
+} // namespace
+
+TEST_F(MeasureFrameTest, LiveVideoComesUpAndALineDrawnOnItIsExported)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    EXPECT_EQ(ActiveDoc(), live);
+    EXPECT_EQ(live->GetTitle(), QStringLiteral("Video"));
+    EXPECT_TRUE(live->IsLive());
+    EXPECT_TRUE(live->IsPreviewRunning());
+    EXPECT_TRUE(live->IsOverlayWorkerRunning());
+    EXPECT_EQ(live->GetImageSize(), live->QueryImageSize());
+    EXPECT_FALSE(frame->QueryCommand(ID_FILE_NEW).IsEnabled()) << "one live document at most";
+    // The calibration dialog exists, hidden, and the ruler is element 0.
+    ASSERT_NE(live->GetCalibrationDialog(), nullptr);
+    EXPECT_FALSE(live->GetCalibrationDialog()->isVisible());
+    EXPECT_EQ(ShapeType(*live, 0), 9);
+
+    // Nothing to export while only the ruler exists: no dialog at all.
+    int dialogs = 0;
+    const QString csv = home.filePath("out.csv");
+    CMeasureDoc::SetExportDialogHandler([&](QWidget*, const QString& proposed) {
+        ++dialogs;
+        EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d{14}$")).match(proposed).hasMatch())
+            << proposed.toStdString();
+        return csv;
+    });
+    EXPECT_TRUE(frame->RouteCommand(ID_MEASURE_EXPORT));
+    EXPECT_EQ(dialogs, 0);
+
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
+    EXPECT_EQ(live->GetCurrentTool(), 2);
+    EXPECT_TRUE(frame->QueryCommand(ID_MEASURE_LINE).IsChecked());
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(200, 300), QPoint(400, 300));
+    ASSERT_EQ(ShapeCount(*live), 2u);
+    EXPECT_EQ(ShapeType(*live, 1), 2);
+
+    // The worker keeps publishing overlays while the video runs.
+    const unsigned drawn = live->OverlaysDrawn();
+    EXPECT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= drawn + 2; }, 2000));
+
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_EXPORT));
+    EXPECT_EQ(dialogs, 1);
+    // 200 pixels at the default 0.2 mm per pixel, one decimal.
+    EXPECT_EQ(ReadLines(csv), (QStringList { "No.,Type,Result,Unit", "1,Line distance,40.0, mm" }));
+}
+
+TEST_F(MeasureFrameTest, ExportToAnUnwritablePlaceSaysSo)
+{
+    Start(false, { WriteGradient(home.filePath("p.bmp"), 64, 48) });
+    CMeasureDoc* doc = ActiveDoc();
+    ASSERT_NE(doc, nullptr);
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(5, 5), QPoint(40, 5));
+    ASSERT_EQ(ShapeCount(*doc), 2u);
+    CMeasureDoc::SetExportDialogHandler(
+        [&](QWidget*, const QString&) { return home.filePath("no/such/folder/x.csv"); });
+    messages.clear();
+    frame->RouteCommand(ID_MEASURE_EXPORT);
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_TRUE(messages.front().contains(QStringLiteral("no/such/folder/x.csv")));
+}
+
+TEST_F(MeasureFrameTest, CaptureMakesAPictureDocumentToMeasureOnAt100PercentOnly)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_TRUE(frame->QueryCommand(ID_CAMERA_CAPTURE).IsEnabled());
+    ASSERT_TRUE(frame->RouteCommand(ID_CAMERA_CAPTURE));
+    ASSERT_EQ(frame->GetChildFrames().size(), 2u);
+    CMeasureDoc* picture = ActiveDoc();
+    ASSERT_NE(picture, live);
+    EXPECT_FALSE(picture->IsLive());
+    ASSERT_NE(picture->GetPicture(), nullptr);
+    EXPECT_EQ(picture->GetPicture()->ColorBits(), 24);
+    EXPECT_EQ(picture->GetImageSize(), live->GetImageSize());
+    EXPECT_EQ(picture->GetUnprocessedImage().Width(), picture->GetImageSize().width());
+
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_CIRCLE));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(300, 300), QPoint(350, 300));
+    ASSERT_EQ(ShapeCount(*picture), 2u);
+    EXPECT_EQ(ShapeType(*picture, 1), 6);
+    EXPECT_EQ(ShapeCount(*live), 1u) << "each document has its own shapes";
+
+    // 150 %: the tool goes back to none and no drawing command is offered.
+    frame->GetZoomBox()->setCurrentIndex(2);
+    ASSERT_TRUE(frame->RouteCommand(ID_ZOOM));
+    EXPECT_EQ(picture->GetZoomIndex(), 2);
+    EXPECT_EQ(picture->GetCurrentTool(), 0);
+    for (int id :
+        { ID_MEASURE_LINE, ID_MEASURE_CIRCLE, ID_MEASURE_POINT, ID_MEASURE_MOVE, ID_MEASURE_DELETE_ALL })
+        EXPECT_FALSE(frame->QueryCommand(id).IsEnabled()) << id;
+    const QSize image = picture->GetImageSize();
+    EXPECT_EQ(ActiveView()->GetOverlayWnd()->size(), QSize(image.width() * 3 / 2, image.height() * 3 / 2));
+    frame->GetZoomBox()->setCurrentIndex(4);
+    ASSERT_TRUE(frame->RouteCommand(ID_ZOOM));
+    EXPECT_TRUE(frame->QueryCommand(ID_MEASURE_LINE).IsEnabled());
+}
+
+TEST_F(MeasureFrameTest, PausedVideoTakesShapesAndKeepsThemWhenItRunsAgain)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    EXPECT_FALSE(frame->QueryCommand(ID_CAMERA_PREVIEW).IsEnabled());
+    ASSERT_TRUE(frame->RouteCommand(ID_CAMERA_PAUSE));
+    EXPECT_FALSE(live->IsPreviewRunning());
+    ASSERT_NE(live->GetPicture(), nullptr) << "the frozen frame is shown";
+    EXPECT_TRUE(live->GetPicture()->IsValidImage());
+    EXPECT_FALSE(frame->QueryCommand(ID_CAMERA_PAUSE).IsEnabled());
+
+    // While paused drawing is allowed at any zoom.
+    live->SetZoomIndex(2);
+    EXPECT_TRUE(frame->QueryCommand(ID_MEASURE_RECT).IsEnabled());
+    live->SetZoomIndex(4);
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_RECT));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(100, 200), QPoint(220, 280));
+    ASSERT_EQ(ShapeCount(*live), 2u);
+    EXPECT_EQ(ShapeType(*live, 1), 4);
+
+    ASSERT_TRUE(frame->RouteCommand(ID_CAMERA_PREVIEW));
+    EXPECT_TRUE(live->IsPreviewRunning());
+    EXPECT_EQ(live->GetPicture(), nullptr);
+    EXPECT_EQ(ShapeCount(*live), 2u);
+    const unsigned drawn = live->OverlaysDrawn();
+    EXPECT_TRUE(WaitFor([&] { return live->OverlaysDrawn() > drawn; }, 2000));
+    // Running at another zoom: no drawing, the overlay would not match.
+    live->SetZoomIndex(2);
+    EXPECT_FALSE(frame->QueryCommand(ID_MEASURE_RECT).IsEnabled());
+    live->SetZoomIndex(4);
+    frame->RouteCommand(ID_PROCESS_ENABLE);
+    EXPECT_FALSE(live->IsProcessingEnabled());
+    EXPECT_FALSE(frame->QueryCommand(ID_MEASURE_RECT).IsEnabled());
+}
+
+TEST_F(MeasureFrameTest, FlipMirrorAndGrayRerunFromTheUnprocessedPicture)
+{
+    const QString path = WriteGradient(home.filePath("g.bmp"), 36, 21);
+    Start(false, { path });
+    CMeasureDoc* doc = ActiveDoc();
+    ASSERT_NE(doc, nullptr);
+    EXPECT_FALSE(doc->IsLive());
+    EXPECT_EQ(doc->GetTitle(), QStringLiteral("g.bmp"));
+    FCObjImage original;
+    ASSERT_TRUE(original.Load(path));
+    const FCObjImage& shown = *doc->GetPicture();
+
+    ASSERT_TRUE(frame->RouteCommand(ID_PROCESS_FLIP));
+    EXPECT_TRUE(frame->QueryCommand(ID_PROCESS_FLIP).IsChecked());
+    for (int y = 0; y < 21; ++y)
+        for (int x = 0; x < 36; ++x)
+            ASSERT_EQ(shown.GetPixelColor(x, y), original.GetPixelColor(x, 20 - y)) << x << "," << y;
+
+    ASSERT_TRUE(frame->RouteCommand(ID_PROCESS_MIRROR));
+    EXPECT_EQ(shown.GetPixelColor(0, 0), original.GetPixelColor(35, 20));
+    EXPECT_EQ(shown.GetPixelColor(5, 3), original.GetPixelColor(30, 17));
+
+    // Off again: exactly the picture that was opened, nothing accumulated.
+    frame->RouteCommand(ID_PROCESS_FLIP);
+    frame->RouteCommand(ID_PROCESS_MIRROR);
+    for (int y = 0; y < 21; ++y)
+        for (int x = 0; x < 36; ++x)
+            ASSERT_EQ(shown.GetPixelColor(x, y), original.GetPixelColor(x, y));
+
+    frame->RouteCommand(ID_PROCESS_GRAY);
+    const QRgb gray = shown.GetPixelColor(10, 10);
+    EXPECT_EQ(qRed(gray), qGreen(gray));
+    EXPECT_EQ(qGreen(gray), qBlue(gray));
+    EXPECT_TRUE(frame->QueryCommand(ID_PROCESS_GRAY).IsChecked());
+
+    // Binary: the slider at 255 sends level 0, which turns everything white.
+    frame->RouteCommand(ID_PROCESS_GRAY);
+    doc->SetBinary(true, 255);
+    EXPECT_EQ(doc->GetSwitches().binaryLevel, 0);
+    EXPECT_EQ(shown.GetPixelColor(3, 3), qRgb(255, 255, 255));
+    doc->SetBinary(false, 0);
+    EXPECT_EQ(shown.GetPixelColor(3, 3), original.GetPixelColor(3, 3));
+}
+
+TEST_F(MeasureFrameTest, OneCrossLineAtATimeAndTheManagerFollows)
+{
+    Start(false, { WriteGradient(home.filePath("c.bmp"), 16, 16) });
+    CMeasureDoc* doc = ActiveDoc();
+    ASSERT_NE(doc, nullptr);
+    CGVLElemMgr& mgr = doc->GetElemMgr();
+    frame->RouteCommand(ID_VIEW_DASHED_CROSSLINE);
+    frame->RouteCommand(ID_VIEW_CROSSLINE);
+    EXPECT_TRUE(frame->QueryCommand(ID_VIEW_CROSSLINE).IsChecked());
+    EXPECT_FALSE(frame->QueryCommand(ID_VIEW_DASHED_CROSSLINE).IsChecked());
+    EXPECT_EQ(mgr.m_bCrossSolid, 1);
+    EXPECT_EQ(mgr.m_bCrossDashed, 0);
+    frame->RouteCommand(ID_VIEW_CROSSLINE);
+    EXPECT_EQ(mgr.m_bCrossSolid, 0);
+    EXPECT_EQ(mgr.m_bCrossDashed, 0);
+}
+
+TEST_F(MeasureFrameTest, ViewCentresASmallPictureAndShowsItAtTheStoredZoom)
+{
+    QDir().mkpath(home.filePath("data"));
+    WritePrivateProfileString("Video", "CurSel", "7", SettingsFile());
+    Start(false, { WriteGradient(home.filePath("s.bmp"), 40, 30) });
+    CMeasureView* view = ActiveView();
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(ActiveDoc()->GetZoomIndex(), 7);
+    const QSize client = view->viewport()->size();
+    EXPECT_EQ(view->GetOverlayWnd()->geometry(),
+        QRect(QPoint((client.width() - 20) / 2, (client.height() - 15) / 2), QSize(20, 15)));
+
+    EXPECT_EQ(CMeasureView::DisplayedSize(QSize(1280, 1024), 9), QSize(320, 256));
+    EXPECT_EQ(CMeasureView::DisplayedSize(QSize(1280, 1024), 6), QSize(853, 682));
+    EXPECT_EQ(CMeasureView::DisplayedSize(QSize(1280, 1024), 12), QSize(0, 0));
+    EXPECT_EQ(CMeasureView::DisplayedSize(QSize(1280, 1024), 0), QSize(3200, 2560));
+}
+
+TEST_F(MeasureFrameTest, CalibrationCommandShowsAndHidesTheDialogWithTheRuler)
+{
+    Start(false, { WriteGradient(home.filePath("k.bmp"), 300, 200) });
+    CMeasureDoc* doc = ActiveDoc();
+    CRulerSettingDlg* dialog = doc->GetCalibrationDialog();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(doc->GetElemMgr().m_bShowRuler, 0);
+    frame->RouteCommand(ID_MEASURE_LINE);
+    frame->RouteCommand(ID_MEASURE_CALIBRATION);
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(doc->GetElemMgr().m_bShowRuler, 1);
+    EXPECT_EQ(doc->GetCurrentTool(), 0);
+    frame->RouteCommand(ID_MEASURE_CALIBRATION);
+    EXPECT_FALSE(dialog->isVisible());
+}
+
+TEST_F(MeasureFrameTest, APictureThatCannotBeReadIsReportedAndNotOpened)
+{
+    QFile bad(home.filePath("bad.jpg"));
+    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
+    bad.write("not a picture");
+    bad.close();
+    Start(false, { bad.fileName() });
+    EXPECT_TRUE(frame->GetChildFrames().empty());
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_TRUE(messages.front().contains(QStringLiteral("bad.jpg")));
+}

@@ -1,0 +1,72 @@
+#include "MeasureFrameFixture.h"
+#include "app/CommandTable.h"
+#include "platform/PrivateProfile.h"
+#include "platform/SettingsKeys.h"
+
+#include <QElapsedTimer>
+
+// The overlay worker draws while the user edits shapes; closing the live
+// document stops it, releases the camera and writes the settings.
+TEST_F(MeasureFrameTest, ClosingTheLiveDocumentEndsTheWorkerAndWritesItsSettings)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_TRUE(live->IsOverlayWorkerRunning());
+    EXPECT_EQ(CMeasureDoc::RunningOverlayWorkers(), 1);
+
+    // Shapes come and go while the worker renders them into the overlay.
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
+    QWidget* wnd = ActiveView()->GetOverlayWnd();
+    for (int i = 0; i < 12; ++i) {
+        Drag(wnd, QPoint(100 + i * 20, 100), QPoint(100 + i * 20, 400));
+        QCoreApplication::processEvents();
+        if (i % 4 == 3)
+            frame->RouteCommand(ID_MEASURE_DELETE_ALL);
+    }
+    frame->RouteCommand(ID_MEASURE_LINE);
+    Drag(wnd, QPoint(10, 500), QPoint(60, 500));
+    const unsigned drawn = live->OverlaysDrawn();
+    ASSERT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= drawn + 3; }, 3000));
+
+    frame->RouteCommand(ID_PROCESS_FLIP);
+    frame->GetZoomBox()->setCurrentIndex(7);
+    frame->RouteCommand(ID_ZOOM);
+    const QString device = live->GetGraph().DeviceName();
+    ASSERT_FALSE(device.isEmpty());
+    {
+        const auto lock = live->GetElemMgr().Lock();
+        live->GetElemMgr().m_unit.m_dcxPerPixel = 0.123;
+        live->GetElemMgr().m_nPrecision = 3;
+    }
+
+    QElapsedTimer timer;
+    timer.start();
+    CChildFrame* child = FrameOf(live);
+    ASSERT_NE(child, nullptr);
+    child->close();
+    delete child;
+    EXPECT_LT(timer.elapsed(), 2000);
+    EXPECT_EQ(CMeasureDoc::GetLiveDocument(), nullptr);
+    EXPECT_EQ(CMeasureDoc::RunningOverlayWorkers(), 0);
+    EXPECT_TRUE(frame->QueryCommand(ID_FILE_NEW).IsEnabled());
+
+    const QString ini = SettingsFile();
+    EXPECT_EQ(SettingsKeys::ReadString(SettingsKeys::VideoDevice, ini), device);
+    EXPECT_EQ(SettingsKeys::ReadInt(SettingsKeys::VideoCurSel, ini), 7);
+    EXPECT_EQ(SettingsKeys::ReadInt(SettingsKeys::VideoDisplayMode, ini), 2);
+    EXPECT_EQ(SettingsKeys::ReadInt(SettingsKeys::ProcessFlip, ini), 1);
+    EXPECT_EQ(GetPrivateProfileString("Measure", "m_unit.m_dcxPerPixel", "", ini), QStringLiteral("0.12"));
+    EXPECT_EQ(SettingsKeys::ReadInt(SettingsKeys::MeasurePrecision, ini), 3);
+
+    // A new preview takes the camera again, with the settings just written.
+    ASSERT_TRUE(frame->RouteCommand(ID_FILE_NEW));
+    CMeasureDoc* again = CMeasureDoc::GetLiveDocument();
+    ASSERT_NE(again, nullptr);
+    EXPECT_EQ(again->GetZoomIndex(), 7);
+    EXPECT_TRUE(again->IsFlipped());
+    EXPECT_EQ(CMeasureDoc::RunningOverlayWorkers(), 1);
+    // Leaving the program the orderly way ends that worker too.
+    app->ExitInstance(0);
+    EXPECT_EQ(CMeasureDoc::RunningOverlayWorkers(), 0);
+    EXPECT_EQ(CMeasureDoc::GetLiveDocument(), nullptr);
+}
