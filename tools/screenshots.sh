@@ -96,6 +96,8 @@ fi
 ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD=${1:-$ROOT/build-run}
 OUT=${2:-$ROOT/docs/screenshots}
+# Whatever follows the two folders goes to the program.
+shift $(($# < 2 ? $# : 2))
 for tool in xvfb-run import xdotool; do
   command -v "$tool" >/dev/null || { echo "missing $tool (apt-get install xvfb imagemagick xdotool)" >&2; exit 1; }
 done

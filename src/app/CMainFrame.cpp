@@ -238,7 +238,13 @@ void CMainFrame::AddChildFrame(CChildFrame* child)
         if ((now & Qt::WindowMaximized) && m_mdiArea->viewMode() == QMdiArea::SubWindowView)
             m_mdiArea->setViewMode(QMdiArea::TabbedView);
     });
-    child->show();
+    // Tabs show their windows maximised; the area only does so itself once
+    // the frame has been activated, which a session without a window manager
+    // never does.
+    if (m_mdiArea->viewMode() == QMdiArea::TabbedView)
+        child->showMaximized();
+    else
+        child->show();
     m_lastActive = child;
     m_mdiArea->setActiveSubWindow(child);
     UpdateWindowTitle();
