@@ -90,7 +90,7 @@ CDevicePropertiesDlg::CDevicePropertiesDlg(GstElement* source, GstDevice* device
     connect(defaults, &QPushButton::clicked, this, &CDevicePropertiesDlg::RestoreDefaults);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addWidget(buttons);
-    resize(460, std::min(640, 120 + 36 * int(m_shown.size())));
+    resize(460, std::min(640, page->sizeHint().height() + buttons->sizeHint().height() + 60));
     Refresh();
 }
 

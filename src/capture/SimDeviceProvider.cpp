@@ -1,5 +1,6 @@
 #include "capture/SimDeviceProvider.h"
 
+#include "capture/GstInit.h"
 #include "capture/SimCameraSource.h"
 
 #include <atomic>
@@ -196,6 +197,7 @@ bool IsDemoCameraEnabled()
 
 GstCaps* DemoCameraCaps()
 {
+    EnsureGStreamer();
     return gst_caps_from_string(
         "video/x-raw, format=(string)YUY2, width=(int)640, height=(int)480, "
         "pixel-aspect-ratio=(fraction)1/1, "
@@ -210,6 +212,7 @@ GstCaps* DemoCameraCaps()
 
 void AddSimDevice(const QString& name, GstCaps* caps)
 {
+    EnsureGStreamer();
     GstCaps* own = caps ? gst_caps_ref(caps) : DemoCameraCaps();
     GstDevice* device = MakeDevice(name, own);
     gst_caps_unref(own);
