@@ -8,6 +8,7 @@
 
 #include <gst/gst.h>
 
+#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstring>
 #include <memory>
@@ -15,6 +16,13 @@
 #include <vector>
 
 namespace {
+
+// The machines are shared: the least of several runs is the figure that
+// measures the code rather than the neighbours.
+double Least(const std::vector<double>& v)
+{
+    return v.empty() ? 0.0 : *std::min_element(v.begin(), v.end());
+}
 
 std::size_t Stride(int width)
 {
@@ -84,13 +92,21 @@ void BM_CamProcess(benchmark::State& state, int width, int height, bool allOn, b
 }
 
 BENCHMARK_CAPTURE(BM_CamProcess, all_overlay_1280x1024, 1280, 1024, true, true)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
 BENCHMARK_CAPTURE(BM_CamProcess, all_overlay_1920x1080, 1920, 1080, true, true)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
 BENCHMARK_CAPTURE(BM_CamProcess, overlay_only_1280x1024, 1280, 1024, false, true)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
 BENCHMARK_CAPTURE(BM_CamProcess, overlay_only_1920x1080, 1920, 1080, false, true)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
 
 // A chain of GStreamer elements driven from the benchmark's thread: every
 // push runs the chain to the sink synchronously, so the time is its work.
@@ -171,20 +187,37 @@ void BM_GstChain(benchmark::State& state, const char* description, int width, in
 }
 
 BENCHMARK_CAPTURE(BM_GstChain, oculixcamprocess_all_overlay_1280x1024, "", 1280, 1024, true)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
 BENCHMARK_CAPTURE(BM_GstChain, oculixcamprocess_all_overlay_1920x1080, "", 1920, 1080, true)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
 BENCHMARK_CAPTURE(
     BM_GstChain, videoflip_rotate180_1280x1024, "videoflip video-direction=180", 1280, 1024, false)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
 BENCHMARK_CAPTURE(BM_GstChain, videobalance_gray_1280x1024,
     "videobalance saturation=0 contrast=1.2 brightness=0.1", 1280, 1024, false)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
 BENCHMARK_CAPTURE(BM_GstChain, videoflip_videobalance_1920x1080,
     "videoflip video-direction=180 ! videobalance saturation=0 contrast=1.2 brightness=0.1", 1920, 1080,
     false)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
 BENCHMARK_CAPTURE(BM_GstChain, jpegenc_1280x1024, "jpegenc", 1280, 1024, false)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
+BENCHMARK_CAPTURE(BM_GstChain, videoconvert_i420_jpegenc_1280x1024,
+    "videoconvert ! video/x-raw,format=I420 ! jpegenc", 1280, 1024, false)
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", Least);
 
 } // namespace

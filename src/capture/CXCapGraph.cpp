@@ -14,6 +14,7 @@
 #include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
@@ -632,6 +633,10 @@ int CXCapGraph::SetParentWnd(QWidget* owner, int x, int y, int width, int height
         Fail(QStringLiteral("Could not get video window interface"));
         return E_FAIL;
     }
+    // Without a widget application (tools, benchmarks) there is nothing to
+    // show the frames in; the grabber still keeps them.
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
+        return S_OK;
     EnsureVideoWidget(owner);
     m_videoWidget->setGeometry(x, y, width, height);
     m_videoWidget->show();
