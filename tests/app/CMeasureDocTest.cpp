@@ -268,3 +268,19 @@ TEST_F(MeasureFrameTest, APictureThatCannotBeReadIsReportedAndNotOpened)
     ASSERT_EQ(messages.size(), 1);
     EXPECT_TRUE(messages.front().contains(QStringLiteral("bad.jpg")));
 }
+
+TEST_F(MeasureFrameTest, FullScreenTakesTheVideoAwayAndBringsItBack)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_TRUE(frame->RouteCommand(ID_VIEW_FULLSCREEN));
+    EXPECT_TRUE(live->GetGraph().IsFullScreen());
+    ASSERT_TRUE(frame->RouteCommand(ID_CAMERA_FULLSCREEN));
+    EXPECT_FALSE(live->GetGraph().IsFullScreen());
+    // Paused, the camera commands wait for the video to run again.
+    frame->RouteCommand(ID_CAMERA_PAUSE);
+    for (int id :
+        { ID_VIEW_FULLSCREEN, ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST })
+        EXPECT_FALSE(frame->QueryCommand(id).IsEnabled()) << id;
+    EXPECT_TRUE(frame->QueryCommand(ID_CAMERA_CAPTURE).IsEnabled());
+}
