@@ -1,5 +1,6 @@
 #include "CaptureTestSupport.h"
 #include "image/FusedProcess.h"
+#include "measure/CGVLElemMgr.h"
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -164,6 +165,62 @@ TEST_F(Recording, PlaysWithTheSizeCodecAndFramesOfItsDurationAndShowsTheOverlay)
     EXPECT_TRUE(WaitFreshFrames(graph));
     long size = 0;
     EXPECT_EQ(graph.GetCurrentBuffer(&size, nullptr), S_OK);
+}
+
+// The element manager draws the live overlay as the document's worker does;
+// its shapes reach the snapshot exactly and the recording visibly.
+TEST_F(Recording, ShapesOfTheElementManagerAppearInSnapshotAndRecording)
+{
+    g_object_set(graph.DeviceElement(), "drift", FALSE, "noise", FALSE, nullptr);
+    ASSERT_TRUE(WaitFreshFrames(graph));
+    long size = 0;
+    graph.GetCurrentBuffer(&size, nullptr);
+    std::vector<uchar> base(static_cast<std::size_t>(size));
+    ASSERT_EQ(graph.GetCurrentBuffer(&size, base.data()), S_OK);
+
+    CGVLElemMgr mgr;
+    mgr.m_color.m_ctRuler = 2; // red strokes
+    mgr.CreateShape(9); // element 0 is the calibration ruler, hidden
+    mgr.OnLButtonDown(1, { 40, 60 }, 2);
+    mgr.OnMouseMove(1, { 160, 60 }, 2);
+    mgr.OnMouseMove(1, { 280, 60 }, 2);
+    mgr.OnLButtonUp(0, { 280, 60 }, 2);
+    ASSERT_EQ(mgr.m_arShape.size(), 2u) << "the ruler and the line";
+    std::vector<uchar> shapes(CGVLElemMgr::BitsStride(320) * 240);
+    mgr.DrawToBits(shapes.data(), 320, 240);
+    overlay = shapes.data();
+    ASSERT_EQ(graph.SetOverlay(1, &overlay), S_OK);
+    ASSERT_TRUE(WaitFreshFrames(graph));
+
+    std::vector<uchar> expected = base;
+    int covered = 0;
+    for (std::size_t i = 0; i < expected.size(); i += 3)
+        if (!(shapes[i] == 1 && shapes[i + 1] == 1 && shapes[i + 2] == 1)) {
+            std::memcpy(&expected[i], &shapes[i], 3);
+            ++covered;
+        }
+    EXPECT_GT(covered, 200);
+    std::vector<uchar> snapshot(expected.size());
+    ASSERT_EQ(graph.GetCurrentBuffer(&size, snapshot.data()), S_OK);
+    EXPECT_TRUE(snapshot == expected);
+
+    const QString file = dir.filePath(QStringLiteral("shapes.avi"));
+    ASSERT_EQ(StartRecording(file), S_OK);
+    PumpUntil([] { return false; }, 800);
+    StopRecording();
+    const QByteArray rgb = DecodeFrame(file, 5);
+    ASSERT_EQ(rgb.size(), 320 * 240 * 3);
+    // Along the line (row 60 from the top) the picture turns red; a row
+    // above it, on bare slide, keeps its grey.
+    auto redness = [&](int row) {
+        const auto* line = reinterpret_cast<const uchar*>(rgb.constData()) + row * 320 * 3;
+        double sum = 0;
+        for (int x = 80; x < 240; ++x)
+            sum += line[3 * x] - line[3 * x + 1];
+        return sum / 160;
+    };
+    EXPECT_GT(redness(60), 60);
+    EXPECT_LT(redness(20), 20);
 }
 
 TEST_F(Recording, PausedRecordingResumesIntoTheSameFileAndStopsCleanly)
