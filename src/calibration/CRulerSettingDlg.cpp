@@ -146,7 +146,7 @@ void CRulerSettingDlg::BuildControls()
     m_cbMagnification = new QComboBox;
     m_cbMagnification->setObjectName(QStringLiteral("magnification"));
 
-    auto button = [this](const char* text, const char* name) {
+    auto button = [](const char* text, const char* name) {
         auto* b = new QPushButton(QString::fromLatin1(text));
         b->setObjectName(QString::fromLatin1(name));
         b->setAutoDefault(false);
@@ -228,8 +228,8 @@ void CRulerSettingDlg::BuildControls()
     connect(byDefault, &QPushButton::clicked, this, &CRulerSettingDlg::LoadDefault);
     connect(m_edXReal, &QLineEdit::textEdited, this, [this] { OnRealEdited(true); });
     connect(m_edYReal, &QLineEdit::textEdited, this, [this] { OnRealEdited(false); });
-    connect(m_cbUnit, &QComboBox::activated, this, [this] {
-        UpdateData(true);
+    connect(m_cbUnit, &QComboBox::currentIndexChanged, this, [this](int index) {
+        m_data.m_nUnit = MeasureTables::ClampUnit(index);
         UpdateUnitLabels();
     });
 }
@@ -275,8 +275,6 @@ int CRulerSettingDlg::UnitSelection() const
 void CRulerSettingDlg::SetUnitSelection(int unit)
 {
     m_cbUnit->setCurrentIndex(MeasureTables::ClampUnit(unit));
-    UpdateData(true);
-    UpdateUnitLabels();
 }
 
 int CRulerSettingDlg::MagnificationSelection() const

@@ -3,6 +3,7 @@
 #include "calibration/CColorSelectComboBox.h"
 #include "calibration/MeasureTables.h"
 #include "measure/CGVLElemMgr.h"
+#include "measure/FakeMeasureDocument.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -142,27 +143,29 @@ TEST(CMeasureColorDlg, ValuesOutsideTheListsSurviveOk)
     EXPECT_EQ(dialog.m_nFontBackground, 2);
 }
 
-// Looked at by eye: run with OCULIX_SCREENSHOT_DIR set under xvfb-run.
-TEST(CMeasureColorDlg, Screenshot)
+// Both dialogs as a user sees them, saved for a look when
+// OCULIX_SCREENSHOT_DIR names a folder (run under xvfb-run).
+TEST(CMeasureColorDlg, DialogsScreenshot)
 {
-    CGVLElemMgr mgr;
-    CMeasureColorDlg dialog;
-    dialog.ReadFrom(mgr);
-    dialog.UpdateControls();
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    const QImage shot = dialog.grab().toImage();
-    EXPECT_GE(shot.width(), 200);
-    const QString folder = qEnvironmentVariable("OCULIX_SCREENSHOT_DIR");
-    QComboBox* text = List(dialog, "text");
+    FakeMeasureDocument doc;
+    FakeView view(doc);
+    CRulerSettingDlg ruler(doc);
+    CMeasureColorDlg colors;
+    colors.ReadFrom(doc.mgr);
+    colors.UpdateControls();
+    QComboBox* text = List(colors, "text");
+    std::vector<std::pair<QWidget*, const char*>> shots { { &ruler, "ruler-setting.png" },
+        { &colors, "measure-setting.png" }, { text->view()->window(), "measure-setting-colours.png" } };
+    ruler.show();
+    colors.show();
     text->showPopup();
-    QWidget* popup = text->view()->window();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(popup));
-    const QImage list = popup->grab().toImage();
-    EXPECT_GE(list.height(), 8 * 16) << "eight swatches";
-    if (!folder.isEmpty()) {
-        shot.save(QDir(folder).filePath(QStringLiteral("measure-setting.png")));
-        list.save(QDir(folder).filePath(QStringLiteral("measure-setting-colours.png")));
+    for (const auto& [widget, name] : shots) {
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(widget)) << name;
+        const QImage shot = widget->grab().toImage();
+        EXPECT_GE(shot.height(), 8 * 16) << name;
+        if (!qEnvironmentVariableIsEmpty("OCULIX_SCREENSHOT_DIR"))
+            shot.save(
+                QDir(qEnvironmentVariable("OCULIX_SCREENSHOT_DIR")).filePath(QString::fromLatin1(name)));
     }
     text->hidePopup();
 }

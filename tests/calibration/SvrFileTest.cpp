@@ -166,25 +166,19 @@ TEST(SvrFile, SaveNameCutsAnExactSvrExtension)
 
 TEST(SvrFile, TextsAsNumbersTakeTheLeadingDecimalNumber)
 {
-    EXPECT_EQ(LeadingNumber(QStringLiteral("0.0100\r")), 0.01);
-    EXPECT_EQ(LeadingNumber(QStringLiteral("  -2.5mm")), -2.5);
-    EXPECT_EQ(LeadingNumber(QStringLiteral("+.5")), 0.5);
-    EXPECT_EQ(LeadingNumber(QStringLiteral("3.")), 3.0);
-    EXPECT_EQ(LeadingNumber(QStringLiteral("1e2x")), 100.0);
-    EXPECT_EQ(LeadingNumber(QStringLiteral("1e")), 1.0);
-    EXPECT_EQ(LeadingNumber(QStringLiteral("1e-999")), 0.0);
-    EXPECT_EQ(LeadingNumber(QStringLiteral("2,5")), 2.0) << "a comma ends the number";
-    for (const char* none : { "", "abc", ".", "-", "inf", "nan", "0x10" })
-        EXPECT_EQ(LeadingNumber(QString::fromLatin1(none)), 0.0) << none;
+    const std::pair<const char*, double> reals[]
+        = { { "0.0100\r", 0.01 }, { "  -2.5mm", -2.5 }, { "+.5", 0.5 }, { "3.", 3.0 }, { "1e2x", 100.0 },
+              { "1e", 1.0 }, { "1e-999", 0.0 }, { "2,5", 2.0 }, { "", 0.0 }, { "abc", 0.0 }, { ".", 0.0 },
+              { "-", 0.0 }, { "inf", 0.0 }, { "nan", 0.0 }, { "0x10", 0.0 } };
+    for (const auto& [text, value] : reals)
+        EXPECT_EQ(LeadingNumber(QString::fromLatin1(text)), value) << text;
     EXPECT_TRUE(std::isinf(LeadingNumber(QStringLiteral("1e999"))));
 
-    EXPECT_EQ(LeadingInt(QStringLiteral(" \t-12abc")), -12);
-    EXPECT_EQ(LeadingInt(QStringLiteral("+7")), 7);
-    EXPECT_EQ(LeadingInt(QStringLiteral("923\r")), 923);
-    EXPECT_EQ(LeadingInt(QStringLiteral("2.9")), 2);
-    EXPECT_EQ(LeadingInt(QStringLiteral("x1")), 0);
-    EXPECT_EQ(LeadingInt(QStringLiteral("99999999999999999999")), INT_MAX);
-    EXPECT_EQ(LeadingInt(QStringLiteral("-99999999999999999999")), INT_MIN);
+    const std::pair<const char*, int> ints[]
+        = { { " \t-12abc", -12 }, { "+7", 7 }, { "923\r", 923 }, { "2.9", 2 }, { "x1", 0 },
+              { "99999999999999999999", INT_MAX }, { "-99999999999999999999", INT_MIN } };
+    for (const auto& [text, value] : ints)
+        EXPECT_EQ(LeadingInt(QString::fromLatin1(text)), value) << text;
 }
 
 TEST(SvrFile, FactoryFilesAreEachObjectivesCalibrationForTheFactoryFrame)
