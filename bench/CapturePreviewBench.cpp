@@ -2,6 +2,7 @@
 // preview (or record) pipeline. Reports the frames per second that reach the
 // processing element and the CPU the process spends, in percent of one core.
 // Painting into a window is not included (no widgets here).
+#include "capture/CSimScene.h"
 #include "capture/CXCapGraph.h"
 #include "capture/SimDeviceProvider.h"
 
@@ -86,6 +87,25 @@ void BM_LivePipeline(benchmark::State& state, int formatIndex, bool allOn, bool 
     QFile::remove(file);
     EnableDemoCamera(false);
 }
+
+// What one frame of the simulated camera costs to make.
+void BM_SimCameraFrame(benchmark::State& state, unsigned width, unsigned height, bool jpeg)
+{
+    CSimScene scene(width, height);
+    std::vector<uchar> frame(std::size_t(width) * 2 * height);
+    std::uint64_t n = 0;
+    for (auto _ : state) {
+        if (jpeg)
+            benchmark::DoNotOptimize(scene.RenderJpeg(n++));
+        else
+            scene.RenderYuy2(n++, frame.data(), std::size_t(width) * 2);
+        benchmark::DoNotOptimize(frame.data());
+    }
+}
+
+BENCHMARK_CAPTURE(BM_SimCameraFrame, yuy2_1280x1024, 1280, 1024, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_SimCameraFrame, yuy2_1600x1200, 1600, 1200, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_SimCameraFrame, mjpg_1280x1024, 1280, 1024, true)->Unit(benchmark::kMillisecond);
 
 // Demo camera formats: 0 YUY2 640x480, 1 YUY2 1280x1024, 3 MJPG 1280x1024.
 BENCHMARK_CAPTURE(BM_LivePipeline, preview_yuy2_1280x1024, 1, false, false)->Iterations(1)->UseManualTime();

@@ -68,11 +68,12 @@ private:
     double m_umPerPixel;
     QImage m_slide; // RGB888
     std::vector<uchar> m_slideYuy2; // the slide in YUY2, m_slide.width() * 2 per row
+    std::vector<uchar> m_adjusted; // the same with the controls applied
     std::size_t m_slideYuy2Stride = 0;
     std::vector<std::uint16_t> m_vigX; // 1.15 fixed point
     std::vector<std::uint16_t> m_vigY;
-    std::vector<std::int8_t> m_noise; // wraps at kNoiseSize
+    // Noise added to luma, repeated once per kNoiseSize values; one frame row
+    // more than that is kept so a row never wraps.
+    std::vector<std::int16_t> m_noise;
     Controls m_controls;
-    uchar m_lumaLut[256];
-    uchar m_chromaLut[256];
 };
