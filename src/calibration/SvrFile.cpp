@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QSaveFile>
+#include <QStringDecoder>
 #include <QStringList>
 
 #include <algorithm>
@@ -95,7 +96,11 @@ std::optional<SvrData> FromBytes(QByteArrayView bytes)
             raw.chop(1);
         if (raw.size() > kMaxLineBytes)
             return std::nullopt;
-        const QString line = QString::fromLocal8Bit(raw);
+        // A byte-order mark stays a character: it is text as any other, and
+        // dropping it would change what a rewrite of the file holds.
+        QStringDecoder decode(QStringConverter::System,
+            QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom);
+        const QString line = decode(raw);
         if (line.size() > kMaxLineChars || std::any_of(line.begin(), line.end(), IsControl))
             return std::nullopt;
         lines.append(line);

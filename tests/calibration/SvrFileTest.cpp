@@ -73,6 +73,8 @@ TEST(SvrFile, ReadsWhatItWroteAndTheOtherLineEnds)
         EXPECT_EQ(*read, Sample().Normalized());
     }
     EXPECT_EQ(FromBytes(lf + "extra\nlines\n")->m_nUnit, 1) << "only eleven lines count";
+    const QByteArray bom = "\xef\xbb\xbf" + lf;
+    EXPECT_EQ(ToBytes(*FromBytes(bom)), "\xef\xbb\xbf" + crcrlf) << "a byte-order mark is kept as text";
 }
 
 TEST(SvrFile, ShortFilesRepeatTheirLastLine)
