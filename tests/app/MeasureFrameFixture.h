@@ -67,7 +67,7 @@ protected:
         if (camera) {
             ASSERT_NE(CMeasureDoc::GetLiveDocument(), nullptr)
                 << messages.join(QLatin1Char('\n')).toStdString();
-            ASSERT_TRUE(WaitFor([] { return HasFrame(*CMeasureDoc::GetLiveDocument()); }, 5000));
+            ASSERT_TRUE(WaitFor([] { return HasFrame(*CMeasureDoc::GetLiveDocument()); }, 30000));
         }
     }
 
