@@ -36,7 +36,9 @@ QPoint CGVLRect::LabelPos() const
 {
     if (m_arCoord.empty())
         return {};
-    return m_arCoord[0] - QPoint(0, (FontSize() + 1) * 10);
+    // 20, 30 or 40 pixels up; any other font size draws Small labels.
+    const int size = FontSize() >= 1 && FontSize() <= 3 ? FontSize() : 1;
+    return m_arCoord[0] - QPoint(0, (size + 1) * 10);
 }
 
 QString CGVLRect::LabelText() const

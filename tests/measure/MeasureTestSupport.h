@@ -3,6 +3,7 @@
 #include "measure/CGVLElemMgr.h"
 #include "measure/GdiPainter.h"
 
+#include <QBuffer>
 #include <QColor>
 #include <QFile>
 #include <QProcess>
@@ -10,6 +11,7 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <memory>
 #include <string>
 #include <vector>
@@ -143,18 +145,52 @@ template <typename Shape> Shape* At(CGVLElemMgr& mgr, std::size_t index)
     return index < mgr.m_arShape.size() ? dynamic_cast<Shape*>(mgr.m_arShape[index].get()) : nullptr;
 }
 
-// Switches LC_NUMERIC to German (decimal comma), compiling the locale from
-// its sources when it is not installed; false when there is no way to.
+template <typename Shape> Shape* Last(CGVLElemMgr& mgr)
+{
+    return mgr.m_arShape.empty() ? nullptr : At<Shape>(mgr, mgr.m_arShape.size() - 1);
+}
+
+// A manager with its ruler as element 0, strokes red and handles green.
+struct MeasureFixture : ::testing::Test
+{
+    MeasureFixture()
+    {
+        mgr.CreateShape(9);
+        mgr.m_color = { 1, 2, 3, 1 };
+    }
+    CGVLElemMgr mgr;
+};
+
+inline QByteArray ExportCsv(CGVLElemMgr& mgr, bool semicolon = false)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    semicolon ? mgr.WriteCsvSemicolon(buffer) : mgr.WriteCsv(buffer);
+    return buffer.data();
+}
+
+// Switches LC_NUMERIC to a decimal comma: German when it is installed, else
+// a locale of that one category compiled on the spot (quick, and needs no
+// locale sources). False when neither can be had.
 inline bool UseCommaLocale()
 {
     if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
         return true;
     static QTemporaryDir dir; // the compiled locale is loaded from here
-    if (!dir.isValid() || !QFile::exists("/usr/share/i18n/locales/de_DE")
-        || QProcess::execute("localedef", { "-i", "de_DE", "-f", "UTF-8", dir.filePath("de_DE.UTF-8") }) != 0)
+    QFile source(dir.filePath("comma.src"));
+    if (!dir.isValid() || !source.open(QIODevice::WriteOnly))
         return false;
+    source.write("LC_NUMERIC\ndecimal_point \"<U002C>\"\nthousands_sep \"\"\ngrouping -1\nEND LC_NUMERIC\n");
+    source.close();
+    // -c: the other categories are left out on purpose; it warns about each.
+    QProcess localedef;
+    localedef.setStandardOutputFile(QProcess::nullDevice());
+    localedef.setStandardErrorFile(QProcess::nullDevice());
+    localedef.start(
+        "localedef", { "-c", "-i", source.fileName(), "-f", "ANSI_X3.4-1968", dir.filePath("comma") });
+    localedef.waitForFinished();
     setenv("LOCPATH", QFile::encodeName(dir.path()).constData(), 1);
-    return std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
+    return std::setlocale(LC_NUMERIC, "comma") != nullptr;
 }
 
 // A line made by hand, point 0 first.
