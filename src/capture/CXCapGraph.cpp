@@ -247,6 +247,9 @@ void CXCapGraph::BuildPreviewGraph()
 {
     if (m_formats.empty())
         return;
+    // A build over a built graph would clash by name; start clean.
+    if (m_processElement || m_tee || m_renderer)
+        DestroyGraph();
 
     // 1. Tee, grabber, processing element.
     if (!(m_tee = Make("tee", "Smart Tee"))) {
@@ -369,6 +372,8 @@ void CXCapGraph::BuildRecordGraph()
 {
     if (m_formats.empty())
         return;
+    if (m_processElement || m_tee || m_renderer)
+        DestroyGraph();
 
     // 1-3. Processing element.
     if (!(m_processElement = CreateCamProcessElement(m_processState, "VKT CamProcess"))) {

@@ -340,6 +340,15 @@ TEST_F(CaptureGraph, EmptyFormatListBuildsNothingAndSaysNothing)
     EXPECT_TRUE(messages.Texts().isEmpty());
 }
 
+TEST_F(CaptureGraph, BuildingOverABuiltGraphStartsClean)
+{
+    StartSmallPreview();
+    graph.BuildPreviewGraph();
+    ASSERT_EQ(graph.RunGraph(), S_OK);
+    EXPECT_TRUE(WaitFreshFrames(graph));
+    EXPECT_TRUE(messages.Texts().isEmpty()) << messages.Texts().join('|').toStdString();
+}
+
 TEST_F(CaptureGraph, ChangeResolutionRebuildsAtTheNewSize)
 {
     StartPreview(kDemo);
