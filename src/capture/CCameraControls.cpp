@@ -100,23 +100,23 @@ QList<CameraControl> CCameraControls::QueryProperties() const
     QList<CameraControl> out;
     GObjectClass* klass = G_OBJECT_GET_CLASS(m_source);
     for (const auto& [property, name] : kSimProperties) {
-        GParamSpec* spec = g_object_class_find_property(klass, property);
-        if (!spec)
+        GParamSpec* param = g_object_class_find_property(klass, property);
+        if (!param)
             continue;
         CameraControl c;
         c.name = QString::fromLatin1(name);
         c.property = property;
-        if (G_IS_PARAM_SPEC_INT(spec)) {
-            auto* s = G_PARAM_SPEC_INT(spec);
+        if (G_IS_PARAM_SPEC_INT(param)) {
+            auto* s = G_PARAM_SPEC_INT(param);
             c.type = CameraControl::Type::Integer;
             c.minimum = s->minimum;
             c.maximum = s->maximum;
             c.defaultValue = s->default_value;
             g_object_get(m_source, property, &c.value, nullptr);
-        } else if (G_IS_PARAM_SPEC_BOOLEAN(spec)) {
+        } else if (G_IS_PARAM_SPEC_BOOLEAN(param)) {
             c.type = CameraControl::Type::Boolean;
             c.maximum = 1;
-            c.defaultValue = G_PARAM_SPEC_BOOLEAN(spec)->default_value ? 1 : 0;
+            c.defaultValue = G_PARAM_SPEC_BOOLEAN(param)->default_value ? 1 : 0;
             gboolean on = FALSE;
             g_object_get(m_source, property, &on, nullptr);
             c.value = on ? 1 : 0;
