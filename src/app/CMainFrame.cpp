@@ -64,8 +64,8 @@ CMainFrame::CMainFrame(int langId, QWidget* parent)
     }
 
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* window) {
-        if (auto* child = qobject_cast<CChildFrame*>(window))
-            m_lastActive = child;
+        if (window)
+            m_lastActive = window;
         UpdateWindowTitle();
         UpdateCommandUI();
     });
@@ -258,10 +258,8 @@ CChildFrame* CMainFrame::MDIGetActive() const
     // no active window; the current one is still the one the user sees.
     if (auto* child = qobject_cast<CChildFrame*>(m_mdiArea->currentSubWindow()))
         return child;
-    // A child being destroyed has already let its document go.
-    if (m_lastActive && m_lastActive->GetActiveDocument() && m_lastActive->isVisible())
-        return m_lastActive;
-    return nullptr;
+    auto* last = qobject_cast<CChildFrame*>(m_lastActive.data());
+    return last && last->GetActiveDocument() && last->isVisible() ? last : nullptr;
 }
 
 std::vector<CChildFrame*> CMainFrame::GetChildFrames() const

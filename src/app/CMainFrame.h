@@ -12,6 +12,7 @@ class CChildFrame;
 class QAction;
 class QComboBox;
 class QMdiArea;
+class QMdiSubWindow;
 class QMenu;
 class QTimer;
 class QToolBar;
@@ -86,5 +87,7 @@ private:
     std::vector<QAction*> m_windowListActions;
     // The child the user saw last; the area forgets it when the frame itself
     // becomes active before any child did.
-    QPointer<CChildFrame> m_lastActive;
+    // Kept as the base class: while a child is being destroyed it is no
+    // longer a CChildFrame, and qobject_cast then says so.
+    QPointer<QMdiSubWindow> m_lastActive;
 };

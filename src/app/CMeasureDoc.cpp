@@ -293,6 +293,8 @@ void CMeasureDoc::StartOverlayWorker()
         std::lock_guard lock(m_stopMutex);
         m_bStopOverlay = false;
     }
+    // Counted from its start, so it is never missed between start and first run.
+    ++g_runningWorkers;
     m_overlayThread = std::thread([this] { MakeElemOverlay(); });
 }
 
@@ -321,7 +323,6 @@ int CMeasureDoc::RunningOverlayWorkers()
 
 void CMeasureDoc::MakeElemOverlay()
 {
-    ++g_runningWorkers;
     unsigned counter = 0;
     std::unique_lock lock(m_stopMutex);
     while (!m_bStopOverlay) {
