@@ -110,9 +110,13 @@ TEST_F(WndFixture, DoubleClickGoesToTheVideoOnlyWhileLive)
 
 TEST_F(WndFixture, CursorFollowsTheToolWhileNotLive)
 {
+    // Each move goes somewhere new: a move to where the mouse already is
+    // delivers no event.
+    int step = 0;
     const auto cursorAfterMove = [&](int tool) {
         doc.tool = tool;
-        Move({ 300, 300 });
+        ++step;
+        Move({ 300 + step, 300 });
         return Wnd()->cursor();
     };
     const QCursor draw = cursorAfterMove(2);
