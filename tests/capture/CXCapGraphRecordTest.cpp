@@ -114,8 +114,10 @@ protected:
     SimCameraScope cameras;
     MessageCollector messages;
     QTemporaryDir dir;
-    CXCapGraph graph;
+    // Declared before the graph: frames may read it until the graph is gone.
+    std::vector<uchar> shapes;
     uchar* overlay = nullptr;
+    CXCapGraph graph;
 };
 
 } // namespace
@@ -124,7 +126,7 @@ TEST_F(Recording, PlaysWithTheSizeCodecAndFramesOfItsDurationAndShowsTheOverlay)
 {
     // A red block 40 rows up from the bottom of the picture.
     const std::size_t stride = 320 * 3;
-    std::vector<uchar> shapes(stride * 240, kOverlayKey);
+    shapes.assign(stride * 240, kOverlayKey);
     for (int y = 40; y < 80; ++y)
         for (int x = 100; x < 160; ++x) {
             uchar* p = &shapes[y * stride + 3 * x];
@@ -186,7 +188,7 @@ TEST_F(Recording, ShapesOfTheElementManagerAppearInSnapshotAndRecording)
     mgr.OnMouseMove(1, { 280, 60 }, 2);
     mgr.OnLButtonUp(0, { 280, 60 }, 2);
     ASSERT_EQ(mgr.m_arShape.size(), 2u) << "the ruler and the line";
-    std::vector<uchar> shapes(CGVLElemMgr::BitsStride(320) * 240);
+    shapes.resize(CGVLElemMgr::BitsStride(320) * 240);
     mgr.DrawToBits(shapes.data(), 320, 240);
     overlay = shapes.data();
     ASSERT_EQ(graph.SetOverlay(1, &overlay), S_OK);
