@@ -40,11 +40,6 @@ double CGVLCircle::GetArea() const
     return r * 3.14159 * r * unit.m_dcxPerPixel * unit.m_dcyPerPixel;
 }
 
-QString CGVLCircle::AreaText() const
-{
-    return MeasureTables::FormatLabel(MeasureTables::kAreaFormats, Precision(), GetArea(), UnitText());
-}
-
 QString CGVLCircle::RadiusText() const
 {
     const CalibrationRecord& unit = Unit();

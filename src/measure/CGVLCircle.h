@@ -28,7 +28,6 @@ public:
     void UpdateElem() override;
     void ClearCoords() override;
 
-    // "S=" and "R=" labels; empty outside precision 1..5.
-    QString AreaText() const;
+    // "R=" with the radius; empty outside precision 1..5.
     QString RadiusText() const;
 };

@@ -89,11 +89,6 @@ double CGVLCircleT::GetArea() const
     return r * 3.14159 * unit.m_dcxPerPixel * r * unit.m_dcyPerPixel;
 }
 
-QString CGVLCircleT::AreaText() const
-{
-    return MeasureTables::FormatLabel(MeasureTables::kAreaFormats, Precision(), GetArea(), UnitText());
-}
-
 QString CGVLCircleT::RadiusText() const
 {
     return MeasureTables::FormatLabel(MeasureTables::kRadiusFormats, Precision(), GetRadius(), UnitText());

@@ -29,7 +29,6 @@ public:
     void Draw(QPainter& dc, int hidden, int reserved) override;
     void UpdateElem() override;
 
-    // "S=" and "R=" labels; empty outside precision 1..5.
-    QString AreaText() const;
+    // "R=" with the radius; empty outside precision 1..5.
     QString RadiusText() const;
 };

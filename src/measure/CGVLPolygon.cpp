@@ -1,6 +1,5 @@
 #include "measure/CGVLPolygon.h"
 
-#include "calibration/MeasureTables.h"
 #include "measure/CGVLElemMgr.h"
 
 #include <algorithm>
@@ -36,20 +35,6 @@ double CGVLPolygon::GetArea() const
     return std::abs(sum * unit.m_dcxPerPixel * unit.m_dcyPerPixel);
 }
 
-QPoint CGVLPolygon::LabelPos() const
-{
-    if (m_arCoord.empty())
-        return {};
-    // 20, 30 or 40 pixels up; any other font size draws Small labels.
-    const int size = FontSize() >= 1 && FontSize() <= 3 ? FontSize() : 1;
-    return m_arCoord[0] - QPoint(0, (size + 1) * 10);
-}
-
-QString CGVLPolygon::LabelText() const
-{
-    return MeasureTables::FormatLabel(MeasureTables::kAreaFormats, Precision(), GetArea(), UnitText());
-}
-
 void CGVLPolygon::Draw(QPainter& dc, int hidden, int)
 {
     if (hidden || m_arCoord.empty())
@@ -61,7 +46,7 @@ void CGVLPolygon::Draw(QPainter& dc, int hidden, int)
         return;
     }
     DrawLine(dc, hidden, false, m_arCoord.back(), m_arCoord.front());
-    DrawLabel(dc, LabelPos(), LabelText());
+    DrawLabel(dc, AreaLabelPos(), AreaText());
 }
 
 int CGVLPolygon::OnLButtonDown(unsigned, const QPoint& point, int tool)

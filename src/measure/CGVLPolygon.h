@@ -40,10 +40,6 @@ public:
     bool IsClosed() const { return m_bClosed; }
     int UpCount() const { return m_nUpCount; }
     QPoint RubberPoint() const { return m_ptRubber; }
-    // Top-left of the label's cell: above vertex 0, higher with a bigger font.
-    QPoint LabelPos() const;
-    // "S=" with the area; empty outside precision 1..5.
-    QString LabelText() const;
 
 private:
     bool IsLastElement() const;

@@ -1,6 +1,5 @@
 #include "measure/CGVLRect.h"
 
-#include "calibration/MeasureTables.h"
 #include "measure/WindowCalls.h"
 
 #include <algorithm>
@@ -32,20 +31,6 @@ double CGVLRect::GetArea() const
     return w * unit.m_dcxPerPixel * h * unit.m_dcyPerPixel;
 }
 
-QPoint CGVLRect::LabelPos() const
-{
-    if (m_arCoord.empty())
-        return {};
-    // 20, 30 or 40 pixels up; any other font size draws Small labels.
-    const int size = FontSize() >= 1 && FontSize() <= 3 ? FontSize() : 1;
-    return m_arCoord[0] - QPoint(0, (size + 1) * 10);
-}
-
-QString CGVLRect::LabelText() const
-{
-    return MeasureTables::FormatLabel(MeasureTables::kAreaFormats, Precision(), GetArea(), UnitText());
-}
-
 void CGVLRect::Draw(QPainter& dc, int hidden, int)
 {
     if (hidden)
@@ -58,7 +43,7 @@ void CGVLRect::Draw(QPainter& dc, int hidden, int)
         DrawLine(dc, hidden, m_bSelected, p[1], p[3]);
         DrawLine(dc, hidden, m_bSelected, p[0], p[2]);
         DrawLine(dc, hidden, m_bSelected, p[2], p[3]);
-        DrawLabel(dc, LabelPos(), LabelText());
+        DrawLabel(dc, AreaLabelPos(), AreaText());
     }
     if (m_bSelected) {
         for (const QPoint& p : m_arCoord)

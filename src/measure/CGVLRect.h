@@ -32,10 +32,6 @@ public:
     int SetCoord(int index, const QPoint& point) override;
     void ClearCoords() override;
 
-    // Top-left of the label's cell: above point 0, higher with a bigger font.
-    QPoint LabelPos() const;
-    // "S=" with the area; empty outside precision 1..5.
-    QString LabelText() const;
 
 private:
     // Puts points 1 and 2 at the corners that points 0 and 3 define.

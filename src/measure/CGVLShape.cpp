@@ -208,6 +208,19 @@ bool CGVLShape::IsRefPoint(const QPoint& point) const
     return point == m_ptRef;
 }
 
+QString CGVLShape::AreaText() const
+{
+    return MeasureTables::FormatLabel(MeasureTables::kAreaFormats, Precision(), GetArea(), UnitText());
+}
+
+QPoint CGVLShape::AreaLabelPos() const
+{
+    if (m_arCoord.empty())
+        return {};
+    const int size = FontSize() >= 1 && FontSize() <= 3 ? FontSize() : 1;
+    return m_arCoord[0] - QPoint(0, (size + 1) * 10);
+}
+
 int CGVLShape::StandardLButtonDown(const QPoint& point, int tool, int ownTool)
 {
     m_nHit = HitTest(point);

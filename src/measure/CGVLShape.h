@@ -77,6 +77,8 @@ public:
     virtual bool IsRefPoint(const QPoint& point) const;
 
     int CoordCount() const { return int(m_arCoord.size()); }
+    // "S=" with GetArea(); empty outside precision 1..5.
+    QString AreaText() const;
 
     QWidget* m_hWnd;
     QPoint m_ptRef;
@@ -122,6 +124,9 @@ protected:
     // Label font, text colour and background on the painter, then the text
     // with its cell's top-left at `topLeft`.
     void DrawLabel(QPainter& dc, const QPoint& topLeft, const QString& text) const;
+    // Where rectangles and polygons put their area label: 20, 30 or 40 pixels
+    // above point 0 by font size (any other size draws Small labels).
+    QPoint AreaLabelPos() const;
     // Repaint a rectangle, or the whole window, of m_hWnd.
     void Invalidate(const GdiRect& rect) const;
     void InvalidateAll() const;

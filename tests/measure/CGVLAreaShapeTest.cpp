@@ -52,7 +52,7 @@ TEST_F(AreaShapeTest, RectangleNeedsTenPixelsOnOneSide)
     mgr.m_unit = { 0, 0.1, 0.2, 0, 0 };
     EXPECT_DOUBLE_EQ(rect->GetPerimeter(), 2 * (100 * 0.1 + 70 * 0.2));
     mgr.m_nPrecision = 3;
-    EXPECT_EQ(rect->LabelText(), "S=140.000um2");
+    EXPECT_EQ(rect->AreaText(), "S=140.000um2");
 }
 
 TEST_F(AreaShapeTest, RectangleCornerDragsKeepTheOppositeCornerAndTheAxes)
