@@ -23,7 +23,7 @@ if [ "${1:-}" = --inside ]; then
   sleep 2
   import -window root "$out/main-window.png"
 
-  # The Measure menu open, the highlight on "&Line" so the status bar shows
+  # The Measure menu open, the highlight on "&Angle" so the status bar shows
   # its prompt. Without a window manager nothing has the focus: click.
   xdotool mousemove 110 8 click 1
   sleep 0.5

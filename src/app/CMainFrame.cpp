@@ -3,6 +3,7 @@
 #include "app/CChildFrame.h"
 #include "app/CDocument.h"
 #include "app/CommandTable.h"
+#include "platform/KeyLockState.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -10,6 +11,7 @@
 #include <QCoreApplication>
 #include <QIcon>
 #include <QKeySequence>
+#include <QLabel>
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
@@ -30,6 +32,18 @@ constexpr int kSimplifiedChinese = 2052;
 // How often buttons follow the state of the documents when nothing else
 // asks; menus are brought up to date as they open.
 constexpr int kIdleUpdateMs = 200;
+
+// The status bar's panes after the message pane, in their order.
+constexpr struct
+{
+    KeyLock lock;
+    const char* text;
+    const char* objectName;
+} kKeyIndicators[] {
+    { KeyLock::Caps, "CAP", "IndicatorCaps" },
+    { KeyLock::Num, "NUM", "IndicatorNum" },
+    { KeyLock::Scroll, "SCRL", "IndicatorScrl" },
+};
 
 } // namespace
 
@@ -70,8 +84,10 @@ CMainFrame::CMainFrame(int langId, QWidget* parent)
         UpdateCommandUI();
     });
     connect(m_idleTimer, &QTimer::timeout, this, [this] {
-        if (isVisible())
+        if (isVisible()) {
             UpdateCommandUI();
+            UpdateKeyIndicators();
+        }
     });
     m_idleTimer->start(kIdleUpdateMs);
     UpdateWindowTitle();
@@ -166,6 +182,27 @@ void CMainFrame::CreateToolBars()
 void CMainFrame::CreateStatusBar()
 {
     statusBar()->setObjectName(QStringLiteral("StatusBar"));
+    for (std::size_t i = 0; i < m_keyIndicators.size(); ++i) {
+        auto* pane = new QLabel(statusBar());
+        pane->setObjectName(QLatin1String(kKeyIndicators[i].objectName));
+        pane->setAlignment(Qt::AlignCenter);
+        pane->setFrameShape(QFrame::Panel);
+        pane->setFrameShadow(QFrame::Sunken);
+        // Wide enough for the text whether it shows or not, so panes never jump.
+        const QString text = QLatin1String(kKeyIndicators[i].text);
+        pane->setMinimumWidth(pane->fontMetrics().horizontalAdvance(text) + 12);
+        statusBar()->addPermanentWidget(pane);
+        m_keyIndicators[i] = pane;
+    }
+    UpdateKeyIndicators();
+}
+
+void CMainFrame::UpdateKeyIndicators()
+{
+    for (std::size_t i = 0; i < m_keyIndicators.size(); ++i) {
+        const bool on = GetKeyLockState(kKeyIndicators[i].lock);
+        m_keyIndicators[i]->setText(on ? QLatin1String(kKeyIndicators[i].text) : QString());
+    }
 }
 
 void CMainFrame::MapFrameCommands()

@@ -5,12 +5,14 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include <array>
 #include <map>
 #include <vector>
 
 class CChildFrame;
 class QAction;
 class QComboBox;
+class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
 class QMenu;
@@ -72,6 +74,8 @@ private:
     void CreateMenus();
     void CreateToolBars();
     void CreateStatusBar();
+    // The CAP, NUM and SCRL panes show their text while the lock is on.
+    void UpdateKeyIndicators();
     void MapFrameCommands();
     void UpdateWindowTitle();
     void FillWindowMenu(QMenu* menu);
@@ -81,6 +85,7 @@ private:
     QMdiArea* m_mdiArea;
     QComboBox* m_zoomBox = nullptr;
     QTimer* m_idleTimer;
+    std::array<QLabel*, 3> m_keyIndicators {};
     CCmdTarget* m_appTarget = nullptr;
     std::map<int, QAction*> m_actions;
     std::map<int, QToolBar*> m_toolBars;

@@ -3,9 +3,11 @@
 #include "app/CChildFrame.h"
 #include "app/CommandTable.h"
 #include "app/TestDocuments.h"
+#include "platform/KeyLockState.h"
 
 #include <QAction>
 #include <QComboBox>
+#include <QLabel>
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
@@ -126,6 +128,31 @@ TEST_F(MainFrameTest, BarTogglesHideShowAndCheck)
         EXPECT_TRUE(frame->RouteCommand(id));
         EXPECT_FALSE(bar->isHidden()) << id;
         EXPECT_TRUE(frame->FindAction(id)->isChecked()) << id;
+    }
+}
+
+// The message pane takes the prompt of the command under the mouse; the
+// lock panes follow the keyboard's LEDs and keep their width when blank.
+TEST_F(MainFrameTest, StatusBarShowsPromptsAndThreeLockIndicators)
+{
+    frame->FindAction(ID_VIEW_STATUS_BAR)->showStatusText(frame.get());
+    EXPECT_EQ(frame->statusBar()->currentMessage(), "Show or hide the status bar");
+
+    const struct
+    {
+        const char* name;
+        const char* text;
+        KeyLock lock;
+    } panes[] { { "IndicatorCaps", "CAP", KeyLock::Caps }, { "IndicatorNum", "NUM", KeyLock::Num },
+        { "IndicatorScrl", "SCRL", KeyLock::Scroll } };
+    int left = 0;
+    for (const auto& pane : panes) {
+        auto* label = frame->statusBar()->findChild<QLabel*>(pane.name);
+        ASSERT_NE(label, nullptr) << pane.name;
+        EXPECT_GT(label->x(), left) << pane.name << " is right of the one before";
+        left = label->x();
+        EXPECT_GE(label->width(), label->fontMetrics().horizontalAdvance(pane.text)) << pane.name;
+        EXPECT_EQ(label->text(), GetKeyLockState(pane.lock) ? pane.text : "") << pane.name;
     }
 }
 
