@@ -27,6 +27,19 @@ bool IsBlank(QChar c)
     return c == u' ' || c == u'\t' || c == u'\n' || c == u'\v' || c == u'\f' || c == u'\r';
 }
 
+// Where the digits of a number start, as the C library's conversions see it:
+// after leading white space and one sign.
+qsizetype SkipBlanksAndSign(const QString& text, bool& negative)
+{
+    qsizetype i = 0;
+    while (i < text.size() && IsBlank(text[i]))
+        ++i;
+    negative = false;
+    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
+        negative = text[i++] == u'-';
+    return i;
+}
+
 // Characters a text line never holds: a file with them is not ruler data.
 bool IsControl(QChar c)
 {
@@ -190,12 +203,8 @@ QString FactoryFileName(int magnification)
 
 double LeadingNumber(const QString& text)
 {
-    qsizetype i = 0;
-    while (i < text.size() && IsBlank(text[i]))
-        ++i;
     bool negative = false;
-    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
-        negative = text[i++] == u'-';
+    qsizetype i = SkipBlanksAndSign(text, negative);
     // The decimal form only: digits, a point, digits, an exponent.
     std::string number;
     auto digits = [&] {
@@ -232,12 +241,8 @@ double LeadingNumber(const QString& text)
 
 int LeadingInt(const QString& text)
 {
-    qsizetype i = 0;
-    while (i < text.size() && IsBlank(text[i]))
-        ++i;
     bool negative = false;
-    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
-        negative = text[i++] == u'-';
+    qsizetype i = SkipBlanksAndSign(text, negative);
     long long value = 0;
     while (i < text.size() && text[i] >= u'0' && text[i] <= u'9') {
         value = value * 10 + (text[i++].unicode() - u'0');

@@ -1,5 +1,6 @@
 #include "calibration/CRulerSettingDlg.h"
 
+#include "TestFiles.h"
 #include "measure/FakeMeasureDocument.h"
 #include "platform/AppPaths.h"
 #include "platform/MessageBox.h"
@@ -22,18 +23,6 @@
 using SvrFile::LeadingNumber;
 
 namespace {
-
-QByteArray ReadAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
-
-bool WriteAll(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
 
 struct DialogFixture : ::testing::Test
 {

@@ -1,3 +1,4 @@
+#include "TestFiles.h"
 #include "image/FCObjImage.h"
 
 #include <QFile>
@@ -45,19 +46,6 @@ bool SameColours(const FCObjImage& a, const FCObjImage& b, int tolerance = 0)
                 return false;
         }
     return true;
-}
-
-QByteArray ReadAll(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-void WriteAll(const QString& path, const QByteArray& data)
-{
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(data);
 }
 
 // Python with Pillow, Debian's outside reader and writer of every format here.
@@ -286,7 +274,7 @@ TEST(PictureFiles, BadFilesFailWithAReasonAndLeaveThePictureAlone)
         const QByteArray data = ReadAll(whole);
         for (int cut : { 0, 1, 17, 18, 64, 127, 128, int(data.size()) / 2, int(data.size()) - 1 }) {
             const QString part = dir.filePath(QStringLiteral("cut%1.%2").arg(cut).arg(ext));
-            WriteAll(part, data.left(cut));
+            ASSERT_TRUE(WriteAll(part, data.left(cut)));
             FCObjImage img = Colourful(3, 3);
             if (img.Load(part)) {
                 EXPECT_EQ(img.Width(), 40) << ext << " cut at " << cut;
@@ -297,7 +285,7 @@ TEST(PictureFiles, BadFilesFailWithAReasonAndLeaveThePictureAlone)
         }
         // Our own formats never accept a truncated body.
         if (QByteArray(ext) == "pcx" || QByteArray(ext) == "tga") {
-            WriteAll(dir.filePath(QStringLiteral("short.") + ext), data.left(data.size() / 2));
+            ASSERT_TRUE(WriteAll(dir.filePath(QStringLiteral("short.") + ext), data.left(data.size() / 2)));
             EXPECT_FALSE(FCObjImage().Load(dir.filePath(QStringLiteral("short.") + ext))) << ext;
         }
     }
@@ -310,7 +298,7 @@ TEST(PictureFiles, BadFilesFailWithAReasonAndLeaveThePictureAlone)
             QByteArray junk = data;
             for (int k = 0; k < 8; ++k)
                 junk[int(rng() % junk.size())] = char(rng());
-            WriteAll(dir.filePath(QStringLiteral("junk.") + ext), junk);
+            ASSERT_TRUE(WriteAll(dir.filePath(QStringLiteral("junk.") + ext), junk));
             FCObjImage img;
             img.Load(dir.filePath(QStringLiteral("junk.") + ext)); // must not crash or hang
         }
@@ -329,13 +317,13 @@ TEST(PictureFiles, HugePicturesAreRefusedFromTheHeader)
     pcx[8] = pcx[9] = pcx[10] = pcx[11] = char(0xFF);
     pcx[65] = 1;
     pcx[66] = pcx[67] = char(0xFF);
-    WriteAll(dir.filePath("huge.pcx"), pcx + QByteArray(1000, '\x11'));
+    ASSERT_TRUE(WriteAll(dir.filePath("huge.pcx"), pcx + QByteArray(1000, '\x11')));
     // TGA: 65535 x 65535 true colour.
     QByteArray tga(18, '\0');
     tga[2] = 2;
     tga[12] = tga[13] = tga[14] = tga[15] = char(0xFF);
     tga[16] = 24;
-    WriteAll(dir.filePath("huge.tga"), tga + QByteArray(1000, '\x11'));
+    ASSERT_TRUE(WriteAll(dir.filePath("huge.tga"), tga + QByteArray(1000, '\x11')));
     // BMP: 30000 x 30000 in a header Qt would otherwise believe.
     QImage small(2, 2, QImage::Format_RGB32);
     small.fill(0);
@@ -344,7 +332,7 @@ TEST(PictureFiles, HugePicturesAreRefusedFromTheHeader)
     const qint32 side = 30000;
     std::memcpy(bmp.data() + 18, &side, 4);
     std::memcpy(bmp.data() + 22, &side, 4);
-    WriteAll(dir.filePath("huge.bmp"), bmp);
+    ASSERT_TRUE(WriteAll(dir.filePath("huge.bmp"), bmp));
     for (const char* name : { "huge.pcx", "huge.tga", "huge.bmp" }) {
         FCObjImage img;
         EXPECT_FALSE(img.Load(dir.filePath(name))) << name;

@@ -1,5 +1,6 @@
 #include "platform/SettingsKeys.h"
 
+#include "TestFiles.h"
 #include "platform/PrivateProfile.h"
 
 #include <QFile>
@@ -13,12 +14,6 @@
 using namespace SettingsKeys;
 
 namespace {
-
-QByteArray ReadAll(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 TEST(SettingsKeys, FreshInstallationDefaults)
 {
