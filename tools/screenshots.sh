@@ -88,6 +88,18 @@ if [ "${1:-}" = --inside-picture ]; then
   xdotool mousemove 700 450 mousedown 1 mousemove 760 450 mousemove 820 450 mouseup 1
   sleep 1
   import -window root "$out/picture-document.png"
+
+  # "&Open..." with the picture highlighted: its preview beside the list.
+  xdotool key ctrl+o
+  sleep 1
+  xdotool type --delay 20 "$(dirname "$picture")/"
+  xdotool key Return
+  sleep 0.5
+  xdotool type --delay 20 "$(basename "$picture")"
+  sleep 1
+  import -window root "$out/open-dialog.png"
+  xdotool key Escape
+  sleep 0.3
   kill -TERM "$pid"
   wait "$pid"
   exit

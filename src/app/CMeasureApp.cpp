@@ -5,13 +5,13 @@
 #include "app/CMainFrame.h"
 #include "app/CMeasureDoc.h"
 #include "app/CommandTable.h"
+#include "app/DlgSelectFile.h"
 #include "capture/CameraModels.h"
 #include "capture/SimDeviceProvider.h"
 #include "platform/DebugLog.h"
 #include "platform/SettingsKeys.h"
 
 #include <QApplication>
-#include <QFileDialog>
 #include <QIcon>
 #include <QLocale>
 #include <QScreen>
@@ -157,10 +157,10 @@ QStringList CMeasureApp::PictureOpenFilters()
 
 CDocument* CMeasureApp::OnFileOpen()
 {
-    const QString path = QFileDialog::getOpenFileName(m_mainFrame, tr("Open"), m_lastOpenedFile,
-        PictureOpenFilters().join(QStringLiteral(";;")), nullptr, QFileDialog::HideNameFilterDetails);
-    if (path.isEmpty())
+    DlgSelectFile dialog(m_mainFrame, m_lastOpenedFile, PictureOpenFilters());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return nullptr;
+    const QString path = dialog.selectedFiles().front();
     m_lastOpenedFile = path;
     return OpenDocumentFile(path);
 }

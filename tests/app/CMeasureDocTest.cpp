@@ -1,11 +1,17 @@
 #include "MeasureFrameFixture.h"
 #include "app/CommandTable.h"
+#include "app/DlgSelectFile.h"
 #include "calibration/CRulerSettingDlg.h"
 #include "image/FCObjImage.h"
 #include "platform/PrivateProfile.h"
 
 #include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
 #include <QRegularExpression>
+#include <QScopeGuard>
+#include <QTest>
+#include <QTimer>
 
 namespace {
 
@@ -267,6 +273,69 @@ TEST_F(MeasureFrameTest, APictureThatCannotBeReadIsReportedAndNotOpened)
     EXPECT_TRUE(frame->GetChildFrames().empty());
     ASSERT_EQ(messages.size(), 1);
     EXPECT_TRUE(messages.front().contains(QStringLiteral("bad.jpg")));
+}
+
+// "&Open..." previews what is highlighted, read as the document will read
+// it, opens the choice and starts there the next time.
+TEST_F(MeasureFrameTest, OpenDialogPreviewsOpensAndStartsAtTheLastChoice)
+{
+    Start(false);
+    const QString picture = WriteGradient(home.filePath("wide.bmp"), 300, 200);
+    QFile bad(home.filePath("bad.jpg"));
+    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
+    bad.write("not a picture");
+    bad.close();
+
+    QStringList firstFilters;
+    QString startedAt;
+    auto answer = [&](bool open) {
+        QTimer::singleShot(0, [&, open] {
+            auto* dialog = qobject_cast<DlgSelectFile*>(QApplication::activeModalWidget());
+            if (!dialog) {
+                ADD_FAILURE() << "no picture open dialog";
+                if (QWidget* other = QApplication::activeModalWidget())
+                    other->close();
+                return;
+            }
+            // Whatever fails below, the dialog must not stay open.
+            const auto close = qScopeGuard([dialog] {
+                if (dialog->isVisible())
+                    dialog->reject();
+            });
+            firstFilters = dialog->nameFilters();
+            startedAt = dialog->selectedFiles().value(0);
+            if (!open) {
+                dialog->reject();
+                return;
+            }
+            emit dialog->currentChanged(bad.fileName());
+            EXPECT_EQ(dialog->PreviewPicture()->text(), "No preview");
+            EXPECT_FALSE(dialog->PreviewCaption()->text().isEmpty()) << "the reason";
+            // Typing the name previews it as well as clicking it does.
+            auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            ASSERT_NE(name, nullptr);
+            dialog->setDirectory(home.path());
+            name->clear();
+            QTest::keyClicks(name, QStringLiteral("wide.bmp"));
+            EXPECT_EQ(dialog->PreviewCaption()->text(), "300 x 200, 24 bits");
+            const QPixmap shown = dialog->PreviewPicture()->pixmap();
+            EXPECT_EQ(shown.width(), dialog->PreviewPicture()->contentsRect().width());
+            EXPECT_NEAR(shown.height(), shown.width() * 2 / 3, 1) << "the picture's proportions";
+            static_cast<QDialog*>(dialog)->accept(); // checks the choice as OK does
+        });
+    };
+
+    const std::size_t before = frame->GetChildFrames().size();
+    answer(true);
+    frame->RouteCommand(ID_FILE_OPEN);
+    ASSERT_EQ(frame->GetChildFrames().size(), before + 1);
+    EXPECT_EQ(ActiveDoc()->GetImageSize(), QSize(300, 200));
+    EXPECT_EQ(firstFilters.value(0), "Image File (*.bmp, *.jpg) (*.bmp *.jpg *.jpeg)");
+
+    answer(false);
+    frame->RouteCommand(ID_FILE_OPEN);
+    EXPECT_EQ(startedAt, picture);
+    EXPECT_EQ(frame->GetChildFrames().size(), before + 1) << "cancel opens nothing";
 }
 
 TEST_F(MeasureFrameTest, FullScreenTakesTheVideoAwayAndBringsItBack)
