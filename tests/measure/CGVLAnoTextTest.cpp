@@ -65,15 +65,15 @@ TEST_F(TextFixture, TheBoxReachesFortyPixelsAboveAndLeftOfTheAnchor)
     Click(mgr, 205, { 100, 100 });
     DrawBits(mgr); // the element learns its font's size
     CGVLAnoText* text = At<CGVLAnoText>(mgr, 1);
-    EXPECT_EQ(text->HitTest({ 60, 60 }), CGVLShape::kHitBody);
-    EXPECT_EQ(text->HitTest({ 99, 127 }), CGVLShape::kHitBody);
-    EXPECT_EQ(text->HitTest({ 100, 100 }), 0) << "the anchor's handle";
-    EXPECT_EQ(text->HitTest({ 59, 80 }), -1);
-    EXPECT_EQ(text->HitTest({ 80, 128 }), -1);
-    text->m_arText = { "abcdefghij", "abc" }; // 100 pixels wide, 56 high
-    EXPECT_EQ(text->HitTest({ 199, 155 }), CGVLShape::kHitBody);
-    EXPECT_EQ(text->HitTest({ 200, 120 }), -1);
-    EXPECT_EQ(text->HitTest({ 150, 156 }), -1);
+    // The anchor's handle wins over the body; 100 pixels wide, 56 high for two lines.
+    for (const auto& [p, hit] :
+        { std::pair { QPoint(60, 60), CGVLShape::kHitBody }, { { 99, 127 }, CGVLShape::kHitBody },
+            { { 100, 100 }, 0 }, { { 59, 80 }, -1 }, { { 80, 128 }, -1 } })
+        EXPECT_EQ(text->HitTest(p), hit) << p.x() << "," << p.y();
+    text->m_arText = { "abcdefghij", "abc" };
+    for (const auto& [p, hit] :
+        { std::pair { QPoint(199, 155), CGVLShape::kHitBody }, { { 200, 120 }, -1 }, { { 150, 156 }, -1 } })
+        EXPECT_EQ(text->HitTest(p), hit) << p.x() << "," << p.y();
 
     Drag(mgr, 9, { 70, 70 }, { { 80, 75 }, { 90, 95 } });
     EXPECT_EQ(text->m_arCoord[0], QPoint(90, 95)) << "jumps to the press, then follows";

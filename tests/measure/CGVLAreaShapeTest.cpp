@@ -5,9 +5,7 @@
 
 using namespace MeasureTest;
 
-struct AreaShapeTest : MeasureFixture
-{
-};
+using AreaShapeTest = MeasureFixture;
 using Points = std::vector<QPoint>;
 
 TEST_F(AreaShapeTest, CircleFollowsTheDragFromItsCentreAndNeedsARadiusOfSix)
@@ -39,7 +37,7 @@ TEST_F(AreaShapeTest, CircleFollowsTheDragFromItsCentreAndNeedsARadiusOfSix)
     EXPECT_EQ(circle->AreaText(), "S=3.1mm2");
 }
 
-TEST_F(AreaShapeTest, RectangleNeedsTenPixelsOnOneSide)
+TEST_F(AreaShapeTest, RectangleNeedsTenPixelsOnOneSideAndKeepsItsAxesWhenACornerIsDragged)
 {
     Click(mgr, 4, { 50, 50 });
     Drag(mgr, 4, { 50, 50 }, { { 51, 51 }, { 59, 59 } });
@@ -53,12 +51,8 @@ TEST_F(AreaShapeTest, RectangleNeedsTenPixelsOnOneSide)
     EXPECT_DOUBLE_EQ(rect->GetPerimeter(), 2 * (100 * 0.1 + 70 * 0.2));
     mgr.m_nPrecision = 3;
     EXPECT_EQ(rect->AreaText(), "S=140.000um2");
-}
 
-TEST_F(AreaShapeTest, RectangleCornerDragsKeepTheOppositeCornerAndTheAxes)
-{
-    Drag(mgr, 4, { 50, 50 }, { { 51, 51 }, { 150, 120 } });
-    CGVLRect* rect = Last<CGVLRect>(mgr);
+    // Corner drags keep the opposite corner and the axes.
     auto drag = [&](QPoint from, QPoint to) {
         Drag(mgr, 9, from, { to });
         return rect->m_arCoord;
@@ -96,7 +90,7 @@ TEST_F(AreaShapeTest, RectangleIsDottedWhileSelectedAndItsLabelRisesWithTheFont)
     }
 }
 
-TEST_F(AreaShapeTest, PolygonAreaByTheShoelaceWhicheverWayItWasDrawn)
+TEST_F(AreaShapeTest, PolygonAreaByTheShoelaceWhicheverWayItWasDrawnAndALabelOnceClosed)
 {
     mgr.m_unit = { 1, 1.0, 1.0, 0, 0 };
     for (const Points& triangle : { Points { { 100, 100 }, { 110, 100 }, { 100, 110 } },
@@ -113,10 +107,9 @@ TEST_F(AreaShapeTest, PolygonAreaByTheShoelaceWhicheverWayItWasDrawn)
     Clicks(mgr, 5, { { 10, 10 }, { 60, 10 } });
     RightClick(mgr, 5, { 0, 0 });
     EXPECT_EQ(mgr.m_arShape.size(), 4u) << "two vertices are dropped";
-}
 
-TEST_F(AreaShapeTest, OpenPolygonDrawsARubberBandAndNoLabel)
-{
+    // Open, it draws a rubber band and no label.
+    mgr.DeleteAll();
     mgr.m_nFontBackground = 2;
     Clicks(mgr, 5, { { 50, 100 }, { 150, 100 }, { 150, 150 } });
     mgr.OnMouseMove(0, { 50, 200 }, 5);

@@ -2,51 +2,41 @@
 
 #include "MeasureTestSupport.h"
 
-#include <gtest/gtest.h>
-
 using namespace MeasureTest;
 
 namespace {
 
-struct LineFixture : ::testing::Test
+struct LineFixture : ElementFixture
 {
-    LineFixture() { Add(mgr, 9, { 300, 230 }); }
-    CGVLLine* Line(std::size_t index) { return dynamic_cast<CGVLLine*>(mgr.m_arShape.at(index).get()); }
     CGVLLine* Make(QPoint p0, QPoint p1) { return dynamic_cast<CGVLLine*>(AddLine(mgr, p0, p1)); }
-    CGVLElemMgr mgr;
 };
 
 } // namespace
 
-TEST_F(LineFixture, DragMakesALineFromTheReleasePointToTheDragStart)
+TEST_F(LineFixture, DragMakesALineFromTheReleasePointToTheDragStartIfLongEnough)
 {
     mgr.OnLButtonDown(1, { 100, 100 }, 2);
     mgr.OnMouseMove(1, { 103, 101 }, 2);
     mgr.OnMouseMove(1, { 200, 180 }, 2);
-    CGVLLine* line = Line(1);
-    EXPECT_TRUE(line->m_bDown && line->m_bSelected);
-    EXPECT_EQ(mgr.m_bMouseDown, 1);
+    CGVLLine* line = Elem<CGVLLine>(1);
+    EXPECT_TRUE(line->m_bDown && line->m_bSelected && mgr.m_bMouseDown == 1);
     mgr.OnLButtonUp(0, { 200, 180 }, 2);
     EXPECT_EQ(line->m_arCoord, (std::vector<QPoint> { { 200, 180 }, { 103, 101 } }));
-    EXPECT_FALSE(line->m_bDown || line->m_bSelected);
+    EXPECT_FALSE(line->m_bDown || line->m_bSelected || mgr.m_bMouseDown);
     EXPECT_EQ(line->m_nHit, -1);
-    EXPECT_EQ(mgr.m_bMouseDown, 0);
-}
 
-TEST_F(LineFixture, TooShortLinesAndArrowsAreDropped)
-{
     auto count = [&](int tool, std::vector<QPoint> moves) {
         Drag(mgr, tool, { 50, 50 }, moves);
         return mgr.m_arShape.size();
     };
-    EXPECT_EQ(count(2, {}), 1u) << "a click";
-    EXPECT_EQ(count(2, { { 51, 50 }, { 55, 54 } }), 1u) << "4 pixels both ways";
-    EXPECT_EQ(count(2, { { 51, 50 }, { 52, 80 } }), 2u) << "one long side is enough";
-    EXPECT_EQ(count(2, { { 51, 50 }, { 59, 50 } }), 3u) << "8 pixels";
-    EXPECT_EQ(count(203, { { 51, 50 }, { 59, 50 } }), 3u) << "an 8-pixel arrow";
-    EXPECT_EQ(count(203, { { 51, 50 }, { 61, 50 } }), 4u);
-    EXPECT_EQ(mgr.m_arShape[3]->GetType(), 12);
-    EXPECT_EQ(mgr.m_arShape[3]->m_arCoord[1], QPoint(51, 50)) << "the head is where the drag began";
+    EXPECT_EQ(count(2, {}), 2u) << "a click";
+    EXPECT_EQ(count(2, { { 51, 50 }, { 55, 54 } }), 2u) << "4 pixels both ways";
+    EXPECT_EQ(count(2, { { 51, 50 }, { 52, 80 } }), 3u) << "one long side is enough";
+    EXPECT_EQ(count(2, { { 51, 50 }, { 59, 50 } }), 4u) << "8 pixels";
+    EXPECT_EQ(count(203, { { 51, 50 }, { 59, 50 } }), 4u) << "an 8-pixel arrow";
+    EXPECT_EQ(count(203, { { 51, 50 }, { 61, 50 } }), 5u);
+    EXPECT_EQ(mgr.m_arShape[4]->GetType(), 12);
+    EXPECT_EQ(mgr.m_arShape[4]->m_arCoord[1], QPoint(51, 50)) << "the head is where the drag began";
 }
 
 TEST_F(LineFixture, LengthKeepsTheScalesApartAndLabelsByPrecision)
@@ -67,7 +57,7 @@ TEST_F(LineFixture, LengthKeepsTheScalesApartAndLabelsByPrecision)
     EXPECT_EQ(line->LabelText(), "");
 }
 
-TEST_F(LineFixture, LabelSitsBesideTheMiddleByTheSlope)
+TEST_F(LineFixture, LabelSitsBesideTheMiddleByTheSlopeInACellOfTheFontSize)
 {
     EXPECT_EQ(Make({ 0, 0 }, { 100, 100 })->LabelPos(), QPoint(60, 30));
     EXPECT_EQ(Make({ 0, 100 }, { 100, 0 })->LabelPos(), QPoint(60, 60));
@@ -75,10 +65,8 @@ TEST_F(LineFixture, LabelSitsBesideTheMiddleByTheSlope)
     EXPECT_EQ(Make({ 0, 40 }, { 101, 40 })->LabelPos(), QPoint(50, 20));
     EXPECT_EQ(Make({ 0, 100 }, { 100, 95 })->LabelPos(), QPoint(60, 77)) << "slope -0.05";
     EXPECT_EQ(Make({ 0, 100 }, { 100, 90 })->LabelPos(), QPoint(60, 105)) << "slope -0.1";
-}
+    mgr.m_arShape.resize(1);
 
-TEST_F(LineFixture, LabelCellFollowsFontSizeAndBackground)
-{
     CGVLLine* line = Make({ 20, 150 }, { 220, 150 });
     mgr.m_nFontBackground = 2;
     for (const auto& [fontSize, height] : { std::pair { 1, 20 }, { 2, 28 }, { 3, 36 }, { 7, 20 } }) {

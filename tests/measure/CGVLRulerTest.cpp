@@ -48,71 +48,50 @@ TEST_F(RulerFixture, HitTestTakesTheBodyFirstAndAnswersZeroForAMiss)
 {
     ASSERT_NE(ruler, nullptr);
     EXPECT_EQ(ruler->GetArms(), std::make_pair(QPoint(50, 100), QPoint(100, 50))) << "P1, P0 as constructed";
-    // Body: (45, 45) to (96, 96), right and bottom outside.
-    EXPECT_EQ(ruler->HitTest({ 45, 45 }), 1);
-    EXPECT_EQ(ruler->HitTest({ 95, 95 }), 1);
-    EXPECT_EQ(ruler->HitTest({ 95, 50 }), 1) << "inside the P0 square too: the body wins";
-    EXPECT_EQ(ruler->HitTest({ 50, 95 }), 1) << "inside the P1 square too";
-    EXPECT_EQ(ruler->HitTest({ 96, 50 }), 2);
-    EXPECT_EQ(ruler->HitTest({ 104, 54 }), 2);
-    EXPECT_EQ(ruler->HitTest({ 105, 50 }), 0);
-    EXPECT_EQ(ruler->HitTest({ 100, 55 }), 0);
-    EXPECT_EQ(ruler->HitTest({ 50, 96 }), 3);
-    EXPECT_EQ(ruler->HitTest({ 54, 104 }), 3);
-    EXPECT_EQ(ruler->HitTest({ 50, 105 }), 0);
-    EXPECT_EQ(ruler->HitTest({ 44, 60 }), 0);
-    EXPECT_EQ(ruler->HitTest({ 300, 300 }), 0);
+    // Body (45, 45) to (96, 96), right and bottom outside, wins over the arm
+    // ends' squares: (95, 50) and (50, 95) lie in those too.
+    for (const auto& [p, hit] :
+        { std::pair { QPoint(45, 45), 1 }, { { 95, 95 }, 1 }, { { 95, 50 }, 1 }, { { 50, 95 }, 1 },
+            { { 96, 50 }, 2 }, { { 104, 54 }, 2 }, { { 105, 50 }, 0 }, { { 100, 55 }, 0 }, { { 50, 96 }, 3 },
+            { { 54, 104 }, 3 }, { { 50, 105 }, 0 }, { { 44, 60 }, 0 }, { { 300, 300 }, 0 } })
+        EXPECT_EQ(ruler->HitTest(p), hit) << p.x() << "," << p.y();
 }
 
-TEST_F(RulerFixture, ArmDragsSetThePixelScaleOfTheManagersRecord)
+TEST_F(RulerFixture, ArmDragsSetThePixelScaleAndStopOnePixelPastTheCorner)
 {
     Drag(mgr, 9, { 100, 50 }, { { 180, 57 }, { 250, 60 } });
     EXPECT_EQ(P0(), QPoint(250, 50)) << "the arm only changes its length";
-    EXPECT_EQ(mgr.m_unit.m_dcxPerPixel, 2.0 / 200);
-    EXPECT_EQ(mgr.m_unit.m_dcyPerPixel, 3.0 / 50);
-    EXPECT_EQ(mgr.m_unit.m_rtUnit, 1) << "the rest of the record stays";
-    EXPECT_EQ(mgr.m_unit.m_dcxReal, 2.0);
-
+    EXPECT_EQ(mgr.m_unit, (CalibrationRecord { 1, 2.0 / 200, 3.0 / 50, 2.0, 3.0 })) << "the rest stays";
     Drag(mgr, 0, { 52, 103 }, { { 40, 350 } });
     EXPECT_EQ(P1(), QPoint(50, 350));
-    EXPECT_EQ(mgr.m_unit.m_dcyPerPixel, 3.0 / 300);
-    EXPECT_EQ(mgr.m_unit.m_dcxPerPixel, 2.0 / 200);
+    EXPECT_EQ(mgr.m_unit, (CalibrationRecord { 1, 2.0 / 200, 3.0 / 300, 2.0, 3.0 }));
     EXPECT_EQ(ruler->m_nRulerHit, 0) << "released";
     EXPECT_EQ(window.calibrationEvents, 3) << "one message per move that changed the scale";
+
+    Drag(mgr, 9, { 250, 50 }, { { -20, 50 } });
+    Drag(mgr, 9, { 50, 350 }, { { 50, 10 } });
+    EXPECT_EQ(ruler->GetArms(), std::make_pair(QPoint(50, 51), QPoint(51, 50)));
+    EXPECT_EQ(mgr.m_unit, (CalibrationRecord { 1, 2.0, 3.0, 2.0, 3.0 }))
+        << "one pixel, never a division by zero";
 }
 
-TEST_F(RulerFixture, ArmEndsStopOnePixelPastTheCorner)
-{
-    Drag(mgr, 9, { 100, 50 }, { { -20, 50 } });
-    EXPECT_EQ(P0(), QPoint(51, 50));
-    EXPECT_EQ(mgr.m_unit.m_dcxPerPixel, 2.0) << "one pixel, never a division by zero";
-    Drag(mgr, 9, { 50, 100 }, { { 50, 10 } });
-    EXPECT_EQ(P1(), QPoint(50, 51));
-    EXPECT_EQ(mgr.m_unit.m_dcyPerPixel, 3.0);
-}
-
-TEST_F(RulerFixture, MovingTheWholeRulerKeepsTheCalibration)
+TEST_F(RulerFixture, MovingTheWholeRulerKeepsTheCalibrationAndOnlyNoneAndMoveDrag)
 {
     const CalibrationRecord before = mgr.m_unit;
     Drag(mgr, 9, { 60, 60 }, { { 70, 65 }, { 160, 110 } });
-    EXPECT_EQ(P0(), QPoint(200, 100));
-    EXPECT_EQ(P1(), QPoint(150, 150));
+    EXPECT_EQ(ruler->GetArms(), std::make_pair(QPoint(150, 150), QPoint(200, 100)));
     EXPECT_EQ(mgr.m_unit, before);
     EXPECT_EQ(window.calibrationEvents, 2) << "the dialog still follows the ruler's position";
-}
 
-TEST_F(RulerFixture, OnlyTheNoneAndMoveToolsDrag)
-{
     // Presses of creating tools never reach the elements; a press taken with
     // tool 200 does not let a later move with another tool drag.
-    Drag(mgr, 2, { 100, 50 }, { { 102, 52 }, { 300, 50 } });
-    EXPECT_EQ(P0(), QPoint(100, 50));
+    Drag(mgr, 2, { 200, 100 }, { { 202, 102 }, { 300, 100 } });
     EXPECT_EQ(mgr.m_arShape.size(), 2u) << "the press made a line instead";
-    mgr.OnLButtonDown(1, { 100, 50 }, 200);
+    mgr.OnLButtonDown(1, { 200, 100 }, 200);
     EXPECT_EQ(ruler->m_nRulerHit, 2);
-    mgr.OnMouseMove(1, { 300, 50 }, 200);
-    mgr.OnLButtonUp(0, { 300, 50 }, 200);
-    EXPECT_EQ(P0(), QPoint(100, 50));
+    mgr.OnMouseMove(1, { 300, 100 }, 200);
+    mgr.OnLButtonUp(0, { 300, 100 }, 200);
+    EXPECT_EQ(P0(), QPoint(200, 100));
     EXPECT_EQ(mgr.m_arShape.front().get(), ruler) << "the delete tool does not remove the ruler";
 }
 
@@ -137,7 +116,7 @@ TEST_F(RulerFixture, PressesGoOnToTheElementsBelowAndAHiddenRulerTakesNone)
     EXPECT_EQ(mgr.m_unit, before) << "no calibration from a ruler the user cannot see";
 }
 
-TEST_F(RulerFixture, IsNeverDeletedNorEmptied)
+TEST_F(RulerFixture, IsNeverDeletedNorEmptiedAndLabelsAtTheManagersPrecision)
 {
     AddLine(mgr, { 10, 200 }, { 90, 200 });
     ruler->ClearCoords();
@@ -146,10 +125,7 @@ TEST_F(RulerFixture, IsNeverDeletedNorEmptied)
     mgr.DeleteAll();
     ASSERT_EQ(mgr.m_arShape.size(), 1u);
     EXPECT_EQ(mgr.m_arShape.front().get(), ruler);
-}
 
-TEST_F(RulerFixture, LabelsShowTheRealLengthsAtTheManagersPrecision)
-{
     mgr.m_nPrecision = 3;
     EXPECT_EQ(ruler->XLabel(), "2.000 mm");
     EXPECT_EQ(ruler->YLabel(), "3.000 mm");
@@ -168,25 +144,21 @@ TEST_F(RulerFixture, DrawsTheArmsWithTicksAndLabelsInTheSmallFontWhateverTheSize
     mgr.m_nPrecision = 6; // arms alone
     Bits arms = DrawBits(mgr);
     EXPECT_EQ(arms.Extent(kKeyBits), QRect(QPoint(45, 45), QPoint(100, 100)));
-    EXPECT_EQ(arms.At(45, 50), kGreen) << "the horizontal arm starts 5 left of the corner";
-    EXPECT_EQ(arms.At(99, 50), kGreen);
-    EXPECT_EQ(arms.At(100, 45), kGreen) << "tick through P0";
-    EXPECT_EQ(arms.At(100, 54), kGreen);
-    EXPECT_EQ(arms.At(50, 45), kGreen) << "the vertical arm starts 5 above";
-    EXPECT_EQ(arms.At(54, 100), kGreen) << "tick through P1";
+    // Each arm starts 5 before the corner; a tick crosses each end.
+    for (const QPoint p :
+        { QPoint(45, 50), QPoint(99, 50), QPoint(100, 45), QPoint(100, 54), QPoint(50, 45), QPoint(54, 100) })
+        EXPECT_EQ(arms.At(p.x(), p.y()), kGreen) << p.x() << "," << p.y();
     EXPECT_EQ(arms.At(70, 70), kKeyBits);
 
     mgr.m_nPrecision = 2;
     mgr.m_nFontSize = 1;
     const Bits small = DrawBits(mgr);
     mgr.m_nFontSize = 3;
-    const Bits big = DrawBits(mgr);
-    EXPECT_EQ(small.data, big.data) << "the ruler's labels ignore the font size";
+    EXPECT_EQ(small.data, DrawBits(mgr).data) << "the ruler's labels ignore the font size";
     const QRect all = small.Extent(kKeyBits);
     EXPECT_GT(all.right(), 140) << "the label right of P0";
     EXPECT_LE(all.bottom(), 105 + 20) << "20 pixels high under P1";
     EXPECT_GT(all.bottom(), 110);
-
     mgr.m_bHide = 1;
     EXPECT_EQ(DrawBits(mgr).Extent(kKeyBits), QRect()) << "hidden";
 }

@@ -29,8 +29,12 @@ struct CsvFixture : MeasureFixture
 
 } // namespace
 
-TEST_F(CsvFixture, EveryMeasuringShapeGivesItsRowsInCreationOrder)
+TEST_F(CsvFixture, EveryMeasuringShapeGivesItsRowsInCreationOrderAndNoneNothing)
 {
+    EXPECT_EQ(Csv(), "") << "the ruler alone";
+    Annotate({ 100, 100 });
+    EXPECT_EQ(Csv(true), "No.;Type;Result;Unit\n") << "only elements that measure nothing";
+    mgr.DeleteAll();
     mgr.m_unit = { 1, 0.1, 0.1, 0, 0 };
     mgr.m_nPrecision = 3;
     AddLine(mgr, { 0, 0 }, { 30, 40 });
@@ -85,16 +89,6 @@ TEST_F(CsvFixture, EveryPrecisionAndUnitWithTheUnitsLeadingSpace)
     const QByteArray last = csv.mid(csv.lastIndexOf('\n') + 1);
     EXPECT_EQ(last.size(), 255) << "no line feed left";
     EXPECT_TRUE(last.startsWith("2,Rect area,1000000000"));
-}
-
-TEST_F(CsvFixture, NothingWithTheRulerAloneAndTheHeaderWithoutMeasurements)
-{
-    EXPECT_EQ(Csv(), "");
-    Annotate({ 100, 100 });
-    EXPECT_EQ(Csv(true), "No.;Type;Result;Unit\n");
-    AddLine(mgr, { 0, 0 }, { 100, 0 });
-    mgr.DeleteAll();
-    EXPECT_EQ(Csv(), "");
 }
 
 TEST_F(CsvFixture, NumbersKeepAPeriodUnderACommaLocale)

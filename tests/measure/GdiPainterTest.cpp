@@ -120,6 +120,20 @@ TEST(GdiPainter, EllipseCoversLeftToRightMinusOneWithAnyPen)
     }
 }
 
+TEST(GdiPainter, AWideArcIsCutWhereTheRaysMeetTheEllipse)
+{
+    Canvas c(100, 60);
+    // Centre (50, 30), radii 40 and 20: the ray through the box's corner
+    // meets the ellipse 45 degrees along it, near (77, 16), not at the
+    // corner's own 26.6 degrees, near (85, 21).
+    Gdi::Arc(c.dc, kSolid, { 10, 10, 90, 50 }, { 90, 10 }, { 50, 0 });
+    const QRect lit = c.Lit();
+    EXPECT_EQ(lit.top(), 10);
+    EXPECT_NEAR(lit.left(), 50, 1);
+    EXPECT_NEAR(lit.right(), 77, 2);
+    EXPECT_NEAR(lit.bottom(), 16, 1);
+}
+
 TEST(GdiPainter, FontsReachTheCellHeightAndAverageWidth)
 {
     for (const auto& [height, width] : { std::pair { 20, 8 }, { 28, 10 }, { 36, 14 }, { 12, 7 } }) {

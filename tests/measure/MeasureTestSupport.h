@@ -150,6 +150,14 @@ template <typename Shape> Shape* Last(CGVLElemMgr& mgr)
     return mgr.m_arShape.empty() ? nullptr : At<Shape>(mgr, mgr.m_arShape.size() - 1);
 }
 
+// A manager whose element 0 is a stand-in drawn out of the way, at (300, 230).
+struct ElementFixture : ::testing::Test
+{
+    ElementFixture() { Add(mgr, 9, { 300, 230 }); }
+    template <typename Shape = CGVLShape> Shape* Elem(std::size_t index) { return At<Shape>(mgr, index); }
+    CGVLElemMgr mgr;
+};
+
 // A manager with its ruler as element 0, strokes red and handles green.
 struct MeasureFixture : ::testing::Test
 {

@@ -1,18 +1,19 @@
 #include "MeasureTestSupport.h"
 #include "measure/CGVLAnoText.h"
 
+#include <QImage>
+#include <QPainter>
 #include <QWidget>
 
 #include <atomic>
 #include <chrono>
-#include <functional>
 #include <thread>
 
 using namespace MeasureTest;
 
 namespace {
 
-// A live overlay worker drawing the manager's elements until it is destroyed.
+// The live overlay worker, drawing the manager's elements until destroyed.
 struct OverlayWorker
 {
     explicit OverlayWorker(CGVLElemMgr& mgr)
@@ -24,6 +25,8 @@ struct OverlayWorker
             }
         })
     {
+        while (passes.load() == 0)
+            std::this_thread::yield();
     }
     ~OverlayWorker()
     {
@@ -35,16 +38,69 @@ struct OverlayWorker
     std::thread thread;
 };
 
+struct ThreadFixture : ::testing::Test
+{
+    ThreadFixture()
+    {
+        mgr.m_hWnd = &window;
+        mgr.CreateShape(9);
+        mgr.m_bShowRuler = 1;
+    }
+    QWidget window; // never shown: repaint requests go nowhere
+    CGVLElemMgr mgr;
+};
+
 } // namespace
+
+// Every tool's elements placed, dragged, exported and deleted, settings
+// changed and the screen painted while the worker draws: under
+// ThreadSanitizer nothing is read while it changes.
+TEST_F(ThreadFixture, ElementsAreEditedExportedAndPaintedWhileTheWorkerDraws)
+{
+    OverlayWorker worker(mgr);
+    QImage screen(320, 240, QImage::Format_RGB32);
+    // At least 20 rounds, and on until the worker has drawn a few times in between.
+    for (int round = 0; round < 20 || (worker.passes.load() < 5 && round < 5000); ++round) {
+        const QPoint o(round * 5 % 100, round * 3 % 100);
+        Drag(mgr, 2, o + QPoint(10, 20), { o + QPoint(11, 21), o + QPoint(120, 140) });
+        Drag(mgr, 203, o + QPoint(200, 10), { o + QPoint(201, 11), o + QPoint(260, 90) });
+        Click(mgr, 202, o + QPoint(30, 200));
+        Click(mgr, 1, o + QPoint(150, 100));
+        Clicks(mgr, 3, { o + QPoint(80, 40), o + QPoint(40, 40), o + QPoint(40, 10) });
+        Clicks(mgr, 7, { o + QPoint(100, 100), o + QPoint(140, 100), o + QPoint(100, 140) });
+        Drag(mgr, 6, o + QPoint(200, 60), { o + QPoint(201, 60), o + QPoint(230, 80) });
+        Drag(mgr, 4, o + QPoint(20, 150), { o + QPoint(21, 151), o + QPoint(90, 200) });
+        Clicks(mgr, 5, { o + QPoint(150, 150), o + QPoint(250, 150), o + QPoint(250, 220) });
+        mgr.OnMouseMove(0, o + QPoint(160, 230), 5);
+        RightClick(mgr, 5, o);
+        Drag(mgr, 9, o + QPoint(90, 200), { o + QPoint(100, 210) });
+        Drag(mgr, 2, { 5, 5 }, { { 6, 6 }, { 7, 7 } }); // too short: leaves at once
+        EXPECT_FALSE(ExportCsv(mgr).isEmpty());
+        Click(mgr, 200, o + QPoint(30, 200));
+        Click(mgr, 200, o + QPoint(40, 40));
+        mgr.SetOrigin({ -round, -2 * round });
+        {
+            const auto lock = mgr.Lock();
+            mgr.m_nPrecision = 1 + round % 5;
+            mgr.m_nFontSize = 1 + round % 3;
+            mgr.m_nFontBackground = 1 + round % 2;
+            mgr.m_color.m_ctRuler = round % 8;
+            mgr.m_unit.m_dcxPerPixel = 0.1 + round * 0.01;
+            mgr.m_bCrossDashed = round & 1;
+        }
+        QPainter dc(&screen);
+        mgr.DrawAll(dc, screen.width(), screen.height());
+        if (round % 5 == 4)
+            mgr.DeleteAll();
+    }
+    EXPECT_GE(worker.passes.load(), 5);
+    EXPECT_EQ(mgr.m_arShape.at(0)->GetType(), 9);
+}
 
 // The text dialog may stay open as long as the user likes; the live overlay
 // must go on being drawn meanwhile, so the dialog runs without the lock.
-TEST(ShapesThread, TheOverlayWorkerDrawsWhileTheTextIsAsked)
+TEST_F(ThreadFixture, TheOverlayWorkerDrawsWhileTheTextIsAsked)
 {
-    QWidget window;
-    CGVLElemMgr mgr;
-    mgr.m_hWnd = &window;
-    mgr.CreateShape(9);
     bool drewWhileAsking = true;
     {
         OverlayWorker worker(mgr);
@@ -65,34 +121,4 @@ TEST(ShapesThread, TheOverlayWorkerDrawsWhileTheTextIsAsked)
     EXPECT_TRUE(drewWhileAsking);
     ASSERT_EQ(mgr.m_arShape.size(), 6u);
     EXPECT_EQ(At<CGVLAnoText>(mgr, 5)->m_arText, (QStringList { "Sample", "7" }));
-}
-
-// Every measuring shape placed, dragged, exported and deleted while the
-// worker draws: under ThreadSanitizer nothing is read while it changes.
-TEST(ShapesThread, MeasuringShapesAreEditedAndExportedWhileTheWorkerDraws)
-{
-    QWidget window;
-    CGVLElemMgr mgr;
-    mgr.m_hWnd = &window;
-    mgr.CreateShape(9);
-    OverlayWorker worker(mgr);
-    while (worker.passes.load() == 0)
-        std::this_thread::yield();
-    // At least 20 rounds, and on until the worker has drawn a few times in between.
-    for (int round = 0; round < 20 || (worker.passes.load() < 5 && round < 5000); ++round) {
-        const QPoint o(round * 5, round * 3);
-        Clicks(mgr, 3, { o + QPoint(80, 40), o + QPoint(40, 40), o + QPoint(40, 10) });
-        Clicks(mgr, 7, { o + QPoint(100, 100), o + QPoint(140, 100), o + QPoint(100, 140) });
-        Drag(mgr, 6, o + QPoint(200, 60), { o + QPoint(201, 60), o + QPoint(230, 80) });
-        Drag(mgr, 4, o + QPoint(20, 150), { o + QPoint(21, 151), o + QPoint(90, 200) });
-        Clicks(mgr, 5, { o + QPoint(150, 150), o + QPoint(250, 150), o + QPoint(250, 220) });
-        mgr.OnMouseMove(0, o + QPoint(160, 230), 5);
-        RightClick(mgr, 5, o);
-        Drag(mgr, 9, o + QPoint(90, 200), { o + QPoint(100, 210) });
-        EXPECT_FALSE(ExportCsv(mgr).isEmpty());
-        Click(mgr, 200, o + QPoint(40, 40));
-        if (round % 5 == 4)
-            mgr.DeleteAll();
-    }
-    EXPECT_GE(worker.passes.load(), 5);
 }
