@@ -20,24 +20,12 @@ namespace {
 
 const QString kDemo = QString::fromUtf8(kDemoCameraName);
 
-GstCaps* SizeCaps(int w, int h)
-{
-    return gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "YUY2", "width", G_TYPE_INT, w,
-        "height", G_TYPE_INT, h, "framerate", GST_TYPE_FRACTION, 30, 1, nullptr);
-}
-
 void AddCamera(const QString& name, int w, int h)
 {
-    GstCaps* caps = SizeCaps(w, h);
+    GstCaps* caps = gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "YUY2", "width", G_TYPE_INT,
+        w, "height", G_TYPE_INT, h, "framerate", GST_TYPE_FRACTION, 30, 1, nullptr);
     AddSimDevice(name, caps);
     gst_caps_unref(caps);
-}
-
-QSize BoundSize(CXCapGraph& graph)
-{
-    unsigned w = 0, h = 0;
-    graph.GetVideoSize(&w, &h);
-    return QSize(int(w), int(h));
 }
 
 // Runs fn on the next modal dialog of type T once it is open.
@@ -134,21 +122,20 @@ TEST_F(Devices, KnownModelsStartAtTheirSizesFromTheSettings)
         AddCamera(QString::fromUtf8(name), 320, 240);
         GstElement* filter = nullptr;
         ASSERT_EQ(graph.GetSpecCapDevice(&filter, QString::fromUtf8(name)), S_OK);
-        EXPECT_EQ(BoundSize(graph), size) << name;
+        EXPECT_EQ(VideoSize(graph), size) << name;
     }
-}
 
-TEST_F(Devices, TheOddCcdCameraGetsItsSizeOnlyWhenChosenByName)
-{
+    // The odd CCD camera gets its size only when chosen by name.
+    RemoveAllSimDevices();
     EnableDemoCamera(false);
-    const QString name = QStringLiteral("Vendor USB2_CCD_5.01M_YF Camera");
-    AddCamera(name, 320, 240);
+    const QString ccd = QStringLiteral("Vendor USB2_CCD_5.01M_YF Camera");
+    AddCamera(ccd, 320, 240);
     GstElement* filter = nullptr;
-    ASSERT_EQ(graph.GetSpecCapDevice(&filter, name), S_OK);
-    EXPECT_EQ(BoundSize(graph), QSize(868, 650));
+    ASSERT_EQ(graph.GetSpecCapDevice(&filter, ccd), S_OK);
+    EXPECT_EQ(VideoSize(graph), QSize(868, 650));
     ASSERT_EQ(graph.GetDefaultCapDevice(&filter), S_OK);
-    EXPECT_EQ(graph.DeviceName(), name);
-    EXPECT_EQ(BoundSize(graph), QSize(1280, 1024));
+    EXPECT_EQ(graph.DeviceName(), ccd);
+    EXPECT_EQ(VideoSize(graph), QSize(1280, 1024));
 }
 
 TEST_F(Devices, KeepsAtMost256AndTheDialogShows200)
@@ -166,13 +153,8 @@ TEST_F(Devices, ChoosingAnotherCameraRebuildsTheLivePreview)
 {
     AddCamera(QStringLiteral("Small Camera"), 320, 240);
     QWidget view;
-    graph.SetDeviceName(kDemo);
-    ASSERT_EQ(graph.InitGraph(), S_OK);
-    graph.EnumFormats();
-    graph.BuildPreviewGraph();
+    ASSERT_TRUE(StartPreview(graph, kDemo));
     graph.SetParentWnd(&view, 0, 0, 1280, 1024);
-    ASSERT_EQ(graph.RunGraph(), S_OK);
-    ASSERT_TRUE(WaitFreshFrames(graph));
 
     int calls = 0;
     QSize newSize;
@@ -203,11 +185,9 @@ TEST_F(Devices, ChoosingAnotherCameraRebuildsTheLivePreview)
     // fallback, so its own size comes back.
     EXPECT_EQ(newSize, QSize(320, 240));
     ASSERT_TRUE(WaitFreshFrames(graph));
-    int fw = 0, fh = 0;
-    graph.GetStateA(&fw, &fh);
-    EXPECT_EQ(QSize(fw, fh), QSize(320, 240));
+    EXPECT_EQ(ProcessedSize(graph), QSize(320, 240));
     EXPECT_EQ(graph.VideoWidget()->parentWidget(), &view);
-    EXPECT_TRUE(messages.Texts().isEmpty()) << messages.Texts().join('|').toStdString();
+    EXPECT_TRUE(messages.Texts().isEmpty()) << Shown(messages);
 }
 
 TEST_F(Devices, WatcherReportsCamerasPluggedInAndOut)
@@ -226,18 +206,16 @@ TEST_F(Devices, WatcherReportsCamerasPluggedInAndOut)
     ASSERT_TRUE(PumpUntil([&] { return removed.contains(kDemo); }));
 }
 
-TEST_F(Devices, FormatDialogSetsTheSizeAndTheFormatIndex)
+TEST_F(Devices, DialogsSetTheFormatTheCameraAndTheProcessing)
 {
-    graph.SetDeviceName(kDemo);
-    ASSERT_EQ(graph.InitGraph(), S_OK);
-    graph.EnumFormats();
+    ASSERT_TRUE(BindCamera(graph, kDemo));
     WhenOpen<CFormatDlg>([](CFormatDlg* d) {
         d->SetSelectedIndex(3);
         d->accept();
     });
     ASSERT_EQ(graph.ShowFormatDialog(kDemo, nullptr), S_OK);
     EXPECT_EQ(graph.SelectedFormat(), 3);
-    EXPECT_EQ(BoundSize(graph), QSize(1280, 1024));
+    EXPECT_EQ(VideoSize(graph), QSize(1280, 1024));
     EXPECT_EQ(CFormatDlg::Describe(graph.Formats()[3]), QStringLiteral("1280 x 1024   MJPG   30 fps"));
 
     // Another camera's name binds that camera first; Cancel keeps its format.
@@ -245,25 +223,14 @@ TEST_F(Devices, FormatDialogSetsTheSizeAndTheFormatIndex)
     WhenOpen<CFormatDlg>([](CFormatDlg* d) { d->reject(); });
     ASSERT_EQ(graph.ShowFormatDialog(QStringLiteral("Other"), nullptr), S_OK);
     EXPECT_EQ(graph.DeviceName(), QStringLiteral("Other"));
-    EXPECT_EQ(BoundSize(graph), QSize(352, 288));
-}
+    EXPECT_EQ(VideoSize(graph), QSize(352, 288));
 
-TEST_F(Devices, PropertiesDialogsChangeTheCameraAndTheProcessingLive)
-{
-    graph.SetDeviceName(kDemo);
-    ASSERT_EQ(graph.InitGraph(), S_OK);
-    graph.EnumFormats();
+    ASSERT_TRUE(BindCamera(graph, kDemo));
     graph.BuildPreviewGraph();
-
+    // The camera's controls by their place in the list, clamped to their range.
     CDevicePropertiesDlg camera(graph.DeviceElement(), nullptr);
-    QStringList names;
-    for (const CameraControl& c : camera.Controls())
-        names << c.name;
-    EXPECT_EQ(names,
-        QStringList({ QStringLiteral("Brightness"), QStringLiteral("Contrast"), QStringLiteral("Saturation"),
-            QStringLiteral("Vignetting"), QStringLiteral("Noise"), QStringLiteral("Drift") }));
     camera.Apply(0, 40);
-    camera.Apply(1, 500); // clamped to the control's range
+    camera.Apply(1, 500);
     camera.Apply(3, 0);
     int brightness = 0, contrast = 0;
     gboolean vignetting = TRUE;

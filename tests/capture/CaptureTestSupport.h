@@ -9,11 +9,18 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QSize>
 #include <QStringList>
 #include <QThread>
 
+#include <algorithm>
 #include <functional>
+#include <gtest/gtest.h>
 #include <vector>
+
+// 320 x 240 YUY2 only: frames are cheap and rows unpadded.
+inline const char* const kSmallCameraCaps = "video/x-raw, format=(string)YUY2, width=(int)320, "
+                                            "height=(int)240, framerate=(fraction)30/1";
 
 // Runs the event loop until the condition holds or the time is up.
 inline bool PumpUntil(const std::function<bool()>& done, int timeoutMs = 5000)
@@ -27,6 +34,12 @@ inline bool PumpUntil(const std::function<bool()>& done, int timeoutMs = 5000)
         QThread::msleep(2);
     }
     return true;
+}
+
+// Keeps frames flowing for a while.
+inline void Pump(int ms)
+{
+    PumpUntil([] { return false; }, ms);
 }
 
 // Collects every message box instead of showing it.
@@ -88,6 +101,79 @@ inline bool WaitFreshFrames(CXCapGraph& graph, int count = 3, int timeoutMs = 50
 {
     const int start = ProcessedFrames(graph);
     return PumpUntil([&] { return ProcessedFrames(graph) >= start + count; }, timeoutMs);
+}
+
+// A simulated camera offering the formats of the caps string.
+inline void AddCapsCamera(const QString& name, const char* caps)
+{
+    GstCaps* c = gst_caps_from_string(caps);
+    AddSimDevice(name, c);
+    gst_caps_unref(c);
+}
+
+// Binds the camera by name and lists its formats.
+inline bool BindCamera(CXCapGraph& graph, const QString& name)
+{
+    graph.SetDeviceName(name);
+    if (graph.InitGraph() != S_OK)
+        return false;
+    graph.EnumFormats();
+    return true;
+}
+
+// Binds, builds and runs the preview until fresh frames arrive; a still
+// camera sends every frame alike (no drift, no noise).
+inline bool StartPreview(CXCapGraph& graph, const QString& name, bool still = false)
+{
+    if (!BindCamera(graph, name))
+        return false;
+    graph.BuildPreviewGraph();
+    if (still && graph.DeviceElement())
+        g_object_set(graph.DeviceElement(), "drift", FALSE, "noise", FALSE, nullptr);
+    return graph.RunGraph() == S_OK && WaitFreshFrames(graph);
+}
+
+// The size the camera is bound at, and the size the processing sees.
+inline QSize VideoSize(CXCapGraph& graph)
+{
+    unsigned w = 0, h = 0;
+    graph.GetVideoSize(&w, &h);
+    return QSize(int(w), int(h));
+}
+inline QSize ProcessedSize(CXCapGraph& graph)
+{
+    int w = 0, h = 0;
+    graph.GetStateA(&w, &h);
+    return QSize(w, h);
+}
+
+// The grabber's current frame: bottom-up BGR.
+inline std::vector<uchar> Snapshot(CXCapGraph& graph)
+{
+    long size = 0;
+    EXPECT_EQ(graph.GetCurrentBuffer(&size, nullptr), S_OK);
+    std::vector<uchar> bits(std::size_t(std::max(0L, size)));
+    EXPECT_EQ(graph.GetCurrentBuffer(&size, bits.data()), S_OK);
+    return bits;
+}
+
+// What the processing makes of a picture under an overlay: every pixel but
+// the key (1, 1, 1) replaces the picture's. Answers how many did.
+inline int BlendOverlay(std::vector<uchar>& picture, const std::vector<uchar>& overlay)
+{
+    int covered = 0;
+    for (std::size_t i = 0; i + 2 < picture.size(); i += 3)
+        if (!(overlay[i] == 1 && overlay[i + 1] == 1 && overlay[i + 2] == 1)) {
+            std::copy_n(&overlay[i], 3, &picture[i]);
+            ++covered;
+        }
+    return covered;
+}
+
+// The messages shown, for a failure's text.
+inline std::string Shown(const MessageCollector& messages)
+{
+    return messages.Texts().join('|').toStdString();
 }
 
 // Whether a real camera could take part in enumeration on this machine.

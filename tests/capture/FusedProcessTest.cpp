@@ -48,6 +48,16 @@ std::vector<uchar> StillChain(std::vector<uchar> bits, unsigned w, unsigned h, c
     return bits;
 }
 
+// The fused pass over a picture stored bottom-up with padded rows.
+std::vector<uchar> Fused(const std::vector<uchar>& picture, unsigned w, unsigned h, const ProcessSwitches& s,
+    const uchar* overlay = nullptr)
+{
+    std::vector<uchar> out(picture.size(), 0xEE);
+    const auto stride = std::ptrdiff_t(Stride(w));
+    FusedProcess(picture.data(), stride, out.data(), stride, w, h, s, overlay);
+    return out;
+}
+
 ProcessSwitches FromMask(unsigned mask)
 {
     ProcessSwitches s;
@@ -79,10 +89,8 @@ TEST(FusedProcess, EqualsTheStillChainForEverySwitchCombination)
         const std::vector<uchar> picture = RandomPicture(w, h, w * 100 + h);
         for (unsigned mask = 0; mask < 256; ++mask) {
             const ProcessSwitches s = FromMask(mask);
-            std::vector<uchar> out(picture.size(), 0xEE);
-            FusedProcess(picture.data(), std::ptrdiff_t(Stride(w)), out.data(), std::ptrdiff_t(Stride(w)), w,
-                h, s, nullptr);
-            ASSERT_TRUE(out == StillChain(picture, w, h, s)) << w << "x" << h << " switches " << mask;
+            ASSERT_TRUE(Fused(picture, w, h, s) == StillChain(picture, w, h, s))
+                << w << "x" << h << " switches " << mask;
         }
     }
 }
@@ -101,10 +109,8 @@ TEST(FusedProcess, GrayThenBinaryAtEveryLevel)
             s.negative = negative;
             s.binary = true;
             s.binaryLevel = level;
-            std::vector<uchar> out(picture.size(), 0xEE);
-            FusedProcess(picture.data(), std::ptrdiff_t(Stride(w)), out.data(), std::ptrdiff_t(Stride(w)), w,
-                h, s, nullptr);
-            ASSERT_TRUE(out == StillChain(picture, w, h, s)) << "level " << level << " negative " << negative;
+            ASSERT_TRUE(Fused(picture, w, h, s) == StillChain(picture, w, h, s))
+                << "level " << level << " negative " << negative;
         }
     }
 }
@@ -157,10 +163,7 @@ TEST(FusedProcess, OverlayPixelsOtherThanTheKeyReplaceTheResult)
             if (!(o[0] == 1 && o[1] == 1 && o[2] == 1))
                 std::memcpy(&expected[y * stride + 3 * x], o, 3);
         }
-    std::vector<uchar> out(picture.size());
-    FusedProcess(
-        picture.data(), std::ptrdiff_t(stride), out.data(), std::ptrdiff_t(stride), w, h, s, overlay.data());
-    EXPECT_TRUE(out == expected);
+    EXPECT_TRUE(Fused(picture, w, h, s, overlay.data()) == expected);
 }
 
 TEST(FusedProcess, BadInputLeavesTheTargetAlone)
