@@ -1,29 +1,10 @@
 #include "measure/CGVLRuler.h"
 
 #include "MeasureTestSupport.h"
-#include "measure/WindowCalls.h"
-
-#include <QWidget>
-
-#include <gtest/gtest.h>
 
 using namespace MeasureTest;
 
 namespace {
-
-// Counts the calibration-changed messages the ruler sends to its window.
-class WindowSpy : public QWidget
-{
-public:
-    int calibrationEvents = 0;
-
-protected:
-    bool event(QEvent* event) override
-    {
-        calibrationEvents += event->type() == kCalibrationChangedEvent;
-        return QWidget::event(event);
-    }
-};
 
 struct RulerFixture : ::testing::Test
 {

@@ -2,8 +2,6 @@
 
 #include "MeasureTestSupport.h"
 
-#include <gtest/gtest.h>
-
 using namespace MeasureTest;
 
 namespace {
@@ -24,7 +22,7 @@ struct ScaleFixture : ::testing::Test
 
 } // namespace
 
-TEST_F(ScaleFixture, IsACentredReticleThatTakesNoInputAndStays)
+TEST_F(ScaleFixture, IsACentredReticleThatTakesNoInputAndTicksEveryFivePixelsLongerAtEveryFifthAndTenth)
 {
     ASSERT_NE(scale, nullptr);
     EXPECT_EQ(scale->GetType(), 10);
@@ -33,13 +31,6 @@ TEST_F(ScaleFixture, IsACentredReticleThatTakesNoInputAndStays)
     EXPECT_EQ(scale->TickCount(), 160);
     EXPECT_EQ(scale->OnLButtonDown(1, { 320, 240 }, 9), -1);
     EXPECT_EQ(scale->OnMouseMove(1, { 320, 240 }, 9), -1);
-    EXPECT_EQ(mgr.DeleteShape(scale), 1) << "the scale answers its type minus 9";
-    mgr.DeleteAll();
-    EXPECT_EQ(mgr.m_arShape.size(), 1u) << "only the ruler survives deleting all";
-}
-
-TEST_F(ScaleFixture, TicksEveryFivePixelsLongerAtEveryFifthAndTenth)
-{
     const Bits bits = DrawBits(mgr, 640, 480);
     EXPECT_TRUE(On(bits, 0, 240) && On(bits, 639, 240) && On(bits, 320, 0) && On(bits, 320, 479)) << "axes";
     // Just above the horizontal axis every tick shows; 9 above only every
@@ -59,6 +50,10 @@ TEST_F(ScaleFixture, TicksEveryFivePixelsLongerAtEveryFifthAndTenth)
     EXPECT_FALSE(On(bits, 323, 223));
     EXPECT_TRUE(On(bits, 329, 215) && !On(bits, 329, 220));
     EXPECT_TRUE(On(bits, 334, 190) && !On(bits, 334, 215));
+
+    EXPECT_EQ(mgr.DeleteShape(scale), 1) << "the scale answers its type minus 9";
+    mgr.DeleteAll();
+    EXPECT_EQ(mgr.m_arShape.size(), 1u) << "only the ruler survives deleting all";
 }
 
 TEST_F(ScaleFixture, TickCountComesFromTheWidthAndStepsAreTruncated)

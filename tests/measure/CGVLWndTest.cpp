@@ -46,7 +46,7 @@ TEST(CGVLWnd, DisplayedSizeFollowsTheZoomTableAndFallsBackToFullSize)
     EXPECT_EQ(CGVLWnd::DisplayedSize(QSize(7, 5), 2), QSize(10, 7)) << "truncated";
 }
 
-TEST_F(WndFixture, MouseReachesTheManagerWithTheDocumentsTool)
+TEST_F(WndFixture, MouseReachesTheManagerWithTheDocumentsToolAndDoubleClicksTheVideoOnlyWhileLive)
 {
     doc.tool = 2;
     Press({ 100, 100 });
@@ -76,10 +76,7 @@ TEST_F(WndFixture, MouseReachesTheManagerWithTheDocumentsTool)
     Release({ 20, 30 });
     EXPECT_EQ(log, (std::vector<std::string> { "spy:down", "spy:right", "spy:up" }));
     EXPECT_EQ(doc.mgr.m_bMouseDown, 0);
-}
 
-TEST_F(WndFixture, DoubleClickGoesToTheVideoOnlyWhileLive)
-{
     // As the system delivers one: press, release, double click, release.
     const auto doubleClick = [&](QPoint p) {
         QTest::mouseClick(Wnd(), Qt::LeftButton, {}, p);
@@ -87,13 +84,14 @@ TEST_F(WndFixture, DoubleClickGoesToTheVideoOnlyWhileLive)
         QTest::mouseRelease(Wnd(), Qt::LeftButton, {}, p);
     };
     doc.tool = 1; // every press makes a point
+    const std::size_t before = doc.mgr.m_arShape.size();
     doubleClick({ 50, 300 });
-    EXPECT_EQ(doc.mgr.m_arShape.size(), 2u) << "the second press of a double click is not a press";
+    EXPECT_EQ(doc.mgr.m_arShape.size(), before + 1) << "the second press of a double click is not a press";
     EXPECT_EQ(doc.videoDoubleClicks, 0);
     doc.live = true;
     doubleClick({ 80, 300 });
     EXPECT_EQ(doc.videoDoubleClicks, 1);
-    EXPECT_EQ(doc.mgr.m_arShape.size(), 3u);
+    EXPECT_EQ(doc.mgr.m_arShape.size(), before + 2);
 }
 
 TEST_F(WndFixture, CursorFollowsTheToolWhileNotLive)
@@ -121,7 +119,7 @@ TEST_F(WndFixture, CursorFollowsTheToolWhileNotLive)
     EXPECT_FALSE(Wnd()->testAttribute(Qt::WA_SetCursor)) << "live video keeps the default cursor";
 }
 
-TEST_F(WndFixture, PaintsThePictureAtTheZoomWithTheElementsOver)
+TEST_F(WndFixture, PaintsThePictureAtTheZoomWithTheElementsOverOrGrayWhenThereIsNothingToShow)
 {
     doc.SetPicture(400, 300, kPictureRed);
     for (int y = 0; y < 300; ++y) // a blue right half: scaled, not cropped
@@ -146,14 +144,12 @@ TEST_F(WndFixture, PaintsThePictureAtTheZoomWithTheElementsOver)
     EXPECT_EQ(Pixel(shot, 299, 299), kPictureRed) << "an unknown zoom paints at 100 %";
     EXPECT_EQ(Pixel(shot, 399, 299), QColor(0, 0, 255));
     EXPECT_EQ(Pixel(shot, 70, 50), kGreen) << "the ruler's arm";
-}
 
-TEST_F(WndFixture, PaintsGrayWhenThereIsNothingToShow)
-{
-    AddLine(doc.mgr, { 20, 100 }, { 120, 100 });
+    // Gray when there is nothing to show.
+    doc.hasPicture = false;
     const auto gray = [&] {
-        const QImage shot = Wnd()->grab().toImage();
-        return Wnd()->IsGrayPainted() && Pixel(shot, 60, 100) == kGray && Pixel(shot, 5, 5) == kGray;
+        const QImage image = Wnd()->grab().toImage();
+        return Wnd()->IsGrayPainted() && Pixel(image, 60, 100) == kGray && Pixel(image, 5, 5) == kGray;
     };
     EXPECT_TRUE(gray()) << "no picture";
     doc.SetPicture(400, 300, kPictureRed);

@@ -2,12 +2,15 @@
 
 #include "measure/CGVLElemMgr.h"
 #include "measure/GdiPainter.h"
+#include "measure/WindowCalls.h"
 
 #include <QBuffer>
 #include <QColor>
 #include <QFile>
+#include <QPaintEvent>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QWidget>
 
 #include <clocale>
 #include <cstdlib>
@@ -72,6 +75,22 @@ inline TestShape* Add(CGVLElemMgr& mgr, int type, QPoint at = QPoint(2, 2))
     mgr.m_arShape.push_back(std::make_unique<TestShape>(mgr, type, at));
     return static_cast<TestShape*>(mgr.m_arShape.back().get());
 }
+
+// Stands in for the overlay window: what it repainted, which events it got.
+class WindowSpy : public QWidget
+{
+public:
+    QRegion painted;
+    int calibrationEvents = 0;
+
+protected:
+    void paintEvent(QPaintEvent* event) override { painted += event->region(); }
+    bool event(QEvent* event) override
+    {
+        calibrationEvents += event->type() == kCalibrationChangedEvent;
+        return QWidget::event(event);
+    }
+};
 
 // A bottom-up 24-bit overlay buffer as DrawToBits and DrawToImage fill it.
 struct Bits

@@ -4,33 +4,14 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QPaintEvent>
 #include <QThread>
-#include <QWidget>
 
 #include <functional>
-#include <gtest/gtest.h>
 #include <thread>
 
 using namespace MeasureTest;
 
 namespace {
-
-// Stands in for the overlay window: what it repainted, which events it got.
-class OverlaySpy : public QWidget
-{
-public:
-    QRegion painted;
-    int calibrationEvents = 0;
-
-protected:
-    void paintEvent(QPaintEvent* event) override { painted += event->region(); }
-    bool event(QEvent* event) override
-    {
-        calibrationEvents += event->type() == kCalibrationChangedEvent;
-        return QWidget::event(event);
-    }
-};
 
 bool ProcessUntil(const std::function<bool()>& done)
 {
@@ -47,7 +28,7 @@ bool ProcessUntil(const std::function<bool()>& done)
 
 TEST(WindowCalls, RepaintsTheAreaAskedForOnTheWindowsThread)
 {
-    OverlaySpy window;
+    WindowSpy window;
     window.resize(640, 480);
     window.show();
     ASSERT_TRUE(ProcessUntil([&] { return !window.painted.isEmpty(); }));
