@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
@@ -77,37 +78,26 @@ TEST(CamProcessThreads, SwitchesAndOverlaySwapsAgainstTheFrameLoop)
     });
 
     // The user-interface side.
-    for (int i = 0; frames < 3000 && i < 200000; ++i) {
-        const int on = i % 2;
-        switch (i % 7) {
-        case 0:
-            process.SetGray(on);
-            break;
-        case 1:
+    const std::function<void(int, int)> actions[] = {
+        [&](int, int on) { process.SetGray(on); },
+        [&](int, int on) {
             process.SetFlipVertical(on);
             process.SetFlipHorizontal(!on);
-            break;
-        case 2:
-            process.SetNegative(on);
-            break;
-        case 3:
-            process.SetBinary(on, 40 + i % 100);
-            break;
-        case 4:
-            process.SetRgbGain(on, i % 60, 3, 9);
-            break;
-        case 5:
-            process.SetOverlay(on, &published);
-            break;
-        default: {
+        },
+        [&](int, int on) { process.SetNegative(on); },
+        [&](int i, int on) { process.SetBinary(on, 40 + i % 100); },
+        [&](int i, int on) { process.SetRgbGain(on, i % 60, 3, 9); },
+        [&](int, int on) { process.SetOverlay(on, &published); },
+        [&](int i, int) {
             int w = 0, h = 0, n = 0, g = 0;
             process.GetStateA(&w, &h);
             process.GetStateB(&n);
             process.GetGray(&g);
             process.SetProcessEnable(i % 11 != 0);
-            break;
-        }
-        }
+        },
+    };
+    for (int i = 0; frames < 3000 && i < 200000; ++i) {
+        actions[i % 7](i, i % 2);
         std::this_thread::yield();
     }
     stop = true;
