@@ -88,7 +88,7 @@ TEST_F(MgrFixture, IgnoringContinuingAndPressLastToolsAndTheScrollOrigin)
     EXPECT_EQ(mgr.m_arShape.size(), 3u);
 }
 
-TEST_F(MgrFixture, DeleteToolRemovesEveryElementUnderThePress)
+TEST_F(MgrFixture, DeleteToolRemovesEveryElementUnderThePressAndDeleteByIdRefusesRulerAndScale)
 {
     Add(mgr, 9, { 100, 100 });
     AddLine(mgr, { 50, 50 }, { 150, 150 });
@@ -98,10 +98,9 @@ TEST_F(MgrFixture, DeleteToolRemovesEveryElementUnderThePress)
     ASSERT_EQ(mgr.m_arShape.size(), 2u);
     EXPECT_EQ(mgr.m_arShape[0]->GetType(), 9);
     EXPECT_EQ(mgr.m_arShape[1].get(), elsewhere);
-}
 
-TEST_F(MgrFixture, DeleteByIdRefusesRulerAndScaleAndDeleteAllRestartsCounting)
-{
+    // Deleting by id refuses the ruler and the scale.
+    mgr.m_arShape.clear();
     mgr.DeleteAll(); // with nothing at all
     Add(mgr, 9)->m_dwId = 1;
     Add(mgr, 10)->m_dwId = 2;

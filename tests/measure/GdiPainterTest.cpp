@@ -68,7 +68,7 @@ TEST(GdiRect, LeftAndTopInsideRightAndBottomOutside)
     EXPECT_EQ(r.ToQRect(), QRect(10, 20, 20, 20));
 }
 
-TEST(GdiPainter, LinesLeaveOutTheirEndPointWhicheverWayTheyRun)
+TEST(GdiPainter, LinesLeaveOutTheirEndPointWhicheverWayTheyRunAndHoweverFarTheyReach)
 {
     for (const auto& [a, b, trace] : { std::tuple { QPoint(2, 1), QPoint(8, 1), ".######.." },
              { QPoint(8, 1), QPoint(2, 1), "..######." }, { QPoint(5, 5), QPoint(5, 5), "........." } }) {
@@ -79,18 +79,16 @@ TEST(GdiPainter, LinesLeaveOutTheirEndPointWhicheverWayTheyRun)
     Canvas c(10, 10);
     Gdi::Line(c.dc, kSolid, { 8, 8 }, { 2, 2 });
     EXPECT_EQ(c.Trace({ 1, 1 }, { 1, 1 }, 9), "..######.");
-}
 
-TEST(GdiPainter, LinesReachingFarOutsideKeepTheirPixelsAndPattern)
-{
-    Canvas c(40, 40);
-    Gdi::SetBkMode(c.dc, false);
-    Gdi::Line(c.dc, { kRed, 1, Gdi::PenStyle::Dot }, { -10, 1 }, { 20, 1 });
-    Gdi::Line(c.dc, kSolid, { INT_MIN, 5 }, { INT_MAX, 5 });
-    Gdi::Line(c.dc, kSolid, { -1000000000, -999999980 }, { 1000000000, 1000000020 });
-    EXPECT_EQ(c.Trace({ 0, 1 }, { 1, 0 }, 10), "..###...##") << "the pattern still starts at -10";
-    EXPECT_EQ(c.Trace({ 0, 5 }, { 1, 0 }, 40), std::string(40, '#'));
-    EXPECT_EQ(c.image.pixelColor(10, 30), kRed);
+    // Reaching far outside, they keep their pixels and pattern.
+    Canvas far(40, 40);
+    Gdi::SetBkMode(far.dc, false);
+    Gdi::Line(far.dc, { kRed, 1, Gdi::PenStyle::Dot }, { -10, 1 }, { 20, 1 });
+    Gdi::Line(far.dc, kSolid, { INT_MIN, 5 }, { INT_MAX, 5 });
+    Gdi::Line(far.dc, kSolid, { -1000000000, -999999980 }, { 1000000000, 1000000020 });
+    EXPECT_EQ(far.Trace({ 0, 1 }, { 1, 0 }, 10), "..###...##") << "the pattern still starts at -10";
+    EXPECT_EQ(far.Trace({ 0, 5 }, { 1, 0 }, 40), std::string(40, '#'));
+    EXPECT_EQ(far.image.pixelColor(10, 30), kRed);
 }
 
 TEST(GdiPainter, StyledPensStartAtTheFirstPointAndFillGapsOnlyWhenOpaque)
