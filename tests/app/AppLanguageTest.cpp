@@ -1,6 +1,7 @@
 #include "app/AppLanguage.h"
 
 #include <gtest/gtest.h>
+#include <tuple>
 
 TEST(AppLanguage, ClassifiesTheListedIdentifiersOnly)
 {
@@ -15,32 +16,16 @@ TEST(AppLanguage, ClassifiesTheListedIdentifiersOnly)
 
 TEST(AppLanguage, IdentifierFromLocale)
 {
-    struct Row
-    {
-        const char* locale;
-        int id;
-        InterfaceLanguage language;
-    };
-    const Row rows[] = {
-        { "zh_CN", 0x0804, InterfaceLanguage::Chinese },
-        { "zh_TW", 0x0404, InterfaceLanguage::Chinese },
-        { "zh_HK", 0x0C04, InterfaceLanguage::Chinese },
-        { "zh_SG", 0x1004, InterfaceLanguage::Chinese },
-        { "fr_FR", 0x040C, InterfaceLanguage::French },
-        { "fr_CA", 0x0C0C, InterfaceLanguage::French },
-        { "fr_CH", 0x100C, InterfaceLanguage::French },
-        { "fr_CM", 0x2C0C, InterfaceLanguage::English },
-        { "fr_SN", 0x280C, InterfaceLanguage::English },
-        { "en_US", 0x0409, InterfaceLanguage::English },
-        { "en_GB", 0x0809, InterfaceLanguage::English },
-        { "de_DE", 0x0407, InterfaceLanguage::English },
-        { "ja_JP", 0x0411, InterfaceLanguage::English },
-        { "C", 0x0409, InterfaceLanguage::English },
-    };
-    for (const Row& row : rows) {
-        const int id = LanguageIdFromLocale(QLocale(QString::fromLatin1(row.locale)));
-        EXPECT_EQ(id, row.id) << row.locale;
-        EXPECT_EQ(ClassifyLanguageId(id), row.language) << row.locale;
+    using enum InterfaceLanguage;
+    const std::tuple<const char*, int, InterfaceLanguage> rows[]
+        = { { "zh_CN", 0x0804, Chinese }, { "zh_TW", 0x0404, Chinese }, { "zh_HK", 0x0C04, Chinese },
+              { "zh_SG", 0x1004, Chinese }, { "fr_FR", 0x040C, French }, { "fr_CA", 0x0C0C, French },
+              { "fr_CH", 0x100C, French }, { "fr_CM", 0x2C0C, English }, { "fr_SN", 0x280C, English },
+              { "en_US", 0x0409, English }, { "en_GB", 0x0809, English }, { "de_DE", 0x0407, English },
+              { "ja_JP", 0x0411, English }, { "C", 0x0409, English } };
+    for (const auto& [locale, id, language] : rows) {
+        EXPECT_EQ(LanguageIdFromLocale(QLocale(QString::fromLatin1(locale))), id) << locale;
+        EXPECT_EQ(ClassifyLanguageId(id), language) << locale;
     }
     EXPECT_EQ(
         LanguageIdFromLocale(QLocale(QLocale::Chinese, QLocale::TraditionalChineseScript, QLocale::Macao)),

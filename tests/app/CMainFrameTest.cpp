@@ -15,6 +15,7 @@
 #include <QToolBar>
 
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace {
 
@@ -28,72 +29,58 @@ protected:
         frame->show();
         docTemplate = MakeTestTemplate(journal);
     }
-    void TearDown() override
-    {
-        frame.reset();
-        docTemplate.reset();
-    }
-
     TestDoc* Open(const QString& path = QString())
     {
         return static_cast<TestDoc*>(docTemplate->OpenDocumentFile(*frame, path));
     }
 
-    QStringList MenuTexts(const QString& title)
+    QMenu* Menu(const QString& title) const
+    {
+        for (QAction* action : frame->menuBar()->actions())
+            if (action->text() == title)
+                return action->menu();
+        return nullptr;
+    }
+    static QStringList Texts(const QMenu* menu)
     {
         QStringList texts;
-        for (QAction* menuAction : frame->menuBar()->actions()) {
-            if (menuAction->text() != title)
-                continue;
-            for (QAction* action : menuAction->menu()->actions())
-                texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
-        }
+        for (QAction* action : menu ? menu->actions() : QList<QAction*> {})
+            texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
         return texts;
     }
 
+    // The frame goes first: its documents still report to the journal.
     Journal journal;
-    std::unique_ptr<CMainFrame> frame;
     std::unique_ptr<CDocTemplate> docTemplate;
+    std::unique_ptr<CMainFrame> frame;
 };
 
 } // namespace
 
-TEST_F(MainFrameTest, MenusCarryTheCommandTexts)
+TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
 {
     QStringList titles;
     for (QAction* action : frame->menuBar()->actions())
         titles << action->text();
     EXPECT_EQ(titles, (QStringList { "&File", "&View", "&Measure", "&Process", "V&ideo", "&Window" }));
-    EXPECT_EQ(MenuTexts("&File"), (QStringList { "&New Preview", "&Open...", "&Close", "-", "E&xit" }));
-    EXPECT_EQ(MenuTexts("&Process"),
+    EXPECT_EQ(Texts(Menu("&File")), (QStringList { "&New Preview", "&Open...", "&Close", "-", "E&xit" }));
+    EXPECT_EQ(Texts(Menu("&Process")),
         (QStringList { "&Enable", "-", "Flip &Horizontal", "Flip &Vertical", "-", "&Gray", "&Negative",
             "&Emboss", "&Sharpen", "&Binary" }));
-
-    QAction* newPreview = frame->FindAction(ID_FILE_NEW);
-    ASSERT_NE(newPreview, nullptr);
-    EXPECT_EQ(newPreview->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_N));
-    EXPECT_EQ(frame->FindAction(ID_FILE_OPEN)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_O));
-    EXPECT_EQ(newPreview->statusTip(), "New preview");
+    EXPECT_EQ(frame->FindAction(ID_FILE_NEW)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_N));
     EXPECT_EQ(frame->FindAction(ID_MEASURE_ANGLE)->statusTip(), "Draw angle ");
-    EXPECT_EQ(frame->FindAction(ID_MEASURE_LINE)->text(), "&Line");
-    EXPECT_EQ(frame->FindAction(ID_MEASURE_CALIBRATION)->text(), "Calibratio&n");
     // Toolbar-only commands show their prompt as the button's text.
     EXPECT_EQ(frame->FindAction(ID_CAMERA_CAPTURE)->toolTip(), "Capture picture to an active view");
     EXPECT_TRUE(frame->FindAction(ID_MEASURE_LINE)->isCheckable());
     EXPECT_FALSE(frame->FindAction(ID_MEASURE_DELETE_ALL)->isCheckable());
-}
 
-TEST_F(MainFrameTest, ToolbarsAndZoomBox)
-{
-    QStringList titles;
+    titles.clear();
     for (QToolBar* bar : frame->findChildren<QToolBar*>())
         titles << bar->windowTitle();
     titles.sort();
     EXPECT_EQ(titles, (QStringList { "Measure", "Process", "Standard" }));
-
     QToolBar* measure = frame->FindToolBar(ID_VIEW_MEASUREBAR);
     ASSERT_NE(measure, nullptr);
-    EXPECT_EQ(measure->windowTitle(), "Measure");
     EXPECT_TRUE(measure->actions().contains(frame->FindAction(ID_MEASURE_POINT)));
     for (QAction* action : measure->actions()) {
         if (!action->isSeparator()) {
@@ -110,12 +97,19 @@ TEST_F(MainFrameTest, ToolbarsAndZoomBox)
         labels << zoom->itemText(i);
     EXPECT_EQ(
         labels, (QStringList { "250%", "200%", "150%", "125%", "100%", "75%", "67%", "50%", "33%", "25%" }));
-    EXPECT_EQ(zoom->currentIndex(), 3);
     EXPECT_EQ(frame->GetZoomIndex(), 3);
     EXPECT_TRUE(frame->FindToolBar(ID_VIEW_TOOLBAR)->isAncestorOf(zoom));
+
+    CMainFrame chinese(2052); // Simplified Chinese gets its own menu font
+    EXPECT_EQ(chinese.menuBar()->font().family(), QString::fromUtf8("宋体"));
+    EXPECT_EQ(chinese.menuBar()->font().pixelSize(), 14);
+    EXPECT_NE(frame->menuBar()->font().family(), QString::fromUtf8("宋体"));
 }
 
-TEST_F(MainFrameTest, BarTogglesHideShowAndCheck)
+// The bars' commands hide, show and check them. The message pane takes the
+// prompt of the command under the mouse; the lock panes follow the
+// keyboard's LEDs and keep their width when blank.
+TEST_F(MainFrameTest, BarTogglesAndStatusBarPanes)
 {
     for (int id : { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR, ID_VIEW_STATUS_BAR }) {
         QWidget* bar
@@ -129,34 +123,24 @@ TEST_F(MainFrameTest, BarTogglesHideShowAndCheck)
         EXPECT_FALSE(bar->isHidden()) << id;
         EXPECT_TRUE(frame->FindAction(id)->isChecked()) << id;
     }
-}
 
-// The message pane takes the prompt of the command under the mouse; the
-// lock panes follow the keyboard's LEDs and keep their width when blank.
-TEST_F(MainFrameTest, StatusBarShowsPromptsAndThreeLockIndicators)
-{
     frame->FindAction(ID_VIEW_STATUS_BAR)->showStatusText(frame.get());
     EXPECT_EQ(frame->statusBar()->currentMessage(), "Show or hide the status bar");
 
-    const struct
-    {
-        const char* name;
-        const char* text;
-        KeyLock lock;
-    } panes[] { { "IndicatorCaps", "CAP", KeyLock::Caps }, { "IndicatorNum", "NUM", KeyLock::Num },
-        { "IndicatorScrl", "SCRL", KeyLock::Scroll } };
+    const std::tuple<const char*, const char*, KeyLock> panes[] { { "IndicatorCaps", "CAP", KeyLock::Caps },
+        { "IndicatorNum", "NUM", KeyLock::Num }, { "IndicatorScrl", "SCRL", KeyLock::Scroll } };
     int left = 0;
-    for (const auto& pane : panes) {
-        auto* label = frame->statusBar()->findChild<QLabel*>(pane.name);
-        ASSERT_NE(label, nullptr) << pane.name;
-        EXPECT_GT(label->x(), left) << pane.name << " is right of the one before";
+    for (const auto& [name, text, lock] : panes) {
+        auto* label = frame->statusBar()->findChild<QLabel*>(name);
+        ASSERT_NE(label, nullptr) << name;
+        EXPECT_GT(label->x(), left) << name << " is right of the one before";
         left = label->x();
-        EXPECT_GE(label->width(), label->fontMetrics().horizontalAdvance(pane.text)) << pane.name;
-        EXPECT_EQ(label->text(), GetKeyLockState(pane.lock) ? pane.text : "") << pane.name;
+        EXPECT_GE(label->width(), label->fontMetrics().horizontalAdvance(text)) << name;
+        EXPECT_EQ(label->text(), GetKeyLockState(lock) ? text : "") << name;
     }
 }
 
-TEST_F(MainFrameTest, CommandsWithoutHandlerAreDisabled)
+TEST_F(MainFrameTest, RouteGoesViewDocumentChildFrameAppAndUnhandledIsDisabled)
 {
     frame->UpdateCommandUI();
     EXPECT_FALSE(frame->FindAction(ID_MEASURE_LINE)->isEnabled());
@@ -166,10 +150,7 @@ TEST_F(MainFrameTest, CommandsWithoutHandlerAreDisabled)
     EXPECT_TRUE(frame->FindAction(ID_VIEW_TOOLBAR)->isEnabled());
     EXPECT_TRUE(frame->FindAction(ID_APP_EXIT)->isEnabled());
     EXPECT_FALSE(frame->FindAction(ID_WINDOW_CASCADE)->isEnabled());
-}
 
-TEST_F(MainFrameTest, RouteGoesViewDocumentChildFrameApp)
-{
     std::vector<std::string> hits;
     CCmdTarget app;
     app.MapCommand(ID_MEASURE_LINE, [&] { hits.push_back("app"); });
@@ -191,7 +172,7 @@ TEST_F(MainFrameTest, RouteGoesViewDocumentChildFrameApp)
     frame->SetAppTarget(nullptr);
 }
 
-TEST_F(MainFrameTest, UpdateHandlersFollowTheActiveDocument)
+TEST_F(MainFrameTest, UpdateHandlersAndZoomBoxFollowTheActiveDocument)
 {
     TestDoc* first = Open();
     int tool = 2;
@@ -226,13 +207,10 @@ TEST_F(MainFrameTest, UpdateHandlersFollowTheActiveDocument)
     EXPECT_EQ(frame->MDIGetActive()->GetActiveDocument(), first);
     EXPECT_TRUE(frame->FindAction(ID_MEASURE_ANGLE)->isEnabled());
     EXPECT_TRUE(frame->FindAction(ID_MEASURE_ANGLE)->isChecked());
-}
 
-TEST_F(MainFrameTest, ZoomBoxChoiceIsRoutedToTheDocument)
-{
-    TestDoc* doc = Open();
+    // A choice in the zoom box is routed as the zoom command.
     int seen = -1;
-    doc->MapCommand(ID_ZOOM, [&] { seen = frame->GetZoomIndex(); });
+    first->MapCommand(ID_ZOOM, [&] { seen = frame->GetZoomIndex(); });
     frame->UpdateCommandUI();
     QComboBox* zoom = frame->GetZoomBox();
     EXPECT_TRUE(zoom->isEnabled());
@@ -244,7 +222,7 @@ TEST_F(MainFrameTest, ZoomBoxChoiceIsRoutedToTheDocument)
     EXPECT_EQ(seen, 2);
 }
 
-TEST_F(MainFrameTest, DocumentsOpenCloseInOrder)
+TEST_F(MainFrameTest, DocumentsOpenCloseAndExitInOrder)
 {
     frame->SetTitle("KorvalCam");
     EXPECT_EQ(frame->windowTitle(), "KorvalCam");
@@ -265,33 +243,29 @@ TEST_F(MainFrameTest, DocumentsOpenCloseInOrder)
     EXPECT_EQ(picture->GetTitle(), "slide.png");
     EXPECT_EQ(docTemplate->GetDocuments().size(), 2u);
 
-    EXPECT_EQ(journal.events,
+    EXPECT_EQ(journal,
         (std::vector<std::string> { "new doc1", "initial update doc1", "open /pictures/missing.bmp",
             "~view doc2", "~doc doc2", "open /pictures/slide.png", "initial update doc3" }));
-    journal.events.clear();
+    journal.clear();
 
     // "&Close" closes the active document, view first.
     EXPECT_TRUE(frame->RouteCommand(ID_FILE_CLOSE));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_EQ(journal.events, (std::vector<std::string> { "~view doc3", "~doc doc3" }));
+    EXPECT_EQ(journal, (std::vector<std::string> { "~view doc3", "~doc doc3" }));
     EXPECT_EQ(docTemplate->GetDocuments().size(), 1u);
     EXPECT_EQ(frame->windowTitle(), "KorvalCam - Video");
-}
 
-TEST_F(MainFrameTest, ExitClosesEveryDocumentBeforeTheFrame)
-{
+    // "E&xit" closes every document, in order, before the frame.
     Open();
-    Open();
-    journal.events.clear();
+    journal.clear();
     EXPECT_TRUE(frame->RouteCommand(ID_APP_EXIT));
     EXPECT_FALSE(frame->isVisible());
-    EXPECT_EQ(
-        journal.events, (std::vector<std::string> { "~view doc1", "~doc doc1", "~view doc2", "~doc doc2" }));
+    EXPECT_EQ(journal, (std::vector<std::string> { "~view doc1", "~doc doc1", "~view doc4", "~doc doc4" }));
     EXPECT_TRUE(frame->GetChildFrames().empty());
     EXPECT_EQ(frame->windowTitle(), frame->GetTitle());
 }
 
-TEST_F(MainFrameTest, TileAndCascadeLeaveTabsUntilAWindowIsMaximised)
+TEST_F(MainFrameTest, TileCascadeAndWindowMenu)
 {
     Open();
     Open();
@@ -316,34 +290,17 @@ TEST_F(MainFrameTest, TileAndCascadeLeaveTabsUntilAWindowIsMaximised)
 
     children[1]->showMaximized();
     EXPECT_EQ(area->viewMode(), QMdiArea::TabbedView);
-}
 
-TEST_F(MainFrameTest, WindowMenuListsTheDocuments)
-{
-    Open();
-    Open()->SetTitle("Video");
-    QMenu* windowMenu = nullptr;
-    for (QAction* action : frame->menuBar()->actions())
-        if (action->text() == "&Window")
-            windowMenu = action->menu();
+    // The window menu lists the documents and activates the one picked.
+    static_cast<TestDoc*>(children[1]->GetActiveDocument())->SetTitle("Video");
+    QMenu* windowMenu = Menu("&Window");
     ASSERT_NE(windowMenu, nullptr);
     emit windowMenu->aboutToShow();
-    QStringList texts;
-    for (QAction* action : windowMenu->actions())
-        texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
-    EXPECT_EQ(texts,
+    EXPECT_EQ(Texts(windowMenu),
         (QStringList { "&Cascade", "Tile &Horizontal", "Tile &Vertical", "-", "&1 Measure1", "&2 Video" }));
     windowMenu->actions().at(4)->trigger();
     EXPECT_EQ(frame->MDIGetActive()->GetActiveDocument()->GetTitle(), "Measure1");
     // Opening the menu again does not pile up entries.
     emit windowMenu->aboutToShow();
     EXPECT_EQ(windowMenu->actions().size(), 6);
-}
-
-TEST_F(MainFrameTest, SimplifiedChineseGetsItsMenuFont)
-{
-    CMainFrame chinese(2052);
-    EXPECT_EQ(chinese.menuBar()->font().family(), QString::fromUtf8("宋体"));
-    EXPECT_EQ(chinese.menuBar()->font().pixelSize(), 14);
-    EXPECT_NE(frame->menuBar()->font().family(), QString::fromUtf8("宋体"));
 }

@@ -3,13 +3,12 @@
 #include "app/CChildFrame.h"
 #include "app/CommandTable.h"
 #include "app/TestDocuments.h"
+#include "app/TestHome.h"
 #include "capture/CameraModels.h"
 #include "capture/SimDeviceProvider.h"
 #include "platform/PrivateProfile.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -20,20 +19,10 @@ namespace {
 class MeasureAppTest : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(home.isValid());
-        savedData = qgetenv("OCULIX_DATA_DIR");
-        savedConfig = qgetenv("XDG_CONFIG_HOME");
-        qputenv("OCULIX_DATA_DIR", QFile::encodeName(home.filePath("data")));
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.filePath("config")));
-        QDir(home.path()).mkpath("config/Oculix");
-    }
+    void SetUp() override { QDir(home.path()).mkpath("config/Oculix"); }
     void TearDown() override
     {
         app.reset();
-        qputenv("OCULIX_DATA_DIR", savedData);
-        qputenv("XDG_CONFIG_HOME", savedConfig);
         EnableDemoCamera(false);
     }
 
@@ -58,8 +47,7 @@ protected:
         return titles;
     }
 
-    QTemporaryDir home;
-    QByteArray savedData, savedConfig;
+    TestHome home;
     Journal journal;
     std::unique_ptr<CMeasureApp> app;
 };
@@ -99,6 +87,11 @@ TEST_F(MeasureAppTest, StartsWithANewDocumentInABrandedMaximisedFrame)
     // "&New Preview" goes to the application when no document takes it.
     EXPECT_TRUE(frame->RouteCommand(ID_FILE_NEW));
     EXPECT_EQ(DocumentTitles(), (std::vector<std::string> { "Measure1", "Measure2" }));
+
+    // Leaving closes what is still open, each view before its document.
+    journal.clear();
+    EXPECT_EQ(app->ExitInstance(3), 3);
+    EXPECT_EQ(journal, (std::vector<std::string> { "~view doc1", "~doc doc1", "~view doc2", "~doc doc2" }));
 }
 
 TEST_F(MeasureAppTest, PicturesOnTheCommandLineReplaceTheNewDocument)
@@ -113,7 +106,7 @@ TEST_F(MeasureAppTest, PicturesOnTheCommandLineReplaceTheNewDocument)
     EXPECT_TRUE(IsDemoCameraEnabled());
     EXPECT_EQ(GetCameraModelSizes().n130, QSize(2048, 1024));
     EXPECT_EQ(DocumentTitles(), (std::vector<std::string> { "a.bmp", "b.png" }));
-    EXPECT_FALSE(Contains(journal.events, "new doc1"));
+    EXPECT_FALSE(Contains(journal, "new doc1"));
 }
 
 TEST_F(MeasureAppTest, BadCommandLineEndsStartUp)
@@ -121,33 +114,25 @@ TEST_F(MeasureAppTest, BadCommandLineEndsStartUp)
     EXPECT_FALSE(Start({ "Oculix", "--frobnicate" }));
     EXPECT_EQ(app->GetExitCode(), 2);
     EXPECT_EQ(app->GetMainFrame(), nullptr);
-    EXPECT_TRUE(journal.events.empty());
+    EXPECT_TRUE(journal.empty());
 }
 
 TEST_F(MeasureAppTest, TerminationSignalsCloseLikeTheWindow)
 {
     for (int signalNumber : { SIGTERM, SIGINT }) {
-        journal.events.clear();
+        journal.clear();
         ASSERT_TRUE(Start({ "Oculix", "/slides/a.bmp", "/slides/b.bmp" }));
         CMainFrame* frame = app->GetMainFrame();
         ASSERT_TRUE(frame->isVisible());
         ASSERT_EQ(std::raise(signalNumber), 0);
         EXPECT_TRUE(WaitFor([&] { return !frame->isVisible(); }, 5000)) << signalNumber;
-        EXPECT_EQ(journal.events.back(), "~doc doc2") << signalNumber;
-        EXPECT_TRUE(Contains(journal.events, "~view doc1"));
-        EXPECT_TRUE(Contains(journal.events, "~doc doc1"));
+        EXPECT_EQ(journal.back(), "~doc doc2") << signalNumber;
+        EXPECT_TRUE(Contains(journal, "~view doc1"));
+        EXPECT_TRUE(Contains(journal, "~doc doc1"));
         EXPECT_EQ(app->ExitInstance(0), 0);
         EXPECT_EQ(app->GetMainFrame(), nullptr);
         app.reset();
     }
-}
-
-TEST_F(MeasureAppTest, ExitInstanceClosesWhatIsStillOpen)
-{
-    ASSERT_TRUE(Start({ "Oculix" }));
-    journal.events.clear();
-    EXPECT_EQ(app->ExitInstance(3), 3);
-    EXPECT_EQ(journal.events, (std::vector<std::string> { "~view doc1", "~doc doc1" }));
 }
 
 TEST(MeasureAppFilters, ClassicFilterFirstThenEveryReadableFormat)

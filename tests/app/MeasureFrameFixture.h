@@ -7,6 +7,7 @@
 #include "app/CMeasureDoc.h"
 #include "app/CMeasureView.h"
 #include "app/TestDocuments.h"
+#include "app/TestHome.h"
 #include "capture/SimDeviceProvider.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLWnd.h"
@@ -15,10 +16,8 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
-#include <QFile>
 #include <QMdiArea>
 #include <QMouseEvent>
-#include <QTemporaryDir>
 
 #include <cstdio>
 #include <gtest/gtest.h>
@@ -30,27 +29,12 @@
 class MeasureFrameTest : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(home.isValid());
-        savedData = qgetenv("OCULIX_DATA_DIR");
-        savedConfig = qgetenv("XDG_CONFIG_HOME");
-        qputenv("OCULIX_DATA_DIR", QFile::encodeName(home.filePath("data")));
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.filePath("config")));
-        previousBox = SetMessageBoxHandler([this](const MessageBoxRequest& request) {
-            messages << request.text;
-            return int(IDOK);
-        });
-    }
     void TearDown() override
     {
         for (const QString& message : messages)
             std::printf("message box: %s\n", qPrintable(message));
         app.reset();
-        SetMessageBoxHandler(std::move(previousBox));
         CMeasureDoc::SetExportDialogHandler({});
-        qputenv("OCULIX_DATA_DIR", savedData);
-        qputenv("XDG_CONFIG_HOME", savedConfig);
         EnableDemoCamera(false);
     }
 
@@ -101,37 +85,38 @@ protected:
     // A left-button drag on the overlay window, as the mouse makes it.
     static void Drag(QWidget* wnd, QPoint from, QPoint to)
     {
-        Send(wnd, QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+        const auto send = [wnd](QEvent::Type type, QPoint at) {
+            const bool move = type == QEvent::MouseMove;
+            const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+            QMouseEvent event(type, QPointF(at), QPointF(wnd->mapToGlobal(at)),
+                move ? Qt::NoButton : Qt::LeftButton, held, Qt::NoModifier);
+            QApplication::sendEvent(wnd, &event);
+        };
+        send(QEvent::MouseButtonPress, from);
         // A shape's first move fixes its second point where the press was.
-        Send(wnd, QEvent::MouseMove, from, Qt::NoButton, Qt::LeftButton);
-        Send(wnd, QEvent::MouseMove, (from + to) / 2, Qt::NoButton, Qt::LeftButton);
-        Send(wnd, QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton);
-        Send(wnd, QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
-    }
-    static void Send(
-        QWidget* wnd, QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons buttons)
-    {
-        QMouseEvent event(type, QPointF(at), QPointF(wnd->mapToGlobal(at)), button, buttons, Qt::NoModifier);
-        QApplication::sendEvent(wnd, &event);
+        for (QPoint at : { from, (from + to) / 2, to })
+            send(QEvent::MouseMove, at);
+        send(QEvent::MouseButtonRelease, to);
     }
 
-    static std::size_t ShapeCount(CMeasureDoc& doc)
+    // The shapes' types in drawing order; 9, the ruler, comes first.
+    static std::vector<int> ShapeTypes(CMeasureDoc& doc)
     {
         const auto lock = doc.GetElemMgr().Lock();
-        return doc.GetElemMgr().m_arShape.size();
-    }
-    static int ShapeType(CMeasureDoc& doc, std::size_t index)
-    {
-        const auto lock = doc.GetElemMgr().Lock();
-        return doc.GetElemMgr().m_arShape.at(index)->GetType();
+        std::vector<int> types;
+        for (const auto& shape : doc.GetElemMgr().m_arShape)
+            types.push_back(shape->GetType());
+        return types;
     }
 
     QString SettingsFile() const { return home.filePath("data/Setting.ini"); }
 
-    QTemporaryDir home;
-    QByteArray savedData, savedConfig;
-    MessageBoxHandler previousBox;
+    TestHome home;
     QStringList messages;
+    ScopedMessageBoxHandler box { [this](const MessageBoxRequest& request) {
+        messages << request.text;
+        return int(IDOK);
+    } };
     std::unique_ptr<CMeasureApp> app;
     CMainFrame* frame = nullptr;
 };

@@ -27,11 +27,7 @@ template <typename Predicate> bool WaitFor(Predicate done, int milliseconds)
 }
 
 // A document and view that record what the frame does to them, in order.
-struct Journal
-{
-    std::vector<std::string> events;
-    void Add(std::string event) { events.push_back(std::move(event)); }
-};
+using Journal = std::vector<std::string>;
 
 class TestDoc : public CDocument
 {
@@ -41,16 +37,16 @@ public:
         , m_name(std::move(name))
     {
     }
-    ~TestDoc() override { m_journal.Add("~doc " + m_name.toStdString()); }
+    ~TestDoc() override { m_journal.push_back("~doc " + m_name.toStdString()); }
 
     bool OnNewDocument() override
     {
-        m_journal.Add("new " + m_name.toStdString());
+        m_journal.push_back("new " + m_name.toStdString());
         return true;
     }
     bool OnOpenDocument(const QString& path) override
     {
-        m_journal.Add("open " + path.toStdString());
+        m_journal.push_back("open " + path.toStdString());
         SetPathName(path);
         return !path.contains(QStringLiteral("missing"));
     }
@@ -68,8 +64,8 @@ public:
         , m_name(doc.m_name.toStdString())
     {
     }
-    ~TestView() override { m_journal.Add("~view " + m_name); }
-    void OnInitialUpdate() override { m_journal.Add("initial update " + m_name); }
+    ~TestView() override { m_journal.push_back("~view " + m_name); }
+    void OnInitialUpdate() override { m_journal.push_back("initial update " + m_name); }
 
     Journal& m_journal;
     std::string m_name;
