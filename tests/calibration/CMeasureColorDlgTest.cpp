@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QPaintEvent>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QTest>
 #include <QTimer>
 
@@ -24,12 +25,19 @@ QComboBox* List(QWidget& dialog, const char* name)
     return dialog.findChild<QComboBox*>(QString::fromLatin1(name));
 }
 
-// Runs `act` on the modal dialog as soon as it shows.
-void OnModal(std::function<void(QWidget&)> act)
+// Runs `act` on the modal dialog as soon as it shows, then clicks `button`.
+void OnModal(const char* button, std::function<void(QWidget&)> act)
 {
-    QTimer::singleShot(0, [act = std::move(act)] {
+    QTimer::singleShot(0, [button, act = std::move(act)] {
         QWidget* modal = QApplication::activeModalWidget();
         ASSERT_NE(modal, nullptr);
+        // Whatever fails in `act`, the dialog must not stay open.
+        const auto close = qScopeGuard([&] {
+            if (auto* pressed = modal->findChild<QPushButton*>(QString::fromLatin1(button)))
+                QTest::mouseClick(pressed, Qt::LeftButton);
+            if (modal->isVisible())
+                modal->close();
+        });
         act(*modal);
     });
 }
@@ -70,9 +78,17 @@ TEST(CColorSelectComboBox, HoldsThePaletteInIndexOrderOnce)
     EXPECT_EQ(QColor(shot.pixel(shot.width() / 3, shot.height() / 2)), QColor(0, 255, 0));
 }
 
-TEST(CMeasureColorDlg, ShowsTheManagersValuesAndWritesThemBackOnOk)
+TEST(CMeasureColorDlg, ShowsTheManagersValuesAndWritesThemBackOnOkOnly)
 {
     CGVLElemMgr mgr;
+    OnModal("cancel", [](QWidget& dialog) {
+        List(dialog, "precision")->setCurrentIndex(4);
+        List(dialog, "text")->setCurrentIndex(2);
+    });
+    EXPECT_FALSE(CMeasureColorDlg::Edit(mgr));
+    EXPECT_EQ(mgr.m_color, (ColorRecord { 4, 3, 3, 4 })) << "Cancel changes nothing";
+    EXPECT_EQ(mgr.m_nPrecision, 2);
+
     RepaintSpy window;
     window.resize(100, 100);
     window.show();
@@ -82,8 +98,7 @@ TEST(CMeasureColorDlg, ShowsTheManagersValuesAndWritesThemBackOnOk)
     mgr.m_nPrecision = 3;
     mgr.m_nFontSize = 2;
     mgr.m_nFontBackground = 1;
-
-    OnModal([](QWidget& dialog) {
+    OnModal("ok", [](QWidget& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "Measure Setting");
         EXPECT_EQ(List(dialog, "text")->currentIndex(), 7);
         EXPECT_EQ(List(dialog, "measurement")->currentIndex(), 2);
@@ -100,7 +115,6 @@ TEST(CMeasureColorDlg, ShowsTheManagersValuesAndWritesThemBackOnOk)
         List(dialog, "precision")->setCurrentIndex(4);
         List(dialog, "fontSize")->setCurrentIndex(2);
         List(dialog, "fontBackground")->setCurrentIndex(1);
-        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("ok")), Qt::LeftButton);
     });
     window.paints = 0;
     EXPECT_TRUE(CMeasureColorDlg::Edit(mgr));
@@ -110,19 +124,6 @@ TEST(CMeasureColorDlg, ShowsTheManagersValuesAndWritesThemBackOnOk)
     EXPECT_EQ(mgr.m_nFontBackground, 2);
     QTest::qWait(20);
     EXPECT_GT(window.paints, 0) << "the overlay repaints";
-}
-
-TEST(CMeasureColorDlg, CancelChangesNothing)
-{
-    CGVLElemMgr mgr;
-    OnModal([](QWidget& dialog) {
-        List(dialog, "precision")->setCurrentIndex(4);
-        List(dialog, "text")->setCurrentIndex(2);
-        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cancel")), Qt::LeftButton);
-    });
-    EXPECT_FALSE(CMeasureColorDlg::Edit(mgr));
-    EXPECT_EQ(mgr.m_color, (ColorRecord { 4, 3, 3, 4 }));
-    EXPECT_EQ(mgr.m_nPrecision, 2);
 }
 
 TEST(CMeasureColorDlg, ValuesOutsideTheListsSurviveOk)

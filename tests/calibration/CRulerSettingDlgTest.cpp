@@ -42,7 +42,8 @@ struct DialogFixture : ::testing::Test
     }
 
     CRulerSettingDlg& Dlg() { return *doc.dialog; }
-    QString Text(const char* name) { return Dlg().findChild<QLineEdit*>(QString::fromLatin1(name))->text(); }
+    QLineEdit* Edit(const char* name) { return Dlg().findChild<QLineEdit*>(QString::fromLatin1(name)); }
+    QString Text(const char* name) { return Edit(name)->text(); }
     // X-Start, X-End, X-Lenth / Y-Start, Y-End, Y-Lenth as the dialog shows them.
     QString Extents()
     {
@@ -51,9 +52,8 @@ struct DialogFixture : ::testing::Test
     }
     void Type(const char* name, const char* text)
     {
-        QLineEdit* edit = Dlg().findChild<QLineEdit*>(QString::fromLatin1(name));
-        edit->selectAll();
-        QTest::keyClicks(edit, QString::fromLatin1(text));
+        Edit(name)->selectAll();
+        QTest::keyClicks(Edit(name), QString::fromLatin1(text));
     }
     void Click(const char* name)
     {
@@ -85,7 +85,7 @@ struct DialogFixture : ::testing::Test
 
 } // namespace
 
-TEST_F(DialogFixture, StartsWithTheRulerReadTheRecordsLengthsAndUnitZero)
+TEST_F(DialogFixture, StartsWithTheRulerReadTheRecordsLengthsAndUnitZeroAndShowsTheRuler)
 {
     EXPECT_EQ(Dlg().windowTitle(), "Ruler Setting");
     EXPECT_FALSE(Dlg().isVisible());
@@ -105,36 +105,30 @@ TEST_F(DialogFixture, StartsWithTheRulerReadTheRecordsLengthsAndUnitZero)
     EXPECT_EQ(Extents(), "50 100 50 / 50 100 50");
     EXPECT_EQ(Text("xReal"), "10");
     EXPECT_EQ(Text("xPerPixel"), "0.2000");
-    EXPECT_TRUE(Dlg().findChild<QLineEdit*>(QStringLiteral("xPerPixel"))->isReadOnly());
+    EXPECT_TRUE(Edit("xPerPixel")->isReadOnly());
+
+    // Activation puts the ruler on screen.
+    doc.mgr.m_bShowRuler = 0;
+    QEvent activate(QEvent::WindowActivate);
+    QCoreApplication::sendEvent(&Dlg(), &activate);
+    EXPECT_EQ(doc.mgr.m_bShowRuler, 1);
 }
 
-TEST_F(DialogFixture, RecomputeAndEditingTheRealLengths)
+// Typing and Recompute show the scale; the unit changes only the labels;
+// nothing reaches the manager until committed.
+TEST_F(DialogFixture, RecomputeRealLengthsAndUnitUntilCommitted)
 {
+    const CalibrationRecord before = doc.mgr.m_unit;
     PlaceRuler({ 100, 300 }, { 300, 100 });
     Type("xReal", "2");
     EXPECT_EQ(Text("xPerPixel"), "0.0400") << "typing uses the stored length, not the moved ruler";
     EXPECT_EQ(Text("yPerPixel"), "0.2000") << "only its own axis";
-    Type("yReal", "2");
+    Type("yReal", "3");
     Dlg().Recompute();
     EXPECT_EQ(Extents(), "100 300 200 / 100 300 200");
     EXPECT_EQ(Text("xPerPixel"), "0.0100");
-    EXPECT_EQ(Text("yPerPixel"), "0.0100");
-    Type("xReal", "abc");
-    EXPECT_EQ(Text("xPerPixel"), "0.0000") << "not a number counts 0";
+    EXPECT_EQ(Text("yPerPixel"), "0.0150");
 
-    PlaceRuler({ 100, 100 }, { 100, 100 });
-    Dlg().Recompute();
-    EXPECT_TRUE(Text("xPerPixel").contains(QStringLiteral("nan")))
-        << "a ruler of no length is shown as it is";
-}
-
-TEST_F(DialogFixture, UnitChangesOnlyTheLabelsUntilCommitted)
-{
-    PlaceRuler({ 100, 300 }, { 300, 100 });
-    Type("xReal", "2");
-    Type("yReal", "3");
-    Dlg().Recompute();
-    const CalibrationRecord before = doc.mgr.m_unit;
     auto* unit = Dlg().findChild<QComboBox*>(QStringLiteral("unit"));
     unit->setFocus();
     QTest::keyClick(unit, Qt::Key_Down);
@@ -145,6 +139,13 @@ TEST_F(DialogFixture, UnitChangesOnlyTheLabelsUntilCommitted)
     EXPECT_EQ(doc.mgr.m_unit, before);
     Dlg().Commit();
     EXPECT_EQ(doc.mgr.m_unit, (CalibrationRecord { 1, 0.01, 0.015, 2.0, 3.0 }));
+
+    Type("xReal", "abc");
+    EXPECT_EQ(Text("xPerPixel"), "0.0000") << "not a number counts 0";
+    PlaceRuler({ 100, 100 }, { 100, 100 });
+    Dlg().Recompute();
+    EXPECT_TRUE(Text("xPerPixel").contains(QStringLiteral("nan")))
+        << "a ruler of no length is shown as it is";
 }
 
 TEST_F(DialogFixture, YEqualsXCopiesTheXArmMovesTheRulerAndCommits)
@@ -177,7 +178,10 @@ TEST_F(DialogFixture, OkCancelAndEscapeAllCommitAndClose)
     EXPECT_TRUE(closeWith("8", [&] { QTest::keyClick(&Dlg(), Qt::Key_Escape); }));
 }
 
-TEST_F(DialogFixture, SaveToWritesTheNormalisedRulerUnderANameWithoutSvr)
+// "Save To" writes the ruler moved to the corner under a name without
+// ".svr"; "Load From" reads any line ends, moves the ruler and commits, or
+// reports a file it cannot read and changes nothing.
+TEST_F(DialogFixture, SaveToAndLoadFrom)
 {
     QDir().mkpath(dir.filePath(QStringLiteral("data/svrdata")));
     PlaceRuler({ 250, 400 }, { 450, 380 });
@@ -194,28 +198,25 @@ TEST_F(DialogFixture, SaveToWritesTheNormalisedRulerUnderANameWithoutSvr)
     EXPECT_FALSE(QFile::exists(dir.filePath(QStringLiteral("a.svr"))));
     EXPECT_EQ(ReadAll(dir.filePath(QStringLiteral("a"))),
         "0.0100\r\r\n0.1000\r\r\n2\r\r\n2\r\r\n100\r\r\n300\r\r\n200\r\r\n100\r\r\n120\r\r\n20\r\r\n0\r\r\n");
-    EXPECT_TRUE(messages.empty());
 
     const QStringList files = QDir(dir.path()).entryList(QDir::Files);
     AnswerFileDialog({}); // the user cancels
     Click("saveTo");
     EXPECT_EQ(requests.size(), 2u);
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), files) << "nothing written";
+    EXPECT_TRUE(messages.empty());
     EXPECT_FALSE(Dlg().SaveTo(dir.filePath(QStringLiteral("missing/b.svr"))));
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_TRUE(messages[0].contains(QStringLiteral("missing/b")));
-}
 
-TEST_F(DialogFixture, LoadFromMovesTheRulerAndCommitsAnyLineEnds)
-{
     const QString path = dir.filePath(QStringLiteral("lf.svr"));
     ASSERT_TRUE(WriteAll(path, "0.5\n0.5\n3\n4\n100\n400\n300\n100\n500\n400\n2\n"));
     AnswerFileDialog(path);
     Click("loadFrom");
-    ASSERT_EQ(requests.size(), 1u);
-    EXPECT_FALSE(requests[0].save);
-    EXPECT_EQ(requests[0].initialPath, CurrentAppPaths().m_factoryCalibrationFolder + "*.svr");
-    EXPECT_EQ(requests[0].filter, "Ruler Data Files(*.svr)");
+    ASSERT_EQ(requests.size(), 3u);
+    EXPECT_FALSE(requests[2].save);
+    EXPECT_EQ(requests[2].initialPath, CurrentAppPaths().m_factoryCalibrationFolder + "*.svr");
+    EXPECT_EQ(requests[2].filter, "Ruler Data Files(*.svr)");
     EXPECT_EQ(Arms(), std::make_pair(QPoint(100, 500), QPoint(400, 100)));
     EXPECT_EQ(Dlg().UnitLabel(), "cm");
     EXPECT_EQ(Text("xPerPixel"), "0.0100") << "recomputed from the lengths";
@@ -228,22 +229,17 @@ TEST_F(DialogFixture, LoadFromMovesTheRulerAndCommitsAnyLineEnds)
     Dlg().Commit();
     ASSERT_TRUE(Dlg().LoadFrom(saved));
     EXPECT_EQ(doc.mgr.m_unit, (CalibrationRecord { 2, 0.01, 0.01, 3.0, 4.0 }));
-    EXPECT_TRUE(messages.empty());
-}
+    EXPECT_EQ(messages.size(), 1u);
 
-TEST_F(DialogFixture, UnreadableFilesAreReportedAndChangeNothing)
-{
-    PlaceRuler({ 100, 300 }, { 300, 100 });
-    Dlg().Commit();
-    const CalibrationRecord record = doc.mgr.m_unit;
+    // Unreadable files are reported, one message each, and change nothing.
     const auto arms = Arms();
     const SvrData data = Dlg().m_data;
     const QString binary = dir.filePath(QStringLiteral("bin.svr"));
     ASSERT_TRUE(WriteAll(binary, QByteArray("\0\1\2\3\n\n\n", 7)));
     for (const QString& path : { dir.filePath(QStringLiteral("none.svr")), binary, dir.path() })
         EXPECT_FALSE(Dlg().LoadFrom(path));
-    EXPECT_EQ(messages.size(), 3u);
-    EXPECT_EQ(doc.mgr.m_unit, record);
+    EXPECT_EQ(messages.size(), 4u);
+    EXPECT_EQ(doc.mgr.m_unit, (CalibrationRecord { 2, 0.01, 0.01, 3.0, 4.0 }));
     EXPECT_EQ(Arms(), arms);
     EXPECT_EQ(Dlg().m_data, data);
 }
@@ -293,14 +289,6 @@ TEST_F(DialogFixture, FollowsARulerDragOnTheOverlayWindow)
     QTest::mouseMove(view.wnd, { 160, 90 });
     QTest::mouseRelease(view.wnd, Qt::LeftButton, {}, { 160, 90 });
     EXPECT_EQ(Extents(), "150 400 250 / 80 130 50") << "a whole-ruler move too";
-}
-
-TEST_F(DialogFixture, ActivationPutsTheRulerOnScreen)
-{
-    doc.mgr.m_bShowRuler = 0;
-    QEvent activate(QEvent::WindowActivate);
-    QCoreApplication::sendEvent(&Dlg(), &activate);
-    EXPECT_EQ(doc.mgr.m_bShowRuler, 1);
 }
 
 TEST(CRulerSettingDlg, CalibrationCommandTogglesDialogAndRulerTogether)

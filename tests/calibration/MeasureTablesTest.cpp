@@ -15,12 +15,11 @@ using namespace MeasureTables;
 
 TEST(MeasureTables, PaletteAndUnitTablesNeverIndexPastTheirEnd)
 {
-    EXPECT_EQ(PaletteColor(2), QColor(255, 0, 0)); // COLORREF 0x0000FF
-    EXPECT_EQ(PaletteColor(4), QColor(0, 0, 255));
-    EXPECT_EQ(PaletteColor(5), QColor(0, 255, 255));
-    EXPECT_EQ(PaletteColor(7), QColor(255, 255, 0));
-    EXPECT_EQ(PaletteColor(-1), QColor(255, 255, 255));
-    EXPECT_EQ(PaletteColor(8), QColor(255, 255, 255));
+    // The palette holds COLORREFs, 0x00BBGGRR: entry 2, 0x0000FF, is red.
+    const std::pair<int, QColor> colors[] = { { 2, Qt::red }, { 4, Qt::blue }, { 5, Qt::cyan },
+        { 7, Qt::yellow }, { -1, Qt::white }, { 8, Qt::white } };
+    for (const auto& [index, color] : colors)
+        EXPECT_EQ(PaletteColor(index), color) << index;
     EXPECT_STREQ(UnitText(4), "inch");
     EXPECT_STREQ(PerPixelText(0), "um/pixel");
     EXPECT_STREQ(SpacedUnitText(3), " dm");

@@ -14,22 +14,10 @@ using namespace SvrFile;
 
 namespace {
 
+// The ruler at (250, 400)-(450, 380), in mm.
 SvrData Sample()
 {
-    SvrData d;
-    d.m_strXPerPixel = QStringLiteral("0.0100");
-    d.m_strYPerPixel = QStringLiteral("0.1000");
-    d.m_strXReal = QStringLiteral("2");
-    d.m_strYReal = QStringLiteral("2.00");
-    // The ruler at (250, 400)-(450, 380).
-    d.m_nXStart = 250;
-    d.m_nXEnd = 450;
-    d.m_nXLenth = 200;
-    d.m_nYStart = 380;
-    d.m_nYEnd = 400;
-    d.m_nYLenth = 20;
-    d.m_nUnit = 1;
-    return d;
+    return { "0.0100", "0.1000", "2", "2.00", 250, 450, 200, 380, 400, 20, 1 };
 }
 
 } // namespace
@@ -128,22 +116,19 @@ TEST(SvrFile, HugeFilesAreReadOnlyAsFarAsTheirFirstLines)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("huge.svr"));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(ToBytes(Sample()));
-    const QByteArray junk(1 << 20, '\0');
-    for (int i = 0; i < 64; ++i)
-        file.write(junk);
-    file.close();
+    // `head`, then 64 MiB of `fill`.
+    const auto write = [&](const QByteArray& head, char fill) {
+        QFile file(path);
+        bool written = file.open(QIODevice::WriteOnly) && file.write(head) == head.size();
+        for (int i = 0; i < 64; ++i)
+            written = written && file.write(QByteArray(1 << 20, fill)) == 1 << 20;
+        return written;
+    };
     SvrData read;
+    ASSERT_TRUE(write(ToBytes(Sample()), '\0'));
     EXPECT_EQ(Read(path, read), Status::Ok);
     EXPECT_EQ(read, Sample().Normalized());
-
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    const QByteArray digits(1 << 20, '5');
-    for (int i = 0; i < 64; ++i)
-        file.write(digits); // one line of 64 MiB
-    file.close();
+    ASSERT_TRUE(write({}, '5')); // one line of 64 MiB
     EXPECT_EQ(Read(path, read), Status::NotRulerData);
 }
 
