@@ -8,14 +8,18 @@
 namespace {
 
 // A picture whose every pixel differs from its neighbours at each depth.
+quint32 PatternValue(int x, int y, int bits)
+{
+    return quint32(x * 2654435761u + y * 40503u + 7) & (bits == 32 ? 0xFFFFFFFFu : (1u << bits) - 1);
+}
+
 FCObjImage Pattern(int w, int h, int bits)
 {
     FCObjImage img;
     EXPECT_TRUE(img.Create(w, h, bits));
-    const quint32 mask = bits == 32 ? 0xFFFFFFFFu : (1u << bits) - 1;
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x)
-            img.SetPixelData(x, y, quint32(x * 2654435761u + y * 40503u + 7) & mask);
+            img.SetPixelData(x, y, PatternValue(x, y, bits));
     return img;
 }
 
@@ -56,10 +60,9 @@ TEST(FCObjImage, PixelDataRoundTripsAtEveryDepthWithoutTouchingNeighbours)
 {
     for (int bits : { 1, 4, 8, 16, 24, 32 }) {
         const FCObjImage img = Pattern(13, 5, bits);
-        const quint32 mask = bits == 32 ? 0xFFFFFFFFu : (1u << bits) - 1;
         for (int y = 0; y < 5; ++y)
             for (int x = 0; x < 13; ++x)
-                ASSERT_EQ(img.GetPixelData(x, y), quint32(x * 2654435761u + y * 40503u + 7) & mask)
+                ASSERT_EQ(img.GetPixelData(x, y), PatternValue(x, y, bits))
                     << bits << " bits at " << x << "," << y;
         EXPECT_EQ(img.GetPixelData(13, 0), 0u);
         EXPECT_EQ(img.GetPixelData(-1, 0), 0u);
@@ -102,53 +105,46 @@ TEST(FCObjImage, PixelColoursGoThroughPaletteAndFiveBitChannels)
 
 TEST(FCObjImage, ConvertsToAndFromQImageWithoutSurprises)
 {
-    // 1 bit with its own two colours, odd width whose rows are padded.
+    // Odd widths whose rows are padded; 1 bit with its own two colours.
     QImage mono(385, 4, QImage::Format_Mono);
     mono.setColorTable({ qRgb(10, 20, 30), qRgb(250, 240, 230) });
-    mono.fill(0);
-    for (int x = 0; x < 385; x += 3)
-        mono.setPixel(x, x % 4, 1);
-    FCObjImage m;
-    ASSERT_TRUE(m.FromQImage(mono));
-    EXPECT_EQ(m.ColorBits(), 1);
-    EXPECT_EQ(m.GetPixelColor(3, 3), qRgb(250, 240, 230));
-    EXPECT_EQ(m.GetPixelColor(1, 0), qRgb(10, 20, 30));
-    EXPECT_EQ(m.ToQImage(), mono);
-
     QImage indexed(385, 3, QImage::Format_Indexed8);
-    QVector<QRgb> table;
     for (int i = 0; i < 256; ++i)
-        table.append(qRgb(i, 255 - i, i / 2));
-    indexed.setColorTable(table);
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 385; ++x)
-            indexed.setPixel(x, y, uint((x + 7 * y) & 255));
-    FCObjImage p;
-    ASSERT_TRUE(p.FromQImage(indexed));
-    EXPECT_EQ(p.ColorBits(), 8);
-    EXPECT_EQ(p.GetPixelData(384, 2), uint((384 + 14) & 255));
-    EXPECT_EQ(p.ToQImage(), indexed);
-
+        indexed.setColor(i, qRgb(i, 255 - i, i / 2));
     QImage rgb(385, 3, QImage::Format_RGB32);
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 385; ++x)
-            rgb.setPixel(x, y, qRgb(x & 255, y * 80, (x * 3) & 255));
-    FCObjImage t;
-    ASSERT_TRUE(t.FromQImage(rgb));
-    EXPECT_EQ(t.ColorBits(), 24); // opaque colour pictures become 24-bit
-    EXPECT_EQ(t.GetPixelColor(300, 2), rgb.pixel(300, 2));
-    EXPECT_EQ(t.GetMemStart()[385 * 3], 0); // the padding byte of the bottom row
-    EXPECT_EQ(t.ToQImage().convertToFormat(QImage::Format_RGB32), rgb);
-
     QImage argb(5, 2, QImage::Format_ARGB32);
-    argb.fill(qRgba(1, 2, 3, 4));
-    argb.setPixel(4, 1, qRgba(200, 100, 50, 255));
-    FCObjImage a;
-    ASSERT_TRUE(a.FromQImage(argb));
-    EXPECT_EQ(a.ColorBits(), 32);
-    EXPECT_TRUE(a.HasAlpha());
-    EXPECT_EQ(a.GetPixelData(0, 0), qRgba(1, 2, 3, 4));
-    EXPECT_EQ(a.ToQImage(), argb);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 385; ++x) {
+            mono.setPixel(x, y, x % 3 == 0 && x % 4 == y);
+            if (y < 3) {
+                indexed.setPixel(x, y, uint((x + 7 * y) & 255));
+                rgb.setPixel(x, y, qRgb(x & 255, y * 80, (x * 3) & 255));
+            }
+            if (y < 2 && x < 5)
+                argb.setPixel(x, y, x == 4 && y == 1 ? qRgba(200, 100, 50, 255) : qRgba(1, 2, 3, 4));
+        }
+    // Opaque colour pictures become 24-bit, with alpha 32-bit.
+    const struct
+    {
+        const QImage& image;
+        int bits;
+        QPoint at;
+    } cases[] = { { mono, 1, { 3, 3 } }, { mono, 1, { 1, 0 } }, { indexed, 8, { 384, 2 } },
+        { rgb, 24, { 300, 2 } }, { argb, 32, { 4, 1 } }, { argb, 32, { 0, 0 } } };
+    for (const auto& c : cases) {
+        FCObjImage img;
+        ASSERT_TRUE(img.FromQImage(c.image)) << c.bits;
+        EXPECT_EQ(img.ColorBits(), c.bits);
+        EXPECT_EQ(img.HasAlpha(), c.bits == 32);
+        const QRgb pixel
+            = c.bits == 32 ? img.GetPixelData(c.at.x(), c.at.y()) : img.GetPixelColor(c.at.x(), c.at.y());
+        EXPECT_EQ(pixel, c.image.pixel(c.at)) << c.bits;
+        const QImage back = img.ToQImage();
+        EXPECT_EQ(c.bits == 24 ? back.convertToFormat(QImage::Format_RGB32) : back, c.image) << c.bits;
+        if (c.bits == 24) {
+            EXPECT_EQ(img.GetMemStart()[385 * 3], 0) << "the padding byte of the bottom row";
+        }
+    }
 
     // 32 bits without alpha: the fourth byte is unused, pictures stay opaque.
     FCObjImage x(2, 1, 32);
@@ -160,22 +156,6 @@ TEST(FCObjImage, ConvertsToAndFromQImageWithoutSurprises)
     EXPECT_EQ(q4.format(), QImage::Format_Indexed8);
     EXPECT_EQ(q4.colorCount(), 16);
     EXPECT_EQ(uint(q4.pixelIndex(5, 1)), four.GetPixelData(5, 1));
-}
-
-TEST(FCObjImage, CopyRectKeepsDepthAndClipsToThePicture)
-{
-    for (int bits : { 1, 4, 8, 24, 32 }) {
-        const FCObjImage src = Pattern(19, 7, bits);
-        const FCObjImage part = src.CopyRect(QRect(3, 2, 100, 4));
-        ASSERT_TRUE(part.IsValidImage());
-        EXPECT_EQ(part.Width(), 16);
-        EXPECT_EQ(part.Height(), 4);
-        EXPECT_EQ(part.ColorBits(), bits);
-        for (int y = 0; y < 4; ++y)
-            for (int x = 0; x < 16; ++x)
-                ASSERT_EQ(part.GetPixelData(x, y), src.GetPixelData(x + 3, y + 2)) << bits;
-    }
-    EXPECT_FALSE(Pattern(4, 4, 24).CopyRect(QRect(10, 10, 5, 5)).IsValidImage());
 }
 
 TEST(FCObjImage, StretchAveragesInsteadOfPickingPixels)
@@ -199,24 +179,27 @@ TEST(FCObjImage, StretchAveragesInsteadOfPickingPixels)
     EXPECT_EQ(small.GetPixelColor(5, 5), qRgb(0, 128, 0));
 }
 
-TEST(FCObjImage, ConvertTo24BitFromEveryDepth)
+TEST(FCObjImage, CopiesRectsAndConvertsTo24BitKeepingEveryPixel)
 {
-    for (int bits : { 1, 4, 8, 16, 32 }) {
-        FCObjImage img = Pattern(11, 3, bits);
-        FCObjImage before = img;
-        ASSERT_TRUE(img.ConvertTo24Bit());
-        EXPECT_EQ(img.ColorBits(), 24);
-        for (int y = 0; y < 3; ++y)
-            for (int x = 0; x < 11; ++x)
-                ASSERT_EQ(img.GetPixelColor(x, y), before.GetPixelColor(x, y) | 0xFF000000u) << bits;
+    for (int bits : { 1, 4, 8, 16, 24, 32 }) {
+        const FCObjImage src = Pattern(19, 7, bits);
+        const FCObjImage part = src.CopyRect(QRect(3, 2, 100, 4)); // clipped to the picture
+        ASSERT_TRUE(part.IsValidImage()) << bits;
+        EXPECT_EQ(part.Width(), 16);
+        EXPECT_EQ(part.Height(), 4);
+        EXPECT_EQ(part.ColorBits(), bits);
+        for (int y = 0; y < 4; ++y)
+            for (int x = 0; x < 16; ++x)
+                ASSERT_EQ(part.GetPixelData(x, y), src.GetPixelData(x + 3, y + 2)) << bits;
+        FCObjImage deep = src;
+        ASSERT_TRUE(deep.ConvertTo24Bit());
+        EXPECT_EQ(deep.ColorBits(), 24);
+        for (int y = 0; y < 7; ++y)
+            for (int x = 0; x < 19; ++x)
+                ASSERT_EQ(deep.GetPixelColor(x, y), src.GetPixelColor(x, y) | 0xFF000000u) << bits;
+        FCObjImage copy = src; // copies are independent
+        copy.SetPixelData(0, 0, ~src.GetPixelData(0, 0));
+        EXPECT_EQ(src.GetPixelData(0, 0), PatternValue(0, 0, bits));
     }
-}
-
-TEST(FCObjImage, CopiesAreIndependent)
-{
-    FCObjImage a = Pattern(5, 5, 24);
-    FCObjImage b = a;
-    b.SetPixelData(0, 0, 0x123456);
-    EXPECT_NE(a.GetPixelData(0, 0), 0x123456u);
-    EXPECT_NE(a.GetMemStart(), b.GetMemStart());
+    EXPECT_FALSE(Pattern(4, 4, 24).CopyRect(QRect(10, 10, 5, 5)).IsValidImage());
 }

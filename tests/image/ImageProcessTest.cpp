@@ -4,12 +4,12 @@
 
 #include <QCoreApplication>
 #include <QProcess>
-#include <QProcessEnvironment>
 
 #include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
 #include <random>
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -20,6 +20,7 @@
 namespace {
 
 using Bytes = std::vector<uchar>;
+using Plain = std::function<void(Bytes&, unsigned, unsigned)>;
 
 std::size_t StrideOf(unsigned width)
 {
@@ -35,27 +36,31 @@ Bytes Noise(unsigned width, unsigned height, unsigned seed)
     return b;
 }
 
-struct PlainTables
+// Running float sums of 0.11 (blue), 0.3 (green) and 0.3 (red) per step,
+// added red first.
+struct FloatGray
 {
-    float red[256];
-    float green[256];
-    float blue[256];
-    PlainTables()
+    float table[3][256];
+    FloatGray()
     {
-        float r = 0, g = 0, b = 0;
-        for (int i = 0; i < 256; ++i) {
-            red[i] = r;
-            green[i] = g;
-            blue[i] = b;
-            r += 0.3f;
-            g += 0.3f;
-            b += 0.11f;
-        }
+        float sum[3] = {};
+        for (int i = 0; i < 256; ++i)
+            for (int c = 0; c < 3; ++c) {
+                table[c][i] = sum[c];
+                sum[c] += c == 0 ? 0.11f : 0.3f;
+            }
     }
-    int GrayOf(const uchar* px) const { return int(red[px[2]] + green[px[1]] + blue[px[0]]); }
+    int Of(const uchar* p) const { return int(table[2][p[2]] + table[1][p[1]] + table[0][p[0]]); }
 };
 
-const PlainTables kPlain;
+const FloatGray kGray;
+
+void EachPixel(Bytes& b, unsigned w, unsigned h, const std::function<void(uchar*)>& f)
+{
+    for (unsigned y = 0; y < h; ++y)
+        for (unsigned x = 0; x < w; ++x)
+            f(&b[y * StrideOf(w) + 3 * x]);
+}
 
 void PlainFlip(Bytes& b, unsigned w, unsigned h)
 {
@@ -79,30 +84,18 @@ void PlainMirror(Bytes& b, unsigned w, unsigned h)
 
 void PlainGray(Bytes& b, unsigned w, unsigned h)
 {
-    const std::size_t s = StrideOf(w);
-    for (unsigned y = 0; y < h; ++y)
-        for (unsigned x = 0; x < w; ++x) {
-            uchar* p = &b[y * s + 3 * x];
-            p[0] = p[1] = p[2] = uchar(kPlain.GrayOf(p));
-        }
+    EachPixel(b, w, h, [](uchar* p) { p[0] = p[1] = p[2] = uchar(kGray.Of(p)); });
 }
 
 void PlainBinary(Bytes& b, unsigned w, unsigned h, int threshold)
 {
-    const std::size_t s = StrideOf(w);
-    for (unsigned y = 0; y < h; ++y)
-        for (unsigned x = 0; x < w; ++x) {
-            uchar* p = &b[y * s + 3 * x];
-            p[0] = p[1] = p[2] = unsigned(kPlain.GrayOf(p)) < unsigned(threshold) ? 0 : 255;
-        }
+    EachPixel(b, w, h,
+        [=](uchar* p) { p[0] = p[1] = p[2] = unsigned(kGray.Of(p)) < unsigned(threshold) ? 0 : 255; });
 }
 
 void PlainNegative(Bytes& b, unsigned w, unsigned h)
 {
-    const std::size_t s = StrideOf(w);
-    for (unsigned y = 0; y < h; ++y)
-        for (unsigned i = 0; i < 3 * w; ++i)
-            b[y * s + i] = uchar(255 - b[y * s + i]);
+    EachPixel(b, w, h, [](uchar* p) { p[0] = 255 - p[0], p[1] = 255 - p[1], p[2] = 255 - p[2]; });
 }
 
 void PlainEmboss(Bytes& b, unsigned w, unsigned h)
@@ -113,9 +106,7 @@ void PlainEmboss(Bytes& b, unsigned w, unsigned h)
             for (unsigned c = 0; c < 3; ++c) {
                 unsigned v
                     = unsigned(b[y * s + 3 * x + c]) - unsigned(b[(y + 1) * s + 3 * (x + 1) + c]) + 128u;
-                if (v > 255)
-                    v = 255;
-                b[y * s + 3 * x + c] = uchar(v);
+                b[y * s + 3 * x + c] = uchar(v > 255 ? 255 : v);
             }
         for (unsigned c = 0; c < 3; ++c)
             b[y * s + 3 * (w - 1) + c] = 128;
@@ -127,72 +118,66 @@ void PlainSharpen(Bytes& b, unsigned w, unsigned h)
 {
     const std::size_t s = StrideOf(w);
     const Bytes copy = b;
-    if (h <= 2)
-        return;
     for (unsigned y = 1; y + 1 < h; ++y)
         for (unsigned x = 1; x + 1 < w; ++x)
             for (unsigned c = 0; c < 3; ++c) {
                 const auto at = [&](unsigned xx, unsigned yy) { return int(copy[yy * s + 3 * xx + c]); };
                 int v = 5 * at(x, y) - at(x - 1, y) - at(x + 1, y) - at(x, y - 1) - at(x, y + 1);
-                v = v < 0 ? 0 : v > 255 ? 255 : v;
-                b[y * s + 3 * x + c] = uchar(v);
+                b[y * s + 3 * x + c] = uchar(v < 0 ? 0 : v > 255 ? 255 : v);
             }
 }
 
 void PlainColorOffset(Bytes& b, unsigned w, unsigned h, int red, int green, int blue)
 {
-    const std::size_t s = StrideOf(w);
-    const int add[3] = { blue, green, red };
-    for (unsigned y = 0; y < h; ++y)
-        for (unsigned x = 0; x < w; ++x)
-            for (unsigned c = 0; c < 3; ++c) {
-                const int v = b[y * s + 3 * x + c] + add[c];
-                b[y * s + 3 * x + c] = v < 256 ? uchar(v) : 255;
-            }
+    EachPixel(b, w, h, [=](uchar* p) {
+        const int add[3] = { blue, green, red };
+        for (int c = 0; c < 3; ++c)
+            p[c] = p[c] + add[c] < 256 ? uchar(p[c] + add[c]) : 255;
+    });
 }
 
-// Widths around the vector block sizes, with and without row padding.
-const unsigned kWidths[] = { 1, 2, 3, 4, 5, 7, 15, 16, 17, 21, 22, 23, 32, 33, 47, 48, 49, 64, 65, 97, 385 };
-const unsigned kHeights[] = { 1, 2, 3, 4, 7 };
-
-template <typename Fast, typename Plain> void ExpectSameBytes(const char* name, Fast fast, Plain plain)
+struct Op
 {
-    unsigned seed = 1;
-    for (unsigned w : kWidths)
-        for (unsigned h : kHeights) {
-            Bytes expected = Noise(w, h, seed++);
-            Bytes actual = expected;
-            plain(expected, w, h);
-            fast(actual.data(), w, h);
-            ASSERT_EQ(actual, expected) << name << " " << w << "x" << h;
-        }
+    std::string name;
+    std::function<int(uchar*, unsigned, unsigned)> fast;
+    Plain plain;
+};
+
+// Every operation, with thresholds and gains on both sides of each boundary.
+std::vector<Op> Ops()
+{
+    std::vector<Op> ops = { { "flip", FlipVertical, PlainFlip }, { "mirror", MirrorHorizontal, PlainMirror },
+        { "gray", Gray, PlainGray }, { "negative", Negative, PlainNegative },
+        { "emboss", Emboss, PlainEmboss },
+        { "sharpen", [](uchar* b, unsigned w, unsigned h) { return Sharpen(b, w, h), 0; }, PlainSharpen } };
+    for (int t : { -1, 0, 1, 57, 100, 128, 181, 182, 255, 256 })
+        ops.push_back({ "binary " + std::to_string(t),
+            [t](uchar* b, unsigned w, unsigned h) { return Binary(b, w, h, t); },
+            [t](Bytes& b, unsigned w, unsigned h) { PlainBinary(b, w, h, t); } });
+    for (auto [r, g, b] :
+        { std::tuple { 20, 40, 63 }, { 0, 0, 1 }, { 255, 0, 7 }, { -30, 5, 0 }, { 300, -1000, 2 } })
+        ops.push_back({ "offset " + std::to_string(r),
+            [=](uchar* p, unsigned w, unsigned h) { return ColorOffset(p, w, h, r, g, b); },
+            [=](Bytes& p, unsigned w, unsigned h) { PlainColorOffset(p, w, h, r, g, b); } });
+    return ops;
 }
 
 } // namespace
 
+// Widths around the vector block sizes, with and without row padding; widths
+// and heights of 1 and 2 leave nothing for sharpen to do.
 TEST(ImageProcess, EveryOperationMatchesItsPlainDefinitionIncludingPadding)
 {
-    ExpectSameBytes(
-        "flip", [](uchar* b, unsigned w, unsigned h) { EXPECT_EQ(FlipVertical(b, w, h), 0); }, PlainFlip);
-    ExpectSameBytes(
-        "mirror", [](uchar* b, unsigned w, unsigned h) { EXPECT_EQ(MirrorHorizontal(b, w, h), 0); },
-        PlainMirror);
-    ExpectSameBytes(
-        "gray", [](uchar* b, unsigned w, unsigned h) { EXPECT_EQ(Gray(b, w, h), 0); }, PlainGray);
-    ExpectSameBytes(
-        "negative", [](uchar* b, unsigned w, unsigned h) { EXPECT_EQ(Negative(b, w, h), 0); }, PlainNegative);
-    for (int t : { 1, 57, 100, 128, 181, 182, 255 })
-        ExpectSameBytes(
-            "binary", [t](uchar* b, unsigned w, unsigned h) { EXPECT_EQ(Binary(b, w, h, t), 0); },
-            [t](Bytes& b, unsigned w, unsigned h) { PlainBinary(b, w, h, t); });
-    ExpectSameBytes(
-        "emboss", [](uchar* b, unsigned w, unsigned h) { EXPECT_EQ(Emboss(b, w, h), 0); }, PlainEmboss);
-    ExpectSameBytes("sharpen", Sharpen, PlainSharpen);
-    for (auto [r, g, b] :
-        { std::tuple { 20, 40, 63 }, { 0, 0, 1 }, { 255, 0, 7 }, { -30, 5, 0 }, { 300, -1000, 2 } })
-        ExpectSameBytes(
-            "offset", [=](uchar* p, unsigned w, unsigned h) { EXPECT_EQ(ColorOffset(p, w, h, r, g, b), 0); },
-            [=](Bytes& p, unsigned w, unsigned h) { PlainColorOffset(p, w, h, r, g, b); });
+    for (const Op& op : Ops()) {
+        unsigned seed = 1;
+        for (unsigned w : { 1, 2, 3, 4, 5, 7, 15, 16, 17, 21, 22, 23, 32, 33, 47, 48, 49, 64, 65, 97, 385 })
+            for (unsigned h : { 1, 2, 3, 4, 7 }) {
+                Bytes expected = Noise(w, h, seed++), actual = expected;
+                op.plain(expected, w, h);
+                ASSERT_EQ(op.fast(actual.data(), w, h), 0) << op.name;
+                ASSERT_EQ(actual, expected) << op.name << " " << w << "x" << h;
+            }
+    }
 }
 
 // All 2^24 colours: the integer model of the float gray must agree everywhere.
@@ -200,32 +185,17 @@ TEST(ImageProcess, GrayAndBinaryAgreeWithTheFloatTablesForEveryColour)
 {
     const unsigned w = 65536, h = 256; // one row per red value; stride has no padding
     Bytes all(std::size_t(w) * 3 * h);
-    for (unsigned r = 0; r < 256; ++r)
-        for (unsigned gb = 0; gb < 65536; ++gb) {
-            uchar* p = &all[(std::size_t(r) * w + gb) * 3];
-            p[0] = uchar(gb & 0xFF);
-            p[1] = uchar(gb >> 8);
-            p[2] = uchar(r);
-        }
-    Bytes expected(all.size() / 3);
-    for (std::size_t i = 0; i < expected.size(); ++i)
-        expected[i] = uchar(kPlain.GrayOf(&all[3 * i]));
-
-    Bytes gray = all;
-    ASSERT_EQ(Gray(gray.data(), w, h), 0);
-    std::size_t wrong = 0;
-    for (std::size_t i = 0; i < expected.size(); ++i)
-        wrong
-            += gray[3 * i] != expected[i] || gray[3 * i + 1] != expected[i] || gray[3 * i + 2] != expected[i];
-    EXPECT_EQ(wrong, 0u);
-
-    for (int t : { 1, 100, 181 }) {
-        Bytes bin = all;
-        ASSERT_EQ(Binary(bin.data(), w, h, t), 0);
-        wrong = 0;
-        for (std::size_t i = 0; i < expected.size(); ++i) {
-            const uchar want = expected[i] < t ? 0 : 255;
-            wrong += bin[3 * i] != want || bin[3 * i + 1] != want || bin[3 * i + 2] != want;
+    for (std::size_t i = 0; i < std::size_t(w) * h; ++i) {
+        all[3 * i] = uchar(i), all[3 * i + 1] = uchar(i >> 8), all[3 * i + 2] = uchar(i >> 16);
+    }
+    for (int t : { 0, 1, 100, 181 }) { // 0: gray, else binary at t
+        Bytes out = all;
+        ASSERT_EQ(t ? Binary(out.data(), w, h, t) : Gray(out.data(), w, h), 0);
+        std::size_t wrong = 0;
+        for (std::size_t i = 0; i < out.size(); i += 3) {
+            const int gray = kGray.Of(&all[i]);
+            const uchar want = t == 0 ? uchar(gray) : gray < t ? 0 : 255;
+            wrong += out[i] != want || out[i + 1] != want || out[i + 2] != want;
         }
         EXPECT_EQ(wrong, 0u) << "threshold " << t;
     }
@@ -254,128 +224,76 @@ TEST(ImageProcess, BadArgumentsReportMinusOneAndTouchNothing)
 {
     Bytes b = Noise(5, 3, 9);
     const Bytes before = b;
-    for (unsigned w : { 0u, 5u })
-        for (unsigned h : { 0u, 3u }) {
-            if (w != 0 && h != 0)
-                continue;
-            EXPECT_EQ(FlipVertical(b.data(), w, h), -1);
-            EXPECT_EQ(MirrorHorizontal(b.data(), w, h), -1);
-            EXPECT_EQ(Gray(b.data(), w, h), -1);
-            EXPECT_EQ(Negative(b.data(), w, h), -1);
-            EXPECT_EQ(Binary(b.data(), w, h, 9), -1);
-            EXPECT_EQ(Emboss(b.data(), w, h), -1);
-            Sharpen(b.data(), w, h);
-            EXPECT_EQ(ColorOffset(b.data(), w, h, 1, 2, 3), -1);
-        }
-    EXPECT_EQ(b, before);
-    EXPECT_EQ(FlipVertical(nullptr, 5, 3), -1);
-    EXPECT_EQ(MirrorHorizontal(nullptr, 5, 3), -1);
-    EXPECT_EQ(Gray(nullptr, 5, 3), -1);
-    EXPECT_EQ(Negative(nullptr, 5, 3), -1);
-    EXPECT_EQ(Binary(nullptr, 5, 3, 1), -1);
-    EXPECT_EQ(Emboss(nullptr, 5, 3), -1);
-    Sharpen(nullptr, 5, 3);
-    EXPECT_EQ(ColorOffset(nullptr, 5, 3, 1, 1, 1), -1);
-    // Zero gains are a no-op that still reports -1.
-    EXPECT_EQ(ColorOffset(b.data(), 5, 3, 0, 0, 0), -1);
+    for (const Op& op : Ops()) {
+        const int want = op.name == "sharpen" ? 0 : -1; // Sharpen reports nothing: it must only not write
+        for (auto [w, h] : { std::pair { 0u, 3u }, { 5u, 0u }, { 0u, 0u } })
+            EXPECT_EQ(op.fast(b.data(), w, h), want) << op.name;
+        EXPECT_EQ(op.fast(nullptr, 5, 3), want) << op.name;
+    }
+    EXPECT_EQ(ColorOffset(b.data(), 5, 3, 0, 0, 0), -1) << "zero gains are a no-op that reports -1";
     EXPECT_EQ(b, before);
 }
 
+// Pins the plain definitions themselves where they are least obvious.
 TEST(ImageProcess, KnownValues)
 {
-    // 2 x 2 picture, stride 8: two padding bytes per row.
-    Bytes b = { 255, 255, 255, 0, 0, 0, 0xAA, 0xBB, 10, 20, 30, 40, 50, 60, 0xCC, 0xDD };
-    Bytes g = b;
-    Gray(g.data(), 2, 2);
-    EXPECT_EQ(g[0], 181); // white is darker: the weights add up to 0.71
-    EXPECT_EQ(g[3], 0);
-    EXPECT_EQ(g[6], 0xAA); // padding untouched
-    EXPECT_EQ(g[8], 16); // B 10, G 20, R 30: trunc(9 + 6 + 1.1)
-    Bytes n = b;
-    Negative(n.data(), 2, 2);
-    EXPECT_EQ((Bytes { n[0], n[5], n[6], n[7], n[8] }), (Bytes { 0, 255, 0xAA, 0xBB, 245 }));
+    Bytes g = { 255, 255, 255, 10, 20, 30, 0xAA, 0xBB }; // 2 x 1, two padding bytes
+    Gray(g.data(), 2, 1);
+    EXPECT_EQ(g, (Bytes { 181, 181, 181, 16, 16, 16, 0xAA, 0xBB })); // weights sum to 0.71; 9 + 6 + 1.1
 
-    Bytes w = b;
-    Binary(w.data(), 2, 2, 0);
-    EXPECT_EQ((Bytes { w[3], w[4], w[5] }), (Bytes { 255, 255, 255 })); // threshold 0: all white
-    Binary(w.data(), 2, 2, 256);
-    EXPECT_EQ((Bytes { w[0], w[1], w[2] }), (Bytes { 0, 0, 0 })); // 256: all black
-    Bytes k = b;
-    Binary(k.data(), 2, 2, -1); // compared unsigned: nothing reaches it
-    EXPECT_EQ((Bytes { k[0], k[8] }), (Bytes { 0, 0 }));
-
-    // Mirror of a 3-pixel row (9 bytes, stride 12): the first pixel comes
-    // from bytes 9..11, which are padding.
+    // Mirror of a 3-pixel row (stride 12): the first pixel comes from the padding.
     Bytes m = { 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12 };
     MirrorHorizontal(m.data(), 3, 1);
     EXPECT_EQ(m, (Bytes { 10, 11, 12, 7, 8, 9, 4, 5, 6, 0, 0, 0 }));
 
-    // Emboss: lower-right neighbour brighter by more than 128 wraps to white.
+    // Emboss: a lower-right neighbour brighter by more than 128 wraps to white.
     Bytes e = { 10, 100, 200, 0, 0, 0, 0, 0, 0, 0, 0, 250, 50, 70, 0, 0 };
     Emboss(e.data(), 2, 2);
-    EXPECT_EQ((Bytes { e[0], e[1], e[2] }), (Bytes { 255, 178, 255 })); // 10-250, 100-50, 200-70 (+128)
-    EXPECT_EQ((Bytes { e[3], e[4], e[5], e[6], e[7] }), (Bytes { 128, 128, 128, 0, 0 }));
-    EXPECT_EQ((Bytes { e[8], e[15] }), (Bytes { 128, 128 })); // last row filled, padding included
-}
-
-TEST(ImageProcess, SharpenLeavesThinPicturesAlone)
-{
-    for (auto [w, h] : { std::pair { 2u, 9u }, { 9u, 2u }, { 1u, 5u }, { 5u, 1u } }) {
-        Bytes b = Noise(w, h, w * 10 + h);
-        const Bytes before = b;
-        Sharpen(b.data(), w, h);
-        EXPECT_EQ(b, before) << w << "x" << h;
-    }
+    // 10-250, 100-50, 200-70 (+128); the last column and the whole last row, padding included, are 128.
+    EXPECT_EQ(e, (Bytes { 255, 178, 255, 128, 128, 128, 0, 0, 128, 128, 128, 128, 128, 128, 128, 128 }));
 }
 
 TEST(ProcessChain, CopiesWithoutPaddingThenAppliesTheSwitchesInOrder)
 {
     const unsigned w = 7, h = 5; // stride 24, 3 padding bytes per row
     const Bytes source = Noise(w, h, 77);
-    ProcessSwitches all;
-    all.flip = all.mirror = all.gray = all.negative = all.binary = all.emboss = all.sharpen = true;
-    all.binaryLevel = 60;
-    all.rgb = true;
-    all.red = 3;
-    all.green = 0;
-    all.blue = 63;
-
-    // Each switch alone, then all together, against the plain steps.
-    std::vector<std::pair<ProcessSwitches, std::function<void(Bytes&)>>> cases;
-    ProcessSwitches none;
-    cases.push_back({ none, [](Bytes&) {} });
-    auto only = [](auto set) {
-        ProcessSwitches s;
-        set(s);
-        return s;
-    };
-    cases.push_back({ only([](auto& s) { s.flip = true; }), [](Bytes& b) { PlainFlip(b, w, h); } });
-    cases.push_back({ only([](auto& s) { s.sharpen = true; }), [](Bytes& b) { PlainSharpen(b, w, h); } });
-    cases.push_back({ only([](auto& s) { s.rgb = true; }), [](Bytes&) {} }); // zero gains: no change
-    cases.push_back({ all, [](Bytes& b) {
-                         PlainFlip(b, w, h);
-                         PlainMirror(b, w, h);
-                         PlainGray(b, w, h);
-                         PlainNegative(b, w, h);
-                         PlainBinary(b, w, h, 60);
-                         PlainEmboss(b, w, h);
-                         PlainSharpen(b, w, h);
-                         PlainColorOffset(b, w, h, 3, 0, 63);
-                     } });
-    for (const auto& [switches, plain] : cases) {
-        Bytes target(source.size(), 0xEE);
-        Bytes expected = target;
+    const auto check = [&](const ProcessSwitches& switches, const std::vector<Plain>& steps) {
+        Bytes target(source.size(), 0xEE), expected = target;
         std::memcpy(expected.data(), source.data(), w * h * 3); // padding ignored: the tail keeps 0xEE
-        plain(expected);
+        for (const Plain& step : steps)
+            step(expected, w, h);
         RunProcessChain(source.data(), target.data(), w, h, switches);
-        EXPECT_EQ(target, expected);
-    }
-    // The tail of the target that the short copy does not reach.
-    Bytes target(source.size(), 0xEE);
-    RunProcessChain(source.data(), target.data(), w, h, none);
-    EXPECT_EQ(target[source.size() - 1], 0xEE);
-    EXPECT_EQ(target[w * h * 3 - 1], source[w * h * 3 - 1]);
+        EXPECT_EQ(target, expected) << steps.size() << " steps";
+    };
+    ProcessSwitches none;
+    none.binaryLevel = 60;
+    none.red = 3;
+    none.blue = 63;
+    ProcessSwitches zeroGains;
+    zeroGains.rgb = true;
+    check(none, {});
+    check(zeroGains, {});
 
+    // Each switch alone, then all together in their fixed order.
+    const std::pair<bool ProcessSwitches::*, Plain> steps[] = { { &ProcessSwitches::flip, PlainFlip },
+        { &ProcessSwitches::mirror, PlainMirror }, { &ProcessSwitches::gray, PlainGray },
+        { &ProcessSwitches::negative, PlainNegative },
+        { &ProcessSwitches::binary, [](Bytes& b, unsigned w, unsigned h) { PlainBinary(b, w, h, 60); } },
+        { &ProcessSwitches::emboss, PlainEmboss }, { &ProcessSwitches::sharpen, PlainSharpen },
+        { &ProcessSwitches::rgb,
+            [](Bytes& b, unsigned w, unsigned h) { PlainColorOffset(b, w, h, 3, 0, 63); } } };
+    ProcessSwitches all = none;
+    std::vector<Plain> allSteps;
+    for (const auto& [flag, plain] : steps) {
+        ProcessSwitches one = none;
+        one.*flag = all.*flag = true;
+        check(one, { plain });
+        allSteps.push_back(plain);
+    }
+    check(all, allSteps);
+
+    Bytes target = source;
     RunProcessChain(nullptr, target.data(), w, h, all); // nothing to do, no crash
     RunProcessChain(source.data(), nullptr, w, h, all);
+    EXPECT_EQ(target, source);
 }

@@ -34,17 +34,20 @@ FCObjImage Paletted(int w, int h)
     return img;
 }
 
+bool Near(QRgb p, QRgb q, int tolerance)
+{
+    return std::abs(qRed(p) - qRed(q)) <= tolerance && std::abs(qGreen(p) - qGreen(q)) <= tolerance
+        && std::abs(qBlue(p) - qBlue(q)) <= tolerance;
+}
+
 bool SameColours(const FCObjImage& a, const FCObjImage& b, int tolerance = 0)
 {
     if (a.Width() != b.Width() || a.Height() != b.Height())
         return false;
     for (int y = 0; y < a.Height(); ++y)
-        for (int x = 0; x < a.Width(); ++x) {
-            const QRgb p = a.GetPixelColor(x, y), q = b.GetPixelColor(x, y);
-            if (std::abs(qRed(p) - qRed(q)) > tolerance || std::abs(qGreen(p) - qGreen(q)) > tolerance
-                || std::abs(qBlue(p) - qBlue(q)) > tolerance)
+        for (int x = 0; x < a.Width(); ++x)
+            if (!Near(a.GetPixelColor(x, y), b.GetPixelColor(x, y), tolerance))
                 return false;
-        }
     return true;
 }
 
@@ -58,73 +61,81 @@ bool HavePillow()
     return have;
 }
 
-QString Pillow(const QString& script)
+// Runs setup in Pillow, then compares each named file there, pixel by pixel,
+// with our reading of it; only JPEG decoders may round differently. Returns
+// the format names Pillow found.
+QStringList PillowAgrees(const QTemporaryDir& dir, const QStringList& names, const QString& setup = {})
 {
-    QProcess p;
-    p.start(QStandardPaths::findExecutable("python3", { "/usr/bin", "/bin" }), { "-c", script });
-    p.waitForFinished(60000);
-    return QString::fromUtf8(p.readAllStandardOutput()).trimmed();
+    const QString script = QStringLiteral("from PIL import Image\nd = '%1'\n%2\nfor n in ['%3']:\n"
+                                          "    im = Image.open(d + '/' + n)\n"
+                                          "    print(n, im.format, im.size[0], ' '.join('%d,%d,%d' % c for c "
+                                          "in im.convert('RGB').getdata()))\n")
+                               .arg(dir.path(), setup, names.join("', '"));
+    QProcess python;
+    python.start(QStandardPaths::findExecutable("python3", { "/usr/bin", "/bin" }), { "-c", script });
+    python.waitForFinished(60000);
+    const QStringList lines
+        = QString::fromUtf8(python.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+    EXPECT_EQ(lines.size(), names.size()) << python.readAllStandardError().toStdString();
+    QStringList formats;
+    for (const QString& line : lines) {
+        const QStringList parts = line.split(' ');
+        formats << parts[1];
+        FCObjImage ours;
+        if (!ours.Load(dir.filePath(parts[0]))) {
+            ADD_FAILURE() << parts[0].toStdString() << " " << ours.ErrorString().toStdString();
+            continue;
+        }
+        EXPECT_EQ(parts[2].toInt(), ours.Width()) << parts[0].toStdString();
+        EXPECT_EQ(parts.size() - 3, ours.Width() * ours.Height()) << parts[0].toStdString();
+        const int tolerance = parts[1] == "JPEG" ? 3 : 0;
+        int wrong = 0;
+        for (int i = 3; i < parts.size(); ++i) {
+            const QStringList c = parts[i].split(',');
+            const QRgb got = ours.GetPixelColor((i - 3) % ours.Width(), (i - 3) / ours.Width());
+            wrong += !Near(got, qRgb(c[0].toInt(), c[1].toInt(), c[2].toInt()), tolerance);
+        }
+        EXPECT_EQ(wrong, 0) << parts[0].toStdString();
+    }
+    return formats;
 }
 
 } // namespace
 
-TEST(PictureFiles, EveryFormatSavesAndLoadsBack)
+TEST(PictureFiles, EveryFormatSavesAndLoadsBackEveryDepth)
 {
     QTemporaryDir dir;
     const FCObjImage colour = Colourful(385, 17);
     const FCObjImage paletted = Paletted(101, 9);
-    for (const char* ext : { "bmp", "png", "tif", "tiff", "tga", "pcx" }) {
-        const QString path = dir.filePath(QStringLiteral("c.") + ext);
-        ASSERT_TRUE(colour.Save(path)) << ext << " " << colour.ErrorString().toStdString();
-        FCObjImage back;
-        ASSERT_TRUE(back.Load(path)) << ext << " " << back.ErrorString().toStdString();
-        EXPECT_EQ(back.ColorBits(), 24) << ext;
-        EXPECT_TRUE(SameColours(back, colour)) << ext;
-    }
-    for (const char* ext : { "bmp", "png", "tif", "tga", "pcx", "gif" }) {
-        const QString path = dir.filePath(QStringLiteral("p.") + ext);
-        ASSERT_TRUE(paletted.Save(path)) << ext;
-        FCObjImage back;
-        ASSERT_TRUE(back.Load(path)) << ext << " " << back.ErrorString().toStdString();
-        EXPECT_TRUE(SameColours(back, paletted)) << ext;
-    }
-    for (const char* ext : { "jpg", "jpeg" }) {
-        const QString path = dir.filePath(QStringLiteral("c.") + ext);
-        ASSERT_TRUE(colour.Save(path));
-        FCObjImage back;
-        ASSERT_TRUE(back.Load(path));
-        EXPECT_EQ(back.Width(), 385);
-        // The JPEG summary writer inserts its segment after SOI and a 16-byte
-        // JFIF APP0 segment, so the encoder must start files that way.
-        const QByteArray head = ReadAll(path).left(11);
-        EXPECT_EQ(head, QByteArray("\xFF\xD8\xFF\xE0\x00\x10JFIF\x00", 11));
-    }
-    // A GIF of a full-colour picture is reduced to 256 colours, still close.
-    const QString gif = dir.filePath("c.gif");
-    ASSERT_TRUE(colour.Save(gif));
-    FCObjImage back;
-    ASSERT_TRUE(back.Load(gif));
-    EXPECT_TRUE(SameColours(back, colour, 80));
-}
-
-TEST(PictureFiles, OneBitFourBitAndAlphaPicturesKeepTheirColours)
-{
-    QTemporaryDir dir;
     FCObjImage mono(77, 5, 1);
     mono.SetPaletteColor(0, qRgb(0, 0, 0));
     mono.SetPaletteColor(1, qRgb(255, 255, 255));
-    for (int x = 0; x < 77; x += 2)
-        mono.SetPixelData(x, x % 5, 1);
     FCObjImage nibble(9, 3, 4);
-    for (int x = 0; x < 9; ++x)
-        nibble.SetPixelData(x, x % 3, quint32(x));
-    for (const char* ext : { "bmp", "png", "tif", "tga", "pcx", "gif" }) {
-        for (const FCObjImage* img : { &mono, &nibble }) {
-            const QString path = dir.filePath(QStringLiteral("m%1.%2").arg(img->ColorBits()).arg(ext));
-            ASSERT_TRUE(img->Save(path)) << ext;
+    for (int x = 0; x < 77; ++x) {
+        mono.SetPixelData(x, x % 5, x % 2 == 0);
+        nibble.SetPixelData(x % 9, x % 3, quint32(x % 9));
+    }
+    for (const char* ext : { "bmp", "png", "tif", "tiff", "tga", "pcx", "gif", "jpg", "jpeg" }) {
+        const bool jpeg = QByteArray(ext).startsWith("jp"), gif = QByteArray(ext) == "gif";
+        for (const FCObjImage* img :
+            std::initializer_list<const FCObjImage*> { &colour, &paletted, &mono, &nibble }) {
+            const QString path = dir.filePath(QStringLiteral("%1.%2").arg(img->ColorBits()).arg(ext));
+            ASSERT_TRUE(img->Save(path)) << ext << " " << img->ErrorString().toStdString();
             FCObjImage back;
-            ASSERT_TRUE(back.Load(path)) << ext;
-            EXPECT_TRUE(SameColours(back, *img)) << ext << " " << img->ColorBits();
+            ASSERT_TRUE(back.Load(path)) << ext << " " << back.ErrorString().toStdString();
+            if (jpeg) {
+                EXPECT_EQ(back.Width(), img->Width());
+                // The JPEG summary writer inserts its segment after SOI and a 16-byte
+                // JFIF APP0 segment, so the encoder must start files that way.
+                EXPECT_EQ(ReadAll(path).left(11), QByteArray("\xFF\xD8\xFF\xE0\x00\x10JFIF\x00", 11));
+                continue;
+            }
+            // A GIF of a full-colour picture is reduced to 256 colours, still close.
+            EXPECT_TRUE(SameColours(back, *img, gif && img == &colour ? 80 : 0))
+                << ext << " " << img->ColorBits();
+            if (img == &colour && !gif) {
+                EXPECT_EQ(back.ColorBits(), 24) << ext;
+            }
         }
     }
     FCObjImage alpha;
@@ -139,6 +150,11 @@ TEST(PictureFiles, OneBitFourBitAndAlphaPicturesKeepTheirColours)
         EXPECT_TRUE(back.HasAlpha()) << ext;
         EXPECT_EQ(back.GetPixelData(2, 2), qRgba(10, 200, 30, 128)) << ext;
     }
+    // The content decides when the extension lies.
+    ASSERT_TRUE(QFile::copy(dir.filePath("24.png"), dir.filePath("named.bmp")));
+    FCObjImage named;
+    ASSERT_TRUE(named.Load(dir.filePath("named.bmp"))) << named.ErrorString().toStdString();
+    EXPECT_TRUE(SameColours(named, colour));
 }
 
 TEST(PictureFiles, QtReadersAndWritersFindOurFormats)
@@ -161,95 +177,36 @@ TEST(PictureFiles, OutsideReadersAgreeWithWhatWeWrite)
     if (!HavePillow())
         GTEST_SKIP() << "python3 with Pillow is not installed";
     QTemporaryDir dir;
-    const FCObjImage colour = Colourful(385, 17);
-    const FCObjImage paletted = Paletted(101, 9);
-    for (const char* ext : { "bmp", "png", "tif", "tga", "pcx", "gif", "jpg" }) {
-        for (const FCObjImage* img : { &colour, &paletted }) {
-            const QString path = dir.filePath(QStringLiteral("o%1.%2").arg(img->ColorBits()).arg(ext));
-            ASSERT_TRUE(img->Save(path));
-            const int x = img->Width() - 1, y = img->Height() - 2;
-            const QString got
-                = Pillow(QStringLiteral("from PIL import Image\n"
-                                        "im = Image.open('%1'); print(im.format, im.size[0], im.size[1], "
-                                        "*im.convert('RGB').getpixel((%2, %3)))")
-                             .arg(path)
-                             .arg(x)
-                             .arg(y));
-            const QStringList parts = got.split(' ');
-            ASSERT_EQ(parts.size(), 6) << ext << ": " << got.toStdString();
-            EXPECT_EQ(parts[1].toInt(), img->Width()) << ext;
-            EXPECT_EQ(parts[2].toInt(), img->Height()) << ext;
-            // Same pixels as our own reading; only JPEG decoders may round
-            // differently.
-            FCObjImage ours;
-            ASSERT_TRUE(ours.Load(path));
-            const QRgb want = ours.GetPixelColor(x, y);
-            const int tolerance = QByteArray(ext) == "jpg" ? 3 : 0;
-            EXPECT_NEAR(parts[3].toInt(), qRed(want), tolerance) << ext;
-            EXPECT_NEAR(parts[4].toInt(), qGreen(want), tolerance) << ext;
-            EXPECT_NEAR(parts[5].toInt(), qBlue(want), tolerance) << ext;
+    QStringList names, formats;
+    for (auto [ext, format] : { std::pair { "bmp", "BMP" }, { "png", "PNG" }, { "tif", "TIFF" },
+             { "tga", "TGA" }, { "pcx", "PCX" }, { "gif", "GIF" }, { "jpg", "JPEG" } }) {
+        for (const FCObjImage& img : { Colourful(385, 17), Paletted(101, 9) }) {
+            names << QStringLiteral("o%1.%2").arg(img.ColorBits()).arg(ext);
+            formats << format;
+            ASSERT_TRUE(img.Save(dir.filePath(names.last())));
         }
     }
+    EXPECT_EQ(PillowAgrees(dir, names), formats);
 }
 
+// Pillow writes PCX (1, 8 bits and RGB planes), RLE and raw TGA (top-down and
+// bottom-up), GIF.
 TEST(PictureFiles, ReadsWhatOutsideWritersWrite)
 {
     if (!HavePillow())
         GTEST_SKIP() << "python3 with Pillow is not installed";
     QTemporaryDir dir;
-    // Pillow writes PCX (1, 8 bits and RGB planes), RLE and raw TGA
-    // (top-down and bottom-up), GIF; we compare every pixel with Pillow's view.
-    const QString script = QStringLiteral(
-        "from PIL import Image\n"
-        "d = '%1'\n"
+    const QString setup = QStringLiteral(
         "im = Image.new('RGB', (37, 13))\n"
-        "im.putdata([((x * 7) % 256, (y * 19) % 256, (x * y) % 256) for y in range(13) for x in "
-        "range(37)])\n"
+        "im.putdata([((x * 7) % 256, (y * 19) % 256, (x * y) % 256) for y in range(13) for x in range(37)])\n"
         "im.save(d + '/rgb.pcx'); im.save(d + '/rle.tga', rle=True); im.save(d + '/raw.tga', rle=False)\n"
         "im.save(d + '/top.tga', orientation=1)\n"
         "im.convert('P').save(d + '/pal.pcx'); im.convert('P').save(d + '/pal.tga', rle=True)\n"
         "im.convert('L').save(d + '/gray.tga'); im.convert('1').save(d + '/mono.pcx')\n"
-        "im.convert('P').save(d + '/pal.gif')\n"
-        "for n in ['rgb.pcx', 'rle.tga', 'raw.tga', 'top.tga', 'pal.pcx', 'pal.tga', 'gray.tga', 'mono.pcx', "
-        "'pal.gif']:\n"
-        "    p = Image.open(d + '/' + n).convert('RGB')\n"
-        "    print(n, ' '.join('%d,%d,%d' % p.getpixel((x, y)) for y in range(13) for x in range(37)))\n")
-                               .arg(dir.path());
-    const QStringList lines = Pillow(script).split('\n', Qt::SkipEmptyParts);
-    ASSERT_EQ(lines.size(), 9) << Pillow(script).toStdString();
-    for (const QString& line : lines) {
-        const QStringList parts = line.split(' ');
-        FCObjImage img;
-        ASSERT_TRUE(img.Load(dir.filePath(parts[0])))
-            << parts[0].toStdString() << img.ErrorString().toStdString();
-        ASSERT_EQ(img.Width(), 37);
-        ASSERT_EQ(img.Height(), 13);
-        int wrong = 0;
-        for (int i = 1; i < parts.size(); ++i) {
-            const QStringList c = parts[i].split(',');
-            const QRgb got = img.GetPixelColor((i - 1) % 37, (i - 1) / 37);
-            wrong += qRed(got) != c[0].toInt() || qGreen(got) != c[1].toInt() || qBlue(got) != c[2].toInt();
-        }
-        EXPECT_EQ(wrong, 0) << parts[0].toStdString();
-    }
-}
-
-TEST(PictureFiles, ImageMagickIdentifiesOurFiles)
-{
-    const QString identify = QStandardPaths::findExecutable("identify");
-    if (identify.isEmpty())
-        GTEST_SKIP() << "ImageMagick is not installed";
-    QTemporaryDir dir;
-    const FCObjImage colour = Colourful(33, 7);
-    for (auto [ext, name] : { std::pair { "pcx", "PCX" }, { "tga", "TGA" }, { "gif", "GIF" } }) {
-        const QString path = dir.filePath(QStringLiteral("i.") + ext);
-        ASSERT_TRUE(colour.Save(path));
-        QProcess p;
-        p.start(identify, { "-format", "%m %w %h", path });
-        ASSERT_TRUE(p.waitForFinished(60000));
-        EXPECT_EQ(
-            QString::fromUtf8(p.readAllStandardOutput()).trimmed(), QStringLiteral("%1 33 7").arg(name));
-    }
+        "im.convert('P').save(d + '/pal.gif')\n");
+    const QStringList names = { "rgb.pcx", "rle.tga", "raw.tga", "top.tga", "pal.pcx", "pal.tga", "gray.tga",
+        "mono.pcx", "pal.gif" };
+    EXPECT_EQ(PillowAgrees(dir, names, setup).size(), names.size());
 }
 
 TEST(PictureFiles, BadFilesFailWithAReasonAndLeaveThePictureAlone)
@@ -265,10 +222,11 @@ TEST(PictureFiles, BadFilesFailWithAReasonAndLeaveThePictureAlone)
     EXPECT_FALSE(keep.Save(dir.filePath("no/such/folder/x.png")));
     EXPECT_FALSE(FCObjImage().Save(dir.filePath("empty.png")));
 
-    // Every truncation of every format fails cleanly (or, for formats that
-    // tolerate a short tail, yields the declared size).
+    // Every truncation of every format fails cleanly; formats that tolerate a
+    // short tail may yield the declared size instead, ours not with half the body.
     const FCObjImage colour = Colourful(40, 30);
     for (const char* ext : { "pcx", "tga", "bmp", "png", "gif", "jpg", "tif" }) {
+        const bool ours = QByteArray(ext) == "pcx" || QByteArray(ext) == "tga";
         const QString whole = dir.filePath(QStringLiteral("w.") + ext);
         ASSERT_TRUE(colour.Save(whole));
         const QByteArray data = ReadAll(whole);
@@ -277,16 +235,12 @@ TEST(PictureFiles, BadFilesFailWithAReasonAndLeaveThePictureAlone)
             ASSERT_TRUE(WriteAll(part, data.left(cut)));
             FCObjImage img = Colourful(3, 3);
             if (img.Load(part)) {
+                EXPECT_FALSE(ours && cut <= data.size() / 2) << ext << " cut at " << cut;
                 EXPECT_EQ(img.Width(), 40) << ext << " cut at " << cut;
             } else {
                 EXPECT_FALSE(img.ErrorString().isEmpty());
                 EXPECT_EQ(img.Width(), 3);
             }
-        }
-        // Our own formats never accept a truncated body.
-        if (QByteArray(ext) == "pcx" || QByteArray(ext) == "tga") {
-            ASSERT_TRUE(WriteAll(dir.filePath(QStringLiteral("short.") + ext), data.left(data.size() / 2)));
-            EXPECT_FALSE(FCObjImage().Load(dir.filePath(QStringLiteral("short.") + ext))) << ext;
         }
     }
 
@@ -308,21 +262,11 @@ TEST(PictureFiles, BadFilesFailWithAReasonAndLeaveThePictureAlone)
 TEST(PictureFiles, HugePicturesAreRefusedFromTheHeader)
 {
     QTemporaryDir dir;
-    // PCX: 65535 x 65535, eight bits, one plane.
-    QByteArray pcx(128, '\0');
-    pcx[0] = 0x0A;
-    pcx[1] = 5;
-    pcx[2] = 1;
-    pcx[3] = 8;
-    pcx[8] = pcx[9] = pcx[10] = pcx[11] = char(0xFF);
-    pcx[65] = 1;
-    pcx[66] = pcx[67] = char(0xFF);
+    // PCX: 65535 x 65535, eight bits, one plane; TGA: 65535 x 65535 true colour.
+    const QByteArray pcx = QByteArray::fromHex("0a05010800000000ffffffff").leftJustified(65, '\0')
+        + QByteArray::fromHex("01ffff").leftJustified(63, '\0');
     ASSERT_TRUE(WriteAll(dir.filePath("huge.pcx"), pcx + QByteArray(1000, '\x11')));
-    // TGA: 65535 x 65535 true colour.
-    QByteArray tga(18, '\0');
-    tga[2] = 2;
-    tga[12] = tga[13] = tga[14] = tga[15] = char(0xFF);
-    tga[16] = 24;
+    const QByteArray tga = QByteArray::fromHex("000002000000000000000000ffffffff1800");
     ASSERT_TRUE(WriteAll(dir.filePath("huge.tga"), tga + QByteArray(1000, '\x11')));
     // BMP: 30000 x 30000 in a header Qt would otherwise believe.
     QImage small(2, 2, QImage::Format_RGB32);
@@ -338,15 +282,4 @@ TEST(PictureFiles, HugePicturesAreRefusedFromTheHeader)
         EXPECT_FALSE(img.Load(dir.filePath(name))) << name;
         EXPECT_FALSE(img.ErrorString().isEmpty());
     }
-}
-
-TEST(PictureFiles, ContentDecidesWhenTheExtensionLies)
-{
-    QTemporaryDir dir;
-    const FCObjImage colour = Colourful(12, 8);
-    ASSERT_TRUE(colour.Save(dir.filePath("real.png")));
-    QFile::copy(dir.filePath("real.png"), dir.filePath("named.bmp"));
-    FCObjImage img;
-    ASSERT_TRUE(img.Load(dir.filePath("named.bmp"))) << img.ErrorString().toStdString();
-    EXPECT_TRUE(SameColours(img, colour));
 }
