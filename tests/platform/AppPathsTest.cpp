@@ -1,5 +1,7 @@
 #include "platform/AppPaths.h"
 
+#include "TestFiles.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -21,10 +23,8 @@ protected:
     QString Root(const QString& rest) const { return m_root.path() + u'/' + rest; }
     void SetDsp(const QByteArray& value) const
     {
-        QDir().mkpath(Root("cfg/Oculix"));
-        QFile f(Root("cfg/Oculix/Config.ini"));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("[Config]\r\nDSP=" + value + "\r\n");
+        ASSERT_TRUE(QDir().mkpath(Root("cfg/Oculix"))
+            && WriteAll(Root("cfg/Oculix/Config.ini"), "[Config]\r\nDSP=" + value + "\r\n"));
     }
 
     QTemporaryDir m_root;
@@ -50,18 +50,13 @@ TEST_F(AppPathsTest, PortableInstallWithoutBrandFile)
 
 TEST_F(AppPathsTest, BrandFileChoosesTheFolder)
 {
-    const struct
-    {
-        QByteArray dsp;
-        const char* name;
-        const char* folder;
-    } cases[] = { { "1", "OCULIX", "Oculix" }, { "2", "KORVAL", "KorvalCam" }, { "-5", "Oculix", "Oculix" },
-        { "9", "ZEPHRA", "ZephraCam" } };
-    for (const auto& c : cases) {
-        SetDsp(c.dsp);
+    const char* const cases[][3] = { { "1", "OCULIX", "Oculix" }, { "2", "KORVAL", "KorvalCam" },
+        { "-5", "Oculix", "Oculix" }, { "9", "ZEPHRA", "ZephraCam" } };
+    for (const auto& [dsp, name, folder] : cases) {
+        SetDsp(dsp);
         const AppPaths p = ResolveAppPaths(Root("prog"), m_env);
-        EXPECT_EQ(p.m_brand.m_name, c.name);
-        EXPECT_EQ(p.m_dataFolder, Root("prog/") + c.folder + u'/') << c.dsp.data();
+        EXPECT_EQ(p.m_brand.m_name, name);
+        EXPECT_EQ(p.m_dataFolder, Root("prog/") + folder + u'/') << dsp;
     }
     // Without XDG_CONFIG_HOME the brand file is under ~/.config.
     m_env.remove(QStringLiteral("XDG_CONFIG_HOME"));

@@ -1,5 +1,7 @@
 #include "platform/PrivateProfile.h"
 
+#include "TestFiles.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -34,17 +36,8 @@ class PrivateProfile : public ::testing::Test
 {
 protected:
     QString Path() const { return m_dir.filePath(QStringLiteral("Setting.ini")); }
-    void Put(const QByteArray& bytes) const
-    {
-        QFile f(Path());
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-    QByteArray Bytes() const
-    {
-        QFile f(Path());
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
+    void Put(const QByteArray& bytes) const { ASSERT_TRUE(WriteAll(Path(), bytes)); }
+    QByteArray Bytes() const { return ReadAll(Path()); }
     QString Get(const QString& s, const QString& k, const QString& d = "dflt") const
     {
         return GetPrivateProfileString(s, k, d, Path());
@@ -62,41 +55,22 @@ protected:
 };
 
 // As the Windows calls leave a file that a user has edited.
-const QByteArray kWindowsFile = "; written by hand\r\n"
-                                "[ Measure ]\r\n"
-                                "m_unit.m_dcxPerPixel = 0.01\r\n"
-                                "PreciSion= 3  \r\n"
-                                "#note=hash starts a key\r\n"
-                                ";Precision=9\r\n"
-                                "no equals sign\r\n"
-                                "expr=a=b;c\r\n"
-                                "quoted=\" padded \"\r\n"
-                                "single='x'\r\n"
-                                "odd=\"x'\r\n"
-                                "empty=\r\n"
-                                "\r\n"
-                                "[Measure]\r\n"
-                                "FontSize=2\r\n"
-                                "[Video]\r\n"
-                                "Device=KMZ-N130 USB2.0 Camera\r\n"
-                                "device=second\r\n";
-
 TEST_F(PrivateProfile, ReadsAFileAsWindowsWritesIt)
 {
-    Put(kWindowsFile);
-    EXPECT_EQ(Get("measure", "M_UNIT.M_DCXPERPIXEL"), "0.01");
-    EXPECT_EQ(Get("Measure", "Precision"), "3");
-    EXPECT_EQ(Get("Measure", "#note"), "hash starts a key");
-    EXPECT_EQ(Get("Measure", ";Precision"), "dflt");
-    EXPECT_EQ(Get("Measure", "no equals sign"), "dflt");
-    EXPECT_EQ(Get("Measure", "expr"), "a=b;c");
-    EXPECT_EQ(Get("Measure", "quoted"), " padded ");
-    EXPECT_EQ(Get("Measure", "single"), "x");
-    EXPECT_EQ(Get("Measure", "odd"), "\"x'");
-    EXPECT_EQ(Get("Measure", "empty"), "");
+    Put("; written by hand\r\n[ Measure ]\r\nm_unit.m_dcxPerPixel = 0.01\r\nPreciSion= 3  \r\n"
+        "#note=hash starts a key\r\n;Precision=9\r\nno equals sign\r\nexpr=a=b;c\r\nquoted=\" padded \"\r\n"
+        "single='x'\r\nodd=\"x'\r\nempty=\r\n\r\n[Measure]\r\nFontSize=2\r\n"
+        "[Video]\r\nDevice=KMZ-N130 USB2.0 Camera\r\ndevice=second\r\n");
+    const char* const cases[][3] = { { "measure", "M_UNIT.M_DCXPERPIXEL", "0.01" },
+        { "Measure", "Precision", "3" }, { "Measure", "#note", "hash starts a key" },
+        { "Measure", ";Precision", "dflt" }, { "Measure", "no equals sign", "dflt" },
+        { "Measure", "expr", "a=b;c" }, { "Measure", "quoted", " padded " }, { "Measure", "single", "x" },
+        { "Measure", "odd", "\"x'" }, { "Measure", "empty", "" },
+        { "Measure", "FontSize", "dflt" }, // only the first of two equal sections counts
+        { "Video", "DEVICE", "KMZ-N130 USB2.0 Camera" } };
+    for (const auto& [section, key, value] : cases)
+        EXPECT_EQ(Get(section, key), value) << section << "/" << key;
     EXPECT_EQ(GetInt("Measure", "empty"), 77);
-    EXPECT_EQ(Get("Measure", "FontSize"), "dflt") << "only the first of two equal sections counts";
-    EXPECT_EQ(Get("Video", "DEVICE"), "KMZ-N130 USB2.0 Camera");
     EXPECT_EQ(Get("Absent", "x", "trailing  \t"), "trailing");
     const QString nullDefault = GetPrivateProfileString("Absent", "x", QString(), Path());
     EXPECT_TRUE(nullDefault.isEmpty() && !nullDefault.isNull());

@@ -15,20 +15,6 @@ using namespace SettingsKeys;
 
 namespace {
 
-TEST(SettingsKeys, FreshInstallationDefaults)
-{
-    const QString none = QStringLiteral("/nonexistent/Setting.ini");
-    const DocumentSettings s = ReadDocumentSettings(none);
-    EXPECT_EQ(s.m_dcxPerPixel, double(0.2f));
-    EXPECT_EQ(s.m_rtUnit, 1);
-    EXPECT_EQ(s.m_curSel, 4);
-    EXPECT_EQ(s.m_cameraType + s.m_ctText + s.m_precision + s.m_fontSize + s.m_fontBackground, 5);
-    EXPECT_EQ(ReadCameraSize(Camera130H, none), QSize(1280, 1024));
-    EXPECT_EQ(ReadCameraSize(Camera1000, none), QSize(640, 480));
-    EXPECT_EQ(GeneralAppName.m_section, "Gerneral");
-    EXPECT_EQ(RgbGainBlue(12).m_name, "BGAIN12");
-}
-
 TEST(SettingsKeys, RealsKeepTwoDecimalsAndFloatPrecision)
 {
     EXPECT_EQ(FormatReal(0.123), "0.12");
@@ -76,11 +62,17 @@ TEST(SettingsKeys, RealsIgnoreTheNumericLocale)
     EXPECT_EQ(scanned, 0.75);
 }
 
-TEST(SettingsKeys, DocumentWritesItsKeysInOrder)
+// A fresh installation reads the defaults and writes them, with the values
+// changed, in the document's order.
+TEST(SettingsKeys, FreshInstallationDefaultsAreWrittenInOrder)
 {
     QTemporaryDir dir;
     const QString file = dir.filePath(QStringLiteral("Setting.ini"));
     DocumentSettings s = ReadDocumentSettings(file);
+    EXPECT_EQ(s.m_dcxPerPixel, double(0.2f));
+    EXPECT_EQ(ReadCameraSize(Camera130H, file), QSize(1280, 1024));
+    EXPECT_EQ(ReadCameraSize(Camera1000, file), QSize(640, 480));
+    EXPECT_EQ(RgbGainBlue(12).m_name, "BGAIN12");
     s.m_device = QStringLiteral("KMZ-N130 USB2.0 Camera");
     s.m_dcxPerPixel = 0.0125;
     s.m_rtUnit = 0;
@@ -101,15 +93,12 @@ TEST(SettingsKeys, ASettingsFileFromWindowsSurvivesADocument)
     const QString file = dir.filePath(QStringLiteral("Setting.ini"));
     const QByteArray original = "[Lang]\r\nLangId=2052\r\n[Measure]\r\nm_unit.m_dcxPerPixel = 0.01\r\n"
                                 "Precision = 2\r\nFONTSIZE=3\r\n; my note\r\n\r\n[RGBGAIN]\r\nTotal=1\r\n"
-                                "RGBGAINNAME0=Warm\r\n[Gerneral]\r\nAppName=Oculix.exe\r\n";
-    {
-        QFile f(file);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(original);
-    }
+                                "RGBGAINNAME0=Warm\r\n[Gerneral]\r\nAppName=Other.exe\r\n";
+    ASSERT_TRUE(WriteAll(file, original));
     DocumentSettings s = ReadDocumentSettings(file);
     EXPECT_EQ(s.m_dcxPerPixel, double(0.01f));
     EXPECT_EQ(s.m_fontSize, 3);
+    EXPECT_EQ(ReadString(GeneralAppName, file), "Other.exe") << "the section keeps its old spelling";
     s.m_precision = 4;
     ASSERT_TRUE(WriteDocumentSettings(s, file));
     QByteArray expected = original;

@@ -1,7 +1,6 @@
 #include "platform/TickCount.h"
 
 #include <gtest/gtest.h>
-
 #include <thread>
 
 TEST(TickCount, AdvancesInMilliseconds)
