@@ -118,5 +118,5 @@ void CGVLAngle::UpdateElem()
     std::vector<QPoint> points = m_arCoord;
     if (CoordCount() < 3)
         points.push_back(m_ptRubber);
-    InvalidateAround(Bounds(points));
+    InvalidateAround(GdiRect::Around(points));
 }

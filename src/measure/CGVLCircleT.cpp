@@ -125,5 +125,5 @@ void CGVLCircleT::UpdateElem()
         points.push_back(c.centre - QPoint(c.radius, c.radius));
         points.push_back(c.centre + QPoint(c.radius, c.radius));
     }
-    InvalidateAround(Bounds(points));
+    InvalidateAround(GdiRect::Around(points));
 }

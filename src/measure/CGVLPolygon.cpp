@@ -121,15 +121,7 @@ void CGVLPolygon::UpdateElem()
 {
     if (m_arCoord.empty())
         return;
-    int left = m_ptRubber.x(), right = left, top = m_ptRubber.y(), bottom = top;
-    for (const QPoint& p : m_arCoord) {
-        left = std::min(left, p.x());
-        right = std::max(right, p.x());
-        top = std::min(top, p.y());
-        bottom = std::max(bottom, p.y());
-    }
-    // The label rises up to 40 pixels above vertex 0 and runs to its right.
-    Invalidate({ left - 10, top - 90, std::max(right, m_arCoord[0].x() + 300) + 10, bottom + 10 });
+    InvalidateWithAreaLabel(GdiRect::Around(m_arCoord).With(m_ptRubber));
 }
 
 void CGVLPolygon::ClearCoords()

@@ -2,7 +2,6 @@
 
 #include "measure/WindowCalls.h"
 
-#include <algorithm>
 #include <cstdlib>
 
 CGVLRect::CGVLRect(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
@@ -117,15 +116,7 @@ void CGVLRect::UpdateElem()
 {
     if (m_arCoord.empty())
         return;
-    int left = m_arCoord[0].x(), right = left, top = m_arCoord[0].y(), bottom = top;
-    for (const QPoint& p : m_arCoord) {
-        left = std::min(left, p.x());
-        right = std::max(right, p.x());
-        top = std::min(top, p.y());
-        bottom = std::max(bottom, p.y());
-    }
-    // The label rises up to 40 pixels above point 0 and runs to its right.
-    Invalidate({ left - 10, top - 90, std::max(right, m_arCoord[0].x() + 300) + 10, bottom + 10 });
+    InvalidateWithAreaLabel(GdiRect::Around(m_arCoord));
 }
 
 void CGVLRect::ClearCoords()

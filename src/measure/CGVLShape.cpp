@@ -8,6 +8,7 @@
 
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 CGVLShape::CGVLShape(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
@@ -219,6 +220,12 @@ QPoint CGVLShape::AreaLabelPos() const
         return {};
     const int size = FontSize() >= 1 && FontSize() <= 3 ? FontSize() : 1;
     return m_arCoord[0] - QPoint(0, (size + 1) * 10);
+}
+
+void CGVLShape::InvalidateWithAreaLabel(const GdiRect& box) const
+{
+    Invalidate(
+        { box.left - 10, box.top - 90, std::max(box.right, m_arCoord[0].x() + 300) + 10, box.bottom + 10 });
 }
 
 int CGVLShape::StandardLButtonDown(const QPoint& point, int tool, int ownTool)

@@ -127,6 +127,9 @@ protected:
     // Where rectangles and polygons put their area label: 20, 30 or 40 pixels
     // above point 0 by font size (any other size draws Small labels).
     QPoint AreaLabelPos() const;
+    // Repaints the shape's box and the area label, which rises up to 40
+    // pixels above point 0 and runs to its right. Needs at least one point.
+    void InvalidateWithAreaLabel(const GdiRect& box) const;
     // Repaint a rectangle, or the whole window, of m_hWnd.
     void Invalidate(const GdiRect& rect) const;
     void InvalidateAll() const;

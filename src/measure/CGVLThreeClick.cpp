@@ -74,14 +74,3 @@ void CGVLThreeClick::InvalidateAround(GdiRect box) const
     box = box.Normalized();
     Invalidate({ box.left - 60, box.top - 60, box.right + 300, box.bottom + 60 });
 }
-
-GdiRect CGVLThreeClick::Bounds(const std::vector<QPoint>& points)
-{
-    if (points.empty())
-        return {};
-    GdiRect box { points[0].x(), points[0].y(), points[0].x(), points[0].y() };
-    for (const QPoint& p : points)
-        box = { std::min(box.left, p.x()), std::min(box.top, p.y()), std::max(box.right, p.x()),
-            std::max(box.bottom, p.y()) };
-    return box;
-}

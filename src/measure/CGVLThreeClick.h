@@ -32,8 +32,6 @@ protected:
     CGVLThreeClick(
         CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr, int type, int ownTool);
 
-    // The smallest box holding the points (all of them inside or on its edge).
-    static GdiRect Bounds(const std::vector<QPoint>& points);
     // Repaints the box with generous margins for handles and the labels that
     // sit to the right of their position.
     void InvalidateAround(GdiRect box) const;

@@ -3,6 +3,8 @@
 #include <QPoint>
 #include <QRect>
 
+#include <span>
+
 // A rectangle as the shapes' geometry is written: left, top, right, bottom,
 // with the right and bottom edges outside. QRect's inclusive right() would
 // invite off-by-one errors, so the shapes use this and convert at the edge.
@@ -17,6 +19,11 @@ struct GdiRect
     bool Contains(const QPoint& point) const;
     // Left/top the smaller, right/bottom the larger coordinates.
     GdiRect Normalized() const;
+    // The smallest box holding the points, with the outermost ones on its
+    // edges; all zero for none.
+    static GdiRect Around(std::span<const QPoint> points);
+    // Grown, if need be, to hold the point on or inside its edges.
+    GdiRect With(const QPoint& point) const;
     // The same pixels as a QRect (empty when right <= left or bottom <= top).
     QRect ToQRect() const;
 
