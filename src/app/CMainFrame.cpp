@@ -3,11 +3,15 @@
 #include "app/CChildFrame.h"
 #include "app/CDocument.h"
 #include "app/CommandTable.h"
+#include "platform/AppPaths.h"
 #include "platform/KeyLockState.h"
+#include "platform/SettingsKeys.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QDesktopServices>
+#include <QDir>
 #include <QCoreApplication>
 #include <QIcon>
 #include <QKeySequence>
@@ -19,6 +23,8 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
+#include <QUrl>
 
 // The icons live in the static library; nothing else would pull them in.
 static void InitResources()
@@ -177,6 +183,26 @@ void CMainFrame::CreateToolBars()
         addToolBar(Qt::TopToolBarArea, bar);
         m_toolBars[info.toggleId] = bar;
     }
+    // The save buttons drop down their variants.
+    const std::pair<int, std::array<int, 2>> dropDowns[] = {
+        { ID_FILE_SAVE, { ID_FILE_SAVE_PLUS_MEASURE, ID_FILE_SAVE_ONLY_IMAGE } },
+        { ID_FILE_SAVE_AS, { ID_FILE_SAVE_AS_ONLY_IMAGE, ID_FILE_SAVE_AS_PLUS_MEASURE } },
+    };
+    for (const auto& [id, variants] : dropDowns) {
+        QAction* action = FindAction(id);
+        for (QToolBar* bar : findChildren<QToolBar*>()) {
+            auto* button = action ? qobject_cast<QToolButton*>(bar->widgetForAction(action)) : nullptr;
+            if (!button)
+                continue;
+            auto* menu = new QMenu(button);
+            for (int variant : variants) {
+                if (QAction* item = FindAction(variant))
+                    menu->addAction(item);
+            }
+            button->setMenu(menu);
+            button->setPopupMode(QToolButton::MenuButtonPopup);
+        }
+    }
 }
 
 void CMainFrame::CreateStatusBar()
@@ -225,6 +251,16 @@ void CMainFrame::MapFrameCommands()
         MapUpdate(id, [this](CCmdUI& ui) { ui.Enable(!m_mdiArea->subWindowList().isEmpty()); });
 
     MapCommand(ID_APP_EXIT, [this] { close(); });
+
+    MapCommand(ID_OPEN_PICTURE_FOLDER, [] {
+        const AppPaths& paths = CurrentAppPaths();
+        QString folder = SettingsKeys::ReadString(SettingsKeys::SaveFilePath, paths.m_settingsFile);
+        if (folder.isEmpty())
+            folder = paths.m_pictureFolder;
+        // The file manager cannot show a folder that is not there yet.
+        QDir().mkpath(folder);
+        QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
+    });
 }
 
 // Horizontal: full-width windows one above the other; vertical: full-height

@@ -73,6 +73,7 @@ CMeasureDoc::CMeasureDoc(bool openingFile, const QString& settingsFile)
         }
     }
     MapCommands();
+    MapSaveCommands();
 }
 
 CMeasureDoc::~CMeasureDoc()
@@ -182,6 +183,7 @@ bool CMeasureDoc::OnOpenDocument(const QString& path)
     m_nImageHeight = m_image.Height();
     m_bHasImage = true;
     SetPathName(path);
+    ReadMeasurementXmp(path);
     return true;
 }
 

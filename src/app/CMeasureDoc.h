@@ -1,11 +1,13 @@
 #pragma once
 
 #include "app/CDocument.h"
+#include "app/SaveSettings.h"
 #include "capture/CXCapGraph.h"
 #include "image/FCObjImage.h"
 #include "image/ProcessSwitches.h"
 #include "measure/IMeasureDocument.h"
 
+#include <QByteArray>
 #include <QSize>
 #include <QString>
 
@@ -104,6 +106,31 @@ public:
     // document from the live frame.
     static void CaptureToNewDocument();
 
+    // Saving pictures (CMeasureDocSave.cpp). The drop-down variants of the
+    // save buttons burn the shapes in whatever the options say, or nothing.
+    enum class SaveVariant { Settings, PlusMeasure, OnlyImage };
+    // The save routine: grabs the frame of a running live document, burns the
+    // chosen overlay into a copy of the picture, enlarges it at saving
+    // resolutions 2 and 3 of the running live document, writes it (replacing
+    // any old file only once the new one is whole), keeps the calibration
+    // (and the shapes when not burnt in) as XMP data in JPEG, PNG and TIFF
+    // files, and gives ".jpg" files the summary texts. Failures are told in
+    // message boxes; true when the picture was written.
+    bool SaveImage(const QString& path, const SaveOverlay& overlay, const SaveTexts& texts);
+    // "&Save": the name comes from the "Save" section; tells where the
+    // picture went, then advances "Suffix". Returns the path.
+    QString QuickSave(SaveVariant variant = SaveVariant::Settings);
+    // The quick save without the message, for interval capture.
+    QString SilentQuickSave(SaveVariant variant = SaveVariant::Settings);
+    // "Save &As...": CSaveAsDlg, then the save routine.
+    void SaveAs(SaveVariant variant = SaveVariant::Settings);
+    // 1, 2 or 3 ("1280*1024", "1600*1200", "2048*1536"); anything else is 1.
+    int GetSaveResolution() const { return m_nSaveResolution; }
+    void SetSaveResolution(int resolution);
+    // Shapes an opened picture carried as data, made into elements once the
+    // view (and with it the ruler, element 0) exists. Returns how many.
+    int RestoreStoredShapes();
+
     // The overlay worker is running (tests).
     bool IsOverlayWorkerRunning() const { return m_overlayThread.joinable(); }
     // Overlay workers of all documents that have not ended yet.
@@ -122,6 +149,9 @@ signals:
 
 private:
     void ReadSettings();
+    void MapSaveCommands();
+    void WriteMeasurementXmp(const QString& path, const SaveOverlay& overlay, double scaleX, double scaleY);
+    void ReadMeasurementXmp(const QString& path);
     void WriteSettings() const;
     void MapCommands();
     void MapTool(int id, int tool);
@@ -190,4 +220,7 @@ private:
 
     std::unique_ptr<CRulerSettingDlg> m_pCalibrationDlg;
     bool m_bCalibrationShown = false;
+
+    int m_nSaveResolution = 1;
+    QByteArray m_storedShapes;
 };

@@ -36,6 +36,7 @@ CMeasureView::CMeasureView(CMeasureDoc& document, QWidget* parent)
         mgr.m_hWnd = m_pOverlayWnd;
     }
     document.GetElemMgr().CreateShape(9);
+    document.RestoreStoredShapes();
     m_pOverlayWnd->show();
 
     connect(&document, &CMeasureDoc::layoutNeeded, this, [this] { Layout(); });

@@ -15,6 +15,16 @@ const CommandInfo kCommands[] = {
     { ID_FILE_NEW, CMD("&New Preview\tCtrl+N"), CMD("New preview"), ":/icons/new.svg", false },
     { ID_FILE_OPEN, CMD("&Open...\tCtrl+O"), CMD("Open an existing image"), ":/icons/open.svg", false },
     { ID_FILE_CLOSE, CMD("&Close"), CMD("Close the active imaget"), nullptr, false },
+    { ID_FILE_SAVE, CMD("&Save\tCtrl+S"), CMD("Save the active image"), ":/icons/save.svg", false },
+    { ID_FILE_SAVE_AS, CMD("Save &As..."), CMD("Save the active image with a new name"), ":/icons/saveas.svg",
+        false },
+    { ID_FILE_SAVE_PLUS_MEASURE, CMD("Save plus measure"), "", nullptr, false },
+    { ID_FILE_SAVE_ONLY_IMAGE, CMD("Save only image"), "", nullptr, false },
+    { ID_FILE_SAVE_AS_ONLY_IMAGE, CMD("Save As only image"), "", nullptr, false },
+    { ID_FILE_SAVE_AS_PLUS_MEASURE, CMD("Save As plus measure"), "", nullptr, false },
+    { ID_OPEN_PICTURE_FOLDER, CMD("Open &Picture Folder"), CMD("Open pictures' saved folder"), nullptr, false },
+    { ID_SAVE_OPTION, CMD("Save &Option"), CMD("Setting save options"), nullptr, false },
+    { ID_SAVE_RESOLUTION, "", CMD("Set resolution"), ":/icons/resolution.svg", false },
     { ID_APP_EXIT, CMD("E&xit"), "", nullptr, false },
     { ID_VIEW_STATUS_BAR, CMD("&Status Bar"), CMD("Show or hide the status bar"), nullptr, true },
     { ID_VIEW_TOOLBAR, CMD("&Tool Bar"), CMD("Show or hide the toolbar"), nullptr, true },
@@ -69,7 +79,8 @@ const CommandInfo kCommands[] = {
 
 constexpr int S = ID_SEPARATOR;
 
-constexpr std::array kFileMenu { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_CLOSE, S, ID_APP_EXIT };
+constexpr std::array kFileMenu { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_CLOSE, ID_FILE_SAVE, ID_FILE_SAVE_AS, S,
+    ID_SAVE_OPTION, ID_OPEN_PICTURE_FOLDER, S, ID_APP_EXIT };
 constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR, ID_VIEW_STATUS_BAR,
     S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE, ID_VIEW_DASHED_CROSSLINE };
 constexpr std::array kMeasureMenu { ID_MEASURE_MOVE, S, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT,
@@ -93,8 +104,8 @@ const MenuInfo kMenus[] = {
     { MENU("&Window"), kWindowMenu, true },
 };
 
-constexpr std::array kStandardBar { ID_FILE_NEW, ID_FILE_OPEN, S, ID_CAMERA_CAPTURE, ID_CAMERA_PREVIEW,
-    ID_CAMERA_PAUSE, ID_CAMERA_FULLSCREEN, S, ID_ZOOM };
+constexpr std::array kStandardBar { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_SAVE, ID_FILE_SAVE_AS, S,
+    ID_CAMERA_CAPTURE, ID_CAMERA_PREVIEW, ID_CAMERA_PAUSE, ID_CAMERA_FULLSCREEN, ID_SAVE_RESOLUTION, S, ID_ZOOM };
 constexpr std::array kMeasureBar { ID_MEASURE_MOVE, S, ID_MEASURE_POINT, ID_MEASURE_LINE, ID_MEASURE_ANGLE,
     ID_MEASURE_RECT, ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S,
     ID_MEASURE_ARROW, ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_VIEW_CROSSLINE,

@@ -9,6 +9,15 @@
 constexpr int ID_FILE_NEW = 57600;
 constexpr int ID_FILE_OPEN = 57601;
 constexpr int ID_FILE_CLOSE = 57602;
+constexpr int ID_FILE_SAVE = 57603;
+constexpr int ID_FILE_SAVE_AS = 57604;
+constexpr int ID_FILE_SAVE_PLUS_MEASURE = 32857;
+constexpr int ID_FILE_SAVE_ONLY_IMAGE = 32858;
+constexpr int ID_FILE_SAVE_AS_ONLY_IMAGE = 32859;
+constexpr int ID_FILE_SAVE_AS_PLUS_MEASURE = 32860;
+constexpr int ID_SAVE_OPTION = 32877;
+constexpr int ID_SAVE_RESOLUTION = 32926;
+constexpr int ID_OPEN_PICTURE_FOLDER = 32938;
 constexpr int ID_APP_EXIT = 57665;
 constexpr int ID_WINDOW_CASCADE = 57650;
 constexpr int ID_WINDOW_TILE_HORZ = 57651;

@@ -1,12 +1,13 @@
 #include "image/FCObjImage.h"
 
 #include "image/CTgaHandler.h"
+#include "platform/AtomicFileWrite.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
-#include <QSaveFile>
 #include <QtPlugin>
 
 #include <climits>
@@ -508,20 +509,18 @@ bool FCObjImage::Save(const QString& path) const
     QImage image = ToQImage();
     if (m_colorBits == 16 || (m_colorBits == 4 && format == "bmp"))
         image = image.convertToFormat(m_colorBits == 16 ? QImage::Format_RGB32 : QImage::Format_Indexed8);
-    // A failed or interrupted write leaves any earlier file untouched.
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        m_error = QStringLiteral("%1: %2").arg(path, file.errorString());
-        return false;
-    }
-    QImageWriter writer(&file, format);
+    // Encoded in memory first, so a failed or interrupted write (a full disk)
+    // leaves any earlier file untouched.
+    QBuffer encoded;
+    encoded.open(QIODevice::WriteOnly);
+    QImageWriter writer(&encoded, format);
     if (!writer.write(image)) {
         m_error = QStringLiteral("%1: %2").arg(path, writer.errorString());
-        file.cancelWriting();
         return false;
     }
-    if (!file.commit()) {
-        m_error = QStringLiteral("%1: %2").arg(path, file.errorString());
+    QString error;
+    if (!ReplaceFileContents(path, encoded.data(), &error)) {
+        m_error = QStringLiteral("%1: %2").arg(path, error);
         return false;
     }
     return true;

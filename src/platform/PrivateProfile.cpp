@@ -1,12 +1,12 @@
 #include "platform/PrivateProfile.h"
 
+#include "platform/AtomicFileWrite.h"
 #include "platform/CIniDocument.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
-#include <QSaveFile>
 
 #include <mutex>
 #include <optional>
@@ -155,15 +155,5 @@ bool WritePrivateProfileString(
     if (!Apply(doc, section, key, value))
         return true;
 
-    // Unbuffered, so that a short write (a full disk) is seen here and the
-    // old file is kept: QSaveFile does not notice a failure while flushing.
-    QSaveFile out(target);
-    if (!out.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        return false;
-    const QByteArray content = doc.ToBytes();
-    if (out.write(content) != content.size() || out.error() != QFileDevice::NoError) {
-        out.cancelWriting();
-        return false;
-    }
-    return out.commit();
+    return ReplaceFileContents(target, doc.ToBytes());
 }

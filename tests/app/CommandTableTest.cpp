@@ -42,6 +42,8 @@ TEST(CommandTable, TextsPromptsAndAccelerators)
         { 57600, "&New Preview\tCtrl+N", "New preview" },
         { 57601, "&Open...\tCtrl+O", "Open an existing image" },
         { 57602, "&Close", "Close the active imaget" },
+        { 57603, "&Save\tCtrl+S", "Save the active image" },
+        { 32938, "Open &Picture Folder", "Open pictures' saved folder" },
         { 32851, "&Line", "Draw line" },
         { 32904, "Flip &Vertical", "Flip image vertical" },
         { 32869, "Calibratio&n", "Calibration" },

@@ -1,6 +1,10 @@
+#include "image/JpegSummary.h"
 #include "measure/CGVLElemMgr.h"
 
+#include <QFile>
 #include <QGuiApplication>
+#include <QImage>
+#include <QTemporaryDir>
 
 #include <cmath>
 #include <cstdio>
@@ -39,6 +43,23 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "nothing drawn into the overlay\n");
         return 1;
     }
+
+    // The JPEG summary writer is callable on its own.
+    QTemporaryDir dir;
+    const QString jpeg = dir.filePath("summary.jpg");
+    QImage picture(16, 16, QImage::Format_RGB32);
+    picture.fill(Qt::gray);
+    if (!picture.save(jpeg) || !WriteJpegSummary(jpeg, "A", "", "", "")) {
+        std::fprintf(stderr, "could not write the JPEG summary\n");
+        return 1;
+    }
+    QFile file(jpeg);
+    file.open(QIODevice::ReadOnly);
+    if (file.read(30).mid(20) != QByteArray("\xFF\xE1\x00\x60" "Exif\0\0", 10)) {
+        std::fprintf(stderr, "no summary segment after byte 20\n");
+        return 1;
+    }
+
     std::printf("consumer: line %.2f, %d overlay bytes drawn\n", length, drawn);
     return 0;
 }

@@ -1,0 +1,242 @@
+// Saving pictures: the quick save, the save-as dialog and the save routine
+// they share, the saving resolution, and the measurements kept as XMP data in
+// the file and restored when it is opened again.
+#include "app/CMeasureDoc.h"
+
+#include "app/CCmdUI.h"
+#include "app/CResolutionDlg.h"
+#include "app/CSaveAsDlg.h"
+#include "app/CSaveOptionDlg.h"
+#include "app/CommandTable.h"
+#include "image/BurnIn.h"
+#include "image/JpegSummary.h"
+#include "image/PictureXmp.h"
+#include "measure/CGVLElemMgr.h"
+#include "measure/ShapesJson.h"
+#include "platform/AppPaths.h"
+#include "platform/DebugLog.h"
+#include "platform/MessageBox.h"
+#include "platform/SettingsKeys.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+// The crop of a rescaled save and the sizes of resolutions 2 and 3.
+constexpr QRect kResolutionCrop(0, 0, 1280, 960);
+constexpr QSize kResolutionSizes[] = { {}, {}, { 1600, 1200 }, { 2048, 1536 } };
+
+// Property names of our XMP namespace.
+const QString kXmpUnit = QStringLiteral("Unit");
+const QString kXmpXPerPixel = QStringLiteral("XPerPixel");
+const QString kXmpYPerPixel = QStringLiteral("YPerPixel");
+const QString kXmpXReal = QStringLiteral("XReal");
+const QString kXmpYReal = QStringLiteral("YReal");
+const QString kXmpShapes = QStringLiteral("Shapes");
+
+QString Number(double value)
+{
+    return QString::number(value, 'g', 17);
+}
+
+SaveOverlay ApplyVariant(SaveOverlay overlay, CMeasureDoc::SaveVariant variant)
+{
+    switch (variant) {
+    case CMeasureDoc::SaveVariant::PlusMeasure:
+        overlay.measure = true;
+        break;
+    case CMeasureDoc::SaveVariant::OnlyImage:
+        overlay = SaveOverlay {};
+        break;
+    case CMeasureDoc::SaveVariant::Settings:
+        break;
+    }
+    return overlay;
+}
+
+} // namespace
+
+void CMeasureDoc::MapSaveCommands()
+{
+    using V = SaveVariant;
+    MapCommand(ID_FILE_SAVE, [this] { QuickSave(); });
+    MapCommand(ID_FILE_SAVE_PLUS_MEASURE, [this] { QuickSave(V::PlusMeasure); });
+    MapCommand(ID_FILE_SAVE_ONLY_IMAGE, [this] { QuickSave(V::OnlyImage); });
+    MapCommand(ID_FILE_SAVE_AS, [this] { SaveAs(); });
+    MapCommand(ID_FILE_SAVE_AS_ONLY_IMAGE, [this] { SaveAs(V::OnlyImage); });
+    MapCommand(ID_FILE_SAVE_AS_PLUS_MEASURE, [this] { SaveAs(V::PlusMeasure); });
+    for (int id : { ID_FILE_SAVE, ID_FILE_SAVE_PLUS_MEASURE, ID_FILE_SAVE_ONLY_IMAGE, ID_FILE_SAVE_AS,
+             ID_FILE_SAVE_AS_ONLY_IMAGE, ID_FILE_SAVE_AS_PLUS_MEASURE })
+        MapUpdate(id, [this](CCmdUI& ui) { ui.Enable(m_bHasImage); });
+    MapCommand(ID_SAVE_OPTION, [this] {
+        CSaveOptionDlg dialog(m_settingsFile, DialogParent());
+        dialog.exec();
+    });
+    // The saving resolution belongs to the live document, whichever is active.
+    MapCommand(ID_SAVE_RESOLUTION, [] {
+        CMeasureDoc* live = GetLiveDocument();
+        if (!live)
+            return;
+        CResolutionDlg dialog(live->m_nSaveResolution, live->DialogParent());
+        if (dialog.exec() == QDialog::Accepted)
+            live->SetSaveResolution(dialog.Resolution());
+    });
+    MapUpdate(ID_SAVE_RESOLUTION, [this](CCmdUI& ui) { UpdateCameraCommand(ui, false); });
+}
+
+void CMeasureDoc::SetSaveResolution(int resolution)
+{
+    m_nSaveResolution = resolution >= 1 && resolution <= 3 ? resolution : 1;
+}
+
+QString CMeasureDoc::QuickSave(SaveVariant variant)
+{
+    const QString path = SilentQuickSave(variant);
+    // Shown whatever the save routine reported.
+    MessageBox(tr("Picture has successfully saved to") + QStringLiteral("  ") + path, tr("Hint"));
+    return path;
+}
+
+QString CMeasureDoc::SilentQuickSave(SaveVariant variant)
+{
+    QuickSaveSettings s = QuickSaveSettings::Read(m_settingsFile);
+    const QString folder = s.Folder(CurrentAppPaths().m_pictureFolder);
+    if (!QDir().mkpath(folder))
+        qCWarning(lcApp) << "cannot create the picture folder" << folder;
+    const QString path = s.PathIn(folder);
+    SaveImage(path, ApplyVariant(s.overlay, variant), { s.title, {}, s.author, {} });
+    // The running number moves on whatever the outcome.
+    SettingsKeys::WriteInt(SettingsKeys::SaveSuffix, s.suffix + 1, m_settingsFile);
+    return path;
+}
+
+void CMeasureDoc::SaveAs(SaveVariant variant)
+{
+    const QString name = GetPathName().isEmpty() ? GetTitle() : QFileInfo(GetPathName()).completeBaseName();
+    CSaveAsDlg dialog(
+        m_settingsFile, name,
+        [this](const QString& path, const SaveOverlay& overlay, const SaveTexts& texts) {
+            SaveImage(path, overlay, texts);
+        },
+        DialogParent());
+    if (variant != SaveVariant::Settings)
+        dialog.SetOverlay(ApplyVariant(SaveAsSettings::Read(m_settingsFile).overlay, variant));
+    dialog.exec();
+}
+
+bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, const SaveTexts& texts)
+{
+    const bool running = m_bLive && m_bPreviewRunning;
+    if (running) {
+        // Without burnt-in shapes the frame is taken before the processing
+        // element blends the overlay into it.
+        int processing = 1;
+        m_graph.GetProcessEnable(&processing);
+        if (!overlay.measure)
+            m_graph.SetProcessEnable(0);
+        if (Snapshot(m_image))
+            m_bHasImage = true;
+        m_graph.SetProcessEnable(processing);
+    }
+
+    // The document keeps its clean picture; the overlay goes into a copy.
+    FCObjImage picture = m_image;
+    if (picture.IsValidImage()) {
+        const int width = picture.Width();
+        const int height = picture.Height();
+        std::vector<uchar> bits(CGVLElemMgr::BitsStride(width) * std::size_t(height));
+        m_pElemMgr->DrawToImage(bits.data(), width, height, overlay.measure, overlay.ruler, overlay.scale,
+            overlay.time, overlay.title, texts.title);
+        BurnInOverlay(picture, bits.data(), width, height);
+    }
+    qCDebug(lcApp) << "save image" << path;
+
+    // At the larger saving resolutions the live picture's top-left 1280 x 960
+    // is enlarged. A frame smaller than that gives what it has of the crop,
+    // enlarged all the same, so the file has the chosen size whatever the
+    // camera delivers.
+    double scaleX = 1.0;
+    double scaleY = 1.0;
+    if (running && m_nSaveResolution >= 2 && picture.IsValidImage()) {
+        const QSize size = kResolutionSizes[m_nSaveResolution];
+        picture = picture.CopyRect(kResolutionCrop);
+        scaleX = double(picture.Width()) / size.width();
+        scaleY = double(picture.Height()) / size.height();
+        if (!picture.Stretch(size.width(), size.height()))
+            picture.Destroy();
+    }
+
+    const bool saved = picture.Save(path);
+    if (!saved) {
+        qCWarning(lcApp) << "save failed:" << picture.ErrorString();
+        MessageBox(tr("Save image failed."), tr("Save"), MB_OK | MB_ICONWARNING);
+    }
+    if (saved && PictureXmp::CanHold(path))
+        WriteMeasurementXmp(path, overlay, scaleX, scaleY);
+    // After a failed save the summary is reported as failed too, and an older
+    // file of that name is left alone.
+    if (path.right(4) == QLatin1String(".jpg")
+        && (!saved || !WriteJpegSummary(path, texts.title, texts.subject, texts.author, texts.comment)))
+        MessageBox(tr("Failed to write JPEG file Summary information!"), tr("Save"), MB_OK | MB_ICONWARNING);
+    return saved;
+}
+
+void CMeasureDoc::WriteMeasurementXmp(
+    const QString& path, const SaveOverlay& overlay, double scaleX, double scaleY)
+{
+    PictureXmp::Properties properties;
+    {
+        const auto lock = m_pElemMgr->Lock();
+        const CalibrationRecord& unit = m_pElemMgr->m_unit;
+        properties.insert(kXmpUnit, QString::number(unit.m_rtUnit));
+        properties.insert(kXmpXPerPixel, Number(unit.m_dcxPerPixel * scaleX));
+        properties.insert(kXmpYPerPixel, Number(unit.m_dcyPerPixel * scaleY));
+        properties.insert(kXmpXReal, Number(unit.m_dcxReal));
+        properties.insert(kXmpYReal, Number(unit.m_dcyReal));
+    }
+    // Shapes burnt in are pixels already; a rescaled picture no longer matches
+    // their coordinates.
+    if (!overlay.measure && scaleX == 1.0 && scaleY == 1.0)
+        properties.insert(kXmpShapes, QString::fromUtf8(ShapesToJson(*m_pElemMgr)));
+    QString error;
+    if (!PictureXmp::Write(path, properties, &error))
+        qCWarning(lcApp) << "could not keep the measurements in" << path << ":" << error;
+}
+
+void CMeasureDoc::ReadMeasurementXmp(const QString& path)
+{
+    const PictureXmp::Properties properties = PictureXmp::Read(path);
+    bool ok[3] = {};
+    const int unitIndex = properties.value(kXmpUnit).toInt(&ok[0]);
+    const double x = properties.value(kXmpXPerPixel).toDouble(&ok[1]);
+    const double y = properties.value(kXmpYPerPixel).toDouble(&ok[2]);
+    if (ok[0] && ok[1] && ok[2] && unitIndex >= 0 && unitIndex <= 4 && x > 0 && y > 0) {
+        const auto lock = m_pElemMgr->Lock();
+        CalibrationRecord& unit = m_pElemMgr->m_unit;
+        unit.m_rtUnit = unitIndex;
+        unit.m_dcxPerPixel = x;
+        unit.m_dcyPerPixel = y;
+        bool real = false;
+        if (const double v = properties.value(kXmpXReal).toDouble(&real); real && v > 0)
+            unit.m_dcxReal = v;
+        if (const double v = properties.value(kXmpYReal).toDouble(&real); real && v > 0)
+            unit.m_dcyReal = v;
+    }
+    m_storedShapes = properties.value(kXmpShapes).toUtf8();
+    // Shapes follow the ruler, element 0: with the view made before the file
+    // is read they come now, else the view asks for them.
+    bool hasRuler = false;
+    {
+        const auto lock = m_pElemMgr->Lock();
+        hasRuler = !m_pElemMgr->m_arShape.empty();
+    }
+    if (hasRuler)
+        RestoreStoredShapes();
+}
+
+int CMeasureDoc::RestoreStoredShapes()
+{
+    const QByteArray json = std::exchange(m_storedShapes, {});
+    return json.isEmpty() ? 0 : ShapesFromJson(*m_pElemMgr, json);
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QString>
+
+// What a save burns into the picture, in the order the save routine takes it.
+struct SaveOverlay
+{
+    bool measure = false;
+    bool ruler = false;
+    bool scale = false;
+    bool time = false;
+    bool title = false;
+};
+
+// The summary texts of a JPEG file; the quick save has no subject or comment.
+struct SaveTexts
+{
+    QString title;
+    QString subject;
+    QString author;
+    QString comment;
+};
+
+// The "Save" section: the quick save's options.
+struct QuickSaveSettings
+{
+    SaveOverlay overlay;
+    bool bmp = false;
+    QString author;
+    QString title;
+    QString filePath;
+    QString prefix;
+    int suffix = 0;
+
+    static QuickSaveSettings Read(const QString& settingsFile);
+    // In the order of the options dialog; false when a key was not written.
+    bool Write(const QString& settingsFile) const;
+    // "FilePath", or the picture folder when it is empty.
+    QString Folder(const QString& pictureFolder) const;
+    // folder/prefix<suffix>.bmp or .jpg: no date, no time.
+    QString PathIn(const QString& folder) const;
+};
+
+// The "SaveAs" section: the save-as dialog's fields.
+struct SaveAsSettings
+{
+    SaveOverlay overlay;
+    SaveTexts texts;
+    QString filePath;
+
+    static SaveAsSettings Read(const QString& settingsFile);
+    bool Write(const QString& settingsFile) const;
+};
+
+// folder + "/" unless it already ends with one + name.
+QString JoinSavePath(const QString& folder, const QString& name);

@@ -1,0 +1,401 @@
+#include "MeasureFrameFixture.h"
+#include "TestFiles.h"
+#include "app/CFolderEdit.h"
+#include "app/CResolutionDlg.h"
+#include "app/CSaveAsDlg.h"
+#include "app/CSaveOptionDlg.h"
+#include "app/CommandTable.h"
+#include "image/FCObjImage.h"
+#include "image/PictureXmp.h"
+#include "platform/PrivateProfile.h"
+
+#include <QBuffer>
+#include <QDesktopServices>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QTest>
+#include <QUrl>
+
+#include <csignal>
+#include <random>
+#include <sys/resource.h>
+
+namespace {
+
+QString WritePicture(const QString& path, int width = 320, int height = 240)
+{
+    // Noise, so that no file type squeezes it into a few bytes.
+    std::minstd_rand noise(7);
+    FCObjImage picture(width, height, 24);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            picture.SetPixelColor(x, y, qRgb(int(noise() % 256), int(noise() % 256), int(noise() % 256)));
+    EXPECT_TRUE(picture.Save(path));
+    return path;
+}
+
+QByteArray Csv(CMeasureDoc& doc)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    doc.GetElemMgr().WriteCsv(buffer);
+    return buffer.data();
+}
+
+void Write(const QString& file, const char* section, const char* key, const QString& value)
+{
+    ASSERT_TRUE(WritePrivateProfileString(QLatin1String(section), QLatin1String(key), value, file));
+}
+
+QSize SizeOf(const QString& path)
+{
+    FCObjImage picture;
+    return picture.Load(path) ? QSize(picture.Width(), picture.Height()) : QSize();
+}
+
+// Records what the desktop is asked to open.
+class UrlCatcher : public QObject
+{
+    Q_OBJECT
+public:
+    QList<QUrl> urls;
+public slots:
+    void open(const QUrl& url) { urls << url; }
+};
+
+// A file-size limit stands in for a full disk while it lives.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_FSIZE, &m_saved);
+        m_previous = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit small = m_saved;
+        small.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~FullDisk()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_saved);
+        std::signal(SIGXFSZ, m_previous);
+    }
+
+private:
+    rlimit m_saved {};
+    void (*m_previous)(int) = nullptr;
+};
+
+} // namespace
+
+class SavePictureTest : public MeasureFrameTest
+{
+protected:
+    // The program with one picture document open and active.
+    CMeasureDoc* OpenPicture()
+    {
+        Start(false, { WritePicture(home.filePath("source.png")) });
+        CMeasureDoc* doc = ActiveDoc();
+        EXPECT_NE(doc, nullptr);
+        return doc;
+    }
+};
+
+// Ctrl+S names the file from the "Save" section: folder with or without a
+// trailing "/", the picture folder when it is empty, "Suffix" from 0 and one
+// up after every save, success or not, and the message in every case.
+TEST_F(SavePictureTest, QuickSaveNamesNumbersAndReportsEverySave)
+{
+    CMeasureDoc* doc = OpenPicture();
+    ASSERT_NE(doc, nullptr);
+    const QString ini = SettingsFile();
+    messages.clear();
+
+    // No "FilePath", no "Suffix": the picture folder and 0.
+    ASSERT_TRUE(frame->RouteCommand(ID_FILE_SAVE));
+    const QString first = home.filePath("data/Images/0.jpg");
+    EXPECT_EQ(messages, QStringList { "Picture has successfully saved to  " + first });
+    EXPECT_EQ(SizeOf(first), QSize(320, 240));
+    EXPECT_EQ(GetPrivateProfileString("Save", "Suffix", "", ini), "1");
+
+    const QString pics = home.filePath("pics");
+    Write(ini, "Save", "Prefix", "slide");
+    Write(ini, "Save", "bBmp", "1");
+    for (const QString& folder : { pics, pics + "/" }) {
+        messages.clear();
+        Write(ini, "Save", "FilePath", folder);
+        Write(ini, "Save", "Suffix", "7");
+        EXPECT_EQ(doc->SilentQuickSave(), pics + "/slide7.bmp");
+        EXPECT_TRUE(messages.isEmpty()) << "the silent save tells nothing";
+        EXPECT_EQ(SizeOf(pics + "/slide7.bmp"), QSize(320, 240));
+        EXPECT_EQ(GetPrivateProfileString("Save", "Suffix", "", ini), "8");
+    }
+
+    // A folder that cannot be made: the failure, then the usual message, and
+    // the number still moves on.
+    ASSERT_TRUE(WriteAll(home.filePath("plain-file"), "x"));
+    Write(ini, "Save", "FilePath", home.filePath("plain-file/sub"));
+    messages.clear();
+    doc->QuickSave();
+    EXPECT_EQ(messages,
+        (QStringList { "Save image failed.",
+            "Picture has successfully saved to  " + home.filePath("plain-file/sub/slide8.bmp") }));
+    EXPECT_EQ(GetPrivateProfileString("Save", "Suffix", "", ini), "9");
+}
+
+// Shapes, the ruler and the title go into the file only as chosen; the
+// document keeps its clean picture.
+TEST_F(SavePictureTest, BurnInFollowsTheChoicesAndLeavesTheDocumentClean)
+{
+    CMeasureDoc* doc = OpenPicture();
+    ASSERT_NE(doc, nullptr);
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(20, 100), QPoint(300, 100));
+    const QRgb clean = doc->GetPicture()->GetPixelColor(150, 100);
+
+    const QString plain = home.filePath("plain.bmp");
+    const QString measured = home.filePath("measured.bmp");
+    ASSERT_TRUE(doc->SaveImage(plain, {}, {}));
+    ASSERT_TRUE(doc->SaveImage(measured, { true, false, false, false, false }, {}));
+    FCObjImage a, b;
+    ASSERT_TRUE(a.Load(plain) && b.Load(measured));
+    EXPECT_EQ(a.GetPixelColor(150, 100), clean);
+    EXPECT_NE(b.GetPixelColor(150, 100), clean);
+    EXPECT_EQ(doc->GetPicture()->GetPixelColor(150, 100), clean);
+    EXPECT_TRUE(messages.isEmpty());
+
+    // The summary goes into ".jpg" files only, not ".JPG" ones.
+    ASSERT_TRUE(doc->SaveImage(home.filePath("lower.jpg"), {}, { "T", "", "", "" }));
+    ASSERT_TRUE(doc->SaveImage(home.filePath("upper.JPG"), {}, { "T", "", "", "" }));
+    EXPECT_EQ(ReadAll(home.filePath("lower.jpg")).mid(24, 6), QByteArray("Exif\0\0", 6));
+    EXPECT_FALSE(ReadAll(home.filePath("upper.JPG")).contains(QByteArray("Exif\0\0", 6)));
+}
+
+// The measurements survive as data: an "only image" PNG or JPEG opened again
+// has the calibration and the line, whose CSV row matches the original's; a
+// BMP keeps nothing and says nothing.
+TEST_F(SavePictureTest, CalibrationAndShapesSurviveTheRoundTrip)
+{
+    CMeasureDoc* doc = OpenPicture();
+    ASSERT_NE(doc, nullptr);
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(20, 50), QPoint(257, 180));
+    {
+        const auto lock = doc->GetElemMgr().Lock();
+        doc->GetElemMgr().m_unit = { 0, 1.2345678, 2.5, 10.0, 10.0 };
+    }
+    const QByteArray csv = Csv(*doc);
+    ASSERT_TRUE(csv.contains(" um")) << csv.toStdString();
+
+    for (const char* name : { "round.png", "round.jpg", "round.tif" }) {
+        SCOPED_TRACE(name);
+        const QString path = home.filePath(QLatin1String(name));
+        ASSERT_TRUE(doc->SaveImage(path, {}, {}));
+        auto* reopened = static_cast<CMeasureDoc*>(app->OpenDocumentFile(path));
+        ASSERT_NE(reopened, nullptr);
+        EXPECT_EQ(ShapeTypes(*reopened), (std::vector<int> { 9, 2 }));
+        EXPECT_EQ(Csv(*reopened), csv);
+        EXPECT_DOUBLE_EQ(reopened->GetElemMgr().m_unit.m_dcxPerPixel, 1.2345678);
+    }
+
+    // Burnt in, the shapes are pixels only; the calibration is still kept.
+    const QString burnt = home.filePath("burnt.png");
+    ASSERT_TRUE(doc->SaveImage(burnt, { true, false, false, false, false }, {}));
+    EXPECT_FALSE(PictureXmp::Read(burnt).contains("Shapes"));
+    auto* burntDoc = static_cast<CMeasureDoc*>(app->OpenDocumentFile(burnt));
+    ASSERT_NE(burntDoc, nullptr);
+    EXPECT_EQ(ShapeTypes(*burntDoc), std::vector<int> { 9 });
+    EXPECT_EQ(burntDoc->GetElemMgr().m_unit.m_rtUnit, 0);
+
+    const QString bmp = home.filePath("round.bmp");
+    ASSERT_TRUE(doc->SaveImage(bmp, {}, {}));
+    auto* bmpDoc = static_cast<CMeasureDoc*>(app->OpenDocumentFile(bmp));
+    ASSERT_NE(bmpDoc, nullptr);
+    EXPECT_EQ(ShapeTypes(*bmpDoc), std::vector<int> { 9 });
+    EXPECT_NE(bmpDoc->GetElemMgr().m_unit.m_dcxPerPixel, 1.2345678);
+    EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+}
+
+// A disk that fills up during a save over an existing picture: the failure
+// box, and the old file byte for byte as it was.
+TEST_F(SavePictureTest, FullDiskKeepsTheOldFile)
+{
+    CMeasureDoc* doc = OpenPicture();
+    ASSERT_NE(doc, nullptr);
+    for (const char* name : { "old.bmp", "old.jpg", "old.png" }) {
+        SCOPED_TRACE(name);
+        const QString path = home.filePath(QLatin1String(name));
+        ASSERT_TRUE(WriteAll(path, QByteArray(1000, 'k')));
+        messages.clear();
+        {
+            const FullDisk full(1024);
+            doc->SaveImage(path, {}, {});
+        }
+        EXPECT_EQ(ReadAll(path), QByteArray(1000, 'k'));
+        ASSERT_FALSE(messages.isEmpty());
+        EXPECT_EQ(messages.front(), "Save image failed.");
+    }
+}
+
+// The running live video at saving resolution 3 gives 2048 x 1536 whatever
+// the camera's frame size, 2 gives 1600 x 1200, 1 the frame as it is; the
+// resolution dialog offers the three choices.
+TEST_F(SavePictureTest, SavingResolutionOfTheLiveVideo)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_NE(live, nullptr);
+    EXPECT_EQ(live->GetSaveResolution(), 1);
+    const QSize frameSize = live->QueryImageSize();
+    const std::pair<int, QSize> cases[] = { { 3, { 2048, 1536 } }, { 2, { 1600, 1200 } }, { 1, frameSize } };
+    for (const auto& [resolution, size] : cases) {
+        live->SetSaveResolution(resolution);
+        const QString path = home.filePath(QStringLiteral("live%1.png").arg(resolution));
+        ASSERT_TRUE(live->SaveImage(path, {}, {}));
+        EXPECT_EQ(SizeOf(path), size) << resolution;
+    }
+    live->SetSaveResolution(7);
+    EXPECT_EQ(live->GetSaveResolution(), 1);
+
+    CResolutionDlg dialog(3);
+    const auto choices = dialog.findChildren<QRadioButton*>();
+    ASSERT_EQ(choices.size(), 3);
+    EXPECT_EQ(choices[0]->text(), "1280*1024");
+    EXPECT_EQ(choices[2]->text(), "2048*1536");
+    EXPECT_EQ(dialog.Resolution(), 3);
+    choices[1]->setChecked(true);
+    EXPECT_EQ(dialog.Resolution(), 2);
+}
+
+// Save-as: the type is the last checked of the six, an empty folder keeps the
+// dialog open, an existing file is replaced only on Yes, and the "SaveAs"
+// keys are written back.
+TEST_F(SavePictureTest, SaveAsDialogAsksBeforeReplacing)
+{
+    struct Check
+    {
+        std::array<bool, 6> checked;
+        const char* ext;
+    };
+    const Check checks[] = { { { false, false, false, false, false, false }, ".bmp" },
+        { { true, false, false, false, false, false }, ".bmp" }, { { false, true, false, false, false, false }, ".jpg" },
+        { { false, false, true, false, false, false }, ".png" }, { { false, false, false, true, false, false }, ".pcx" },
+        { { true, true, false, false, true, false }, ".tif" }, { { true, false, false, false, false, true }, ".tga" } };
+    for (const Check& c : checks)
+        EXPECT_EQ(CSaveAsDlg::ExtensionForChecks(c.checked), QLatin1String(c.ext));
+
+    const QString ini = home.filePath("Setting.ini");
+    ASSERT_TRUE(WriteAll(ini, "[SaveAs]\nTitle=Old title\nbMeasure=1\n"));
+    QStringList saved;
+    const auto save = [&](const QString& path, const SaveOverlay& overlay, const SaveTexts& texts) {
+        saved << path;
+        EXPECT_TRUE(overlay.measure);
+        EXPECT_EQ(texts.title, "Old title");
+        EXPECT_EQ(texts.subject, "Cells");
+    };
+    int answer = IDNO;
+    QStringList asked;
+    const ScopedMessageBoxHandler box([&](const MessageBoxRequest& request) {
+        asked << request.caption + ": " + request.text;
+        return answer;
+    });
+
+    CSaveAsDlg empty(ini, "pic", save);
+    empty.accept();
+    EXPECT_EQ(asked, QStringList { "Hint: Please select folder for the saving file." });
+    EXPECT_NE(empty.result(), QDialog::Accepted);
+
+    const QString folder = home.filePath("out");
+    QDir().mkpath(folder);
+    ASSERT_TRUE(WriteAll(folder + "/pic.png", "old"));
+    for (int reply : { IDNO, IDYES }) {
+        asked.clear();
+        saved.clear();
+        answer = reply;
+        CSaveAsDlg dialog(ini, "pic", save);
+        CFolderEdit::SetBrowser([&](QWidget*, const QString&) { return folder + "/"; });
+        dialog.findChild<QPushButton*>("browse")->click();
+        CFolderEdit::SetBrowser({});
+        dialog.findChild<QRadioButton*>("png")->setChecked(true);
+        dialog.findChild<QLineEdit*>("subject")->setText("Cells");
+        dialog.accept();
+        EXPECT_EQ(dialog.result(), QDialog::Accepted) << "closed either way";
+        EXPECT_EQ(asked, QStringList { "Save As: pic.png already existed. Want to replace it?" });
+        EXPECT_EQ(saved, reply == IDYES ? QStringList { folder + "/pic.png" } : QStringList {});
+    }
+    EXPECT_EQ(GetPrivateProfileString("SaveAs", "FilePath", "", ini), folder + "/");
+    EXPECT_EQ(GetPrivateProfileString("SaveAs", "Subject", "", ini), "Cells");
+    EXPECT_EQ(GetPrivateProfileString("SaveAs", "bMeasure", "", ini), "1");
+
+    // A new name is saved at once.
+    asked.clear();
+    saved.clear();
+    CSaveAsDlg fresh(ini, "new", save);
+    fresh.findChild<QLineEdit*>("subject")->setText("Cells");
+    fresh.accept();
+    EXPECT_TRUE(asked.isEmpty());
+    EXPECT_EQ(saved, QStringList { folder + "/new.jpg" });
+}
+
+// The options dialog shows the "Save" section and writes it back; an empty
+// folder is refused. "Open Picture Folder" opens the folder on the desktop.
+TEST_F(SavePictureTest, SaveOptionsAndPictureFolder)
+{
+    const QString ini = home.filePath("Setting.ini");
+    ASSERT_TRUE(WriteAll(ini, "[Save]\r\nPrefix=cell\r\nSuffix=41\r\nbBmp=1\r\nbRuler=1\r\n"));
+    {
+        CSaveOptionDlg dialog(ini);
+        EXPECT_EQ(dialog.findChild<QLineEdit*>("prefix")->text(), "cell");
+        EXPECT_EQ(dialog.findChild<QSpinBox*>("suffix")->value(), 41);
+        EXPECT_TRUE(dialog.findChild<QRadioButton*>("bmp")->isChecked());
+        EXPECT_TRUE(dialog.findChild<QCheckBox*>("bRuler")->isChecked());
+        dialog.accept();
+        EXPECT_EQ(messages, QStringList { "Please select folder for the saving file." });
+        dialog.findChild<QSpinBox*>("suffix")->setValue(0);
+        dialog.findChild<QRadioButton*>("jpg")->setChecked(true);
+        dialog.findChild<QLineEdit*>("folder")->setText("/tmp/x");
+        dialog.accept();
+        EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    }
+    EXPECT_EQ(ReadAll(ini).toStdString(),
+        "[Save]\r\nPrefix=cell\r\nSuffix=0\r\nbBmp=0\r\nbRuler=1\r\nbMeasure=0\r\nbTime=0\r\nbTitle=0\r\n"
+        "bScale=0\r\nAuthor=\r\nTitle=\r\nFilePath=/tmp/x\r\n");
+
+    Start(false);
+    UrlCatcher catcher;
+    QDesktopServices::setUrlHandler("file", &catcher, "open");
+    ASSERT_TRUE(frame->RouteCommand(ID_OPEN_PICTURE_FOLDER));
+    Write(SettingsFile(), "Save", "FilePath", home.filePath("mine"));
+    ASSERT_TRUE(frame->RouteCommand(ID_OPEN_PICTURE_FOLDER));
+    QDesktopServices::unsetUrlHandler("file");
+    EXPECT_EQ(catcher.urls,
+        (QList<QUrl> { QUrl::fromLocalFile(home.filePath("data/Images/")), QUrl::fromLocalFile(home.filePath("mine")) }));
+}
+
+// Both dialogs as a user sees them, saved for a look when
+// OCULIX_SCREENSHOT_DIR names a folder (run under xvfb-run).
+TEST_F(SavePictureTest, DialogsScreenshot)
+{
+    const QString ini = home.filePath("Setting.ini");
+    ASSERT_TRUE(WriteAll(ini,
+        "[Save]\nFilePath=/home/lab/pictures\nPrefix=slide\nSuffix=12\nbMeasure=1\nbTime=1\nTitle=Liver x40\n"
+        "[SaveAs]\nFilePath=/home/lab/pictures\nbMeasure=1\nbRuler=1\nTitle=Liver x40\nAuthor=QA\n"));
+    CSaveOptionDlg options(ini);
+    CSaveAsDlg saveAs(ini, "Image1", {});
+    CResolutionDlg resolution(2);
+    const std::pair<QWidget*, const char*> shots[] = { { &options, "save-option.png" },
+        { &saveAs, "save-as.png" }, { &resolution, "save-resolution.png" } };
+    for (const auto& [widget, name] : shots) {
+        widget->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(widget)) << name;
+        const QImage shot = widget->grab().toImage();
+        EXPECT_GE(shot.height(), 100) << name;
+        if (!qEnvironmentVariableIsEmpty("OCULIX_SCREENSHOT_DIR"))
+            shot.save(QDir(qEnvironmentVariable("OCULIX_SCREENSHOT_DIR")).filePath(QString::fromLatin1(name)));
+    }
+}
+
+#include "SavePictureTest.moc"
