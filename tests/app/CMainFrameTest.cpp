@@ -13,6 +13,7 @@
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QToolBar>
+#include <QToolButton>
 
 #include <gtest/gtest.h>
 #include <tuple>
@@ -63,7 +64,24 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
     for (QAction* action : frame->menuBar()->actions())
         titles << action->text();
     EXPECT_EQ(titles, (QStringList { "&File", "&View", "&Measure", "&Process", "V&ideo", "&Window" }));
-    EXPECT_EQ(Texts(Menu("&File")), (QStringList { "&New Preview", "&Open...", "&Close", "-", "E&xit" }));
+    EXPECT_EQ(Texts(Menu("&File")),
+        (QStringList { "&New Preview", "&Open...", "&Close", "&Save", "Save &As...", "-", "Save &Option",
+            "Open &Picture Folder", "-", "E&xit" }));
+    EXPECT_EQ(frame->FindAction(ID_FILE_SAVE)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_S));
+    // The save buttons drop down their variants.
+    const std::pair<int, QStringList> dropDowns[] = {
+        { ID_FILE_SAVE, { "Save plus measure", "Save only image" } },
+        { ID_FILE_SAVE_AS, { "Save As only image", "Save As plus measure" } },
+    };
+    for (const auto& [id, variants] : dropDowns) {
+        QToolButton* button = nullptr;
+        for (QToolBar* bar : frame->findChildren<QToolBar*>())
+            if (!button)
+                button = qobject_cast<QToolButton*>(bar->widgetForAction(frame->FindAction(id)));
+        ASSERT_NE(button, nullptr) << id;
+        EXPECT_EQ(button->popupMode(), QToolButton::MenuButtonPopup);
+        EXPECT_EQ(Texts(button->menu()), variants);
+    }
     EXPECT_EQ(Texts(Menu("&Process")),
         (QStringList { "&Enable", "-", "Flip &Horizontal", "Flip &Vertical", "-", "&Gray", "&Negative",
             "&Emboss", "&Sharpen", "&Binary" }));
