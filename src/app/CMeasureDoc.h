@@ -223,4 +223,8 @@ private:
 
     int m_nSaveResolution = 1;
     QByteArray m_storedShapes;
+
+    // At most one live document in the process; only the user-interface
+    // thread reads or writes it.
+    static inline CMeasureDoc* s_pLiveDocument = nullptr;
 };
