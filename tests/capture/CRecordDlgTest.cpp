@@ -318,3 +318,61 @@ TEST_F(RecordDialog, PulledCameraAndFullDiskLeaveAPlayableFile)
     dialog->OnStop();
     EXPECT_TRUE(WaitFreshFrames(graph)) << "the preview carries on";
 }
+
+// The child half of the next test: records into the file the environment
+// names until it is killed.
+TEST_F(RecordDialog, DISABLED_ChildRecordsUntilKilled)
+{
+    chosen = qEnvironmentVariable("OCULIX_RECORD_UNTIL_KILLED");
+    ASSERT_FALSE(chosen.isEmpty());
+    dialog->OnBrowse();
+    dialog->OnStart();
+    for (;;)
+        Pump(1000);
+}
+
+namespace {
+
+// The bytes of all video packets ffprobe finds in the file.
+qint64 PacketBytes(const QString& file)
+{
+    QProcess ffprobe;
+    ffprobe.start(QStringLiteral("ffprobe"),
+        QStringLiteral("-v error -select_streams v:0 -show_entries packet=size -of csv=p=0").split(' ') << file);
+    ffprobe.waitForFinished(30000);
+    qint64 sum = 0;
+    for (const QByteArray& line : ffprobe.readAllStandardOutput().split('\n'))
+        sum += line.trimmed().toLongLong();
+    return sum;
+}
+
+} // namespace
+
+// A program killed outright (SIGKILL) writes no index and no final sizes,
+// but every chunk the multiplexer handed over is in the file and plays; only
+// the frames still queued in the process are lost.
+TEST(RecordKilled, EverythingWrittenBeforeSigkillPlays)
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("ffprobe")).isEmpty())
+        GTEST_SKIP() << "ffprobe is not installed";
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("killed.avi"));
+    QProcess child;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("OCULIX_RECORD_UNTIL_KILLED"), file);
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    child.setProcessEnvironment(env);
+    child.start(QCoreApplication::applicationFilePath(),
+        { QStringLiteral("--gtest_filter=RecordDialog.DISABLED_ChildRecordsUntilKilled"),
+            QStringLiteral("--gtest_also_run_disabled_tests") });
+    ASSERT_TRUE(child.waitForStarted());
+    ASSERT_TRUE(PumpUntil([&] { return QFileInfo(file).size() > 400 * 1024; }, 30000))
+        << "the child never recorded: " << child.readAll().toStdString();
+    child.kill();
+    ASSERT_TRUE(child.waitForFinished(10000));
+    EXPECT_EQ(child.exitStatus(), QProcess::CrashExit);
+    const qint64 size = QFileInfo(file).size();
+    EXPECT_GT(PlayableFrames(file), 15);
+    // Headers and chunk framing aside, the packets are the file.
+    EXPECT_GT(PacketBytes(file), size * 9 / 10) << size;
+}
