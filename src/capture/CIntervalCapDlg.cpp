@@ -44,9 +44,10 @@ bool AllDigits(const QString& text)
 
 } // namespace
 
-CIntervalCapDlg::CIntervalCapDlg(ILiveDocument* document, QWidget* parent)
+CIntervalCapDlg::CIntervalCapDlg(ILiveDocument* document, std::function<void()> quickSave, QWidget* parent)
     : QDialog(parent)
     , m_document(document)
+    , m_quickSave(std::move(quickSave))
     , m_timers(new CDialogTimers([this](int id) { OnTimer(id); }, this))
     , m_current(new QLabel(this))
     , m_fileName(new QLabel(this))
@@ -198,7 +199,8 @@ void CIntervalCapDlg::OnTimer(int id)
     }
     ++m_imageCounter;
     m_number->setNum(m_imageCounter);
-    m_document->QuickSaveSilent();
+    if (m_quickSave)
+        m_quickSave();
     // The save moved the running number on: this is the next picture's name.
     m_fileName->setText(NextFileName());
 }

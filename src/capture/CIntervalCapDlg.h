@@ -3,6 +3,8 @@
 #include <QDialog>
 #include <QString>
 
+#include <functional>
+
 class CDialogTimers;
 class ILiveDocument;
 class QLabel;
@@ -21,7 +23,9 @@ public:
     static constexpr int kTimerCountdown = 2;
     enum Field { Wait, Interval, Images };
 
-    explicit CIntervalCapDlg(ILiveDocument* document, QWidget* parent = nullptr);
+    // quickSave: the live document's quick save without its message, which
+    // names the picture from the "Save" settings and advances "Suffix".
+    CIntervalCapDlg(ILiveDocument* document, std::function<void()> quickSave, QWidget* parent = nullptr);
     ~CIntervalCapDlg() override;
 
     void OnStart();
@@ -54,6 +58,7 @@ private:
     QString NextFileName() const;
 
     ILiveDocument* m_document;
+    std::function<void()> m_quickSave;
     CDialogTimers* m_timers;
     int m_wait = 1;
     int m_interval = 1;

@@ -22,9 +22,6 @@ public:
     virtual void ReadBackState() = 0;
     // Lays the view out again after the graph changed.
     virtual void UpdateLiveView() = 0;
-    // The quick save without its success message: the next "Save" name, the
-    // running number advanced.
-    virtual void QuickSaveSilent() = 0;
     // The document's switches; the dialogs keep the colour gains there.
     virtual ProcessSwitches& LiveSwitches() = 0;
     virtual QString GetSettingsFile() const = 0;

@@ -21,8 +21,12 @@ protected:
         settings = dir.filePath(QStringLiteral("Setting.ini"));
         WritePrivateProfileString(QStringLiteral("Save"), QStringLiteral("Prefix"), QStringLiteral("slide"), settings);
         document = std::make_unique<FakeLiveDocument>(graph, settings);
-        document->m_onSave = [this] { saveTimes.push_back(dialog->Timers().Now() - start); };
-        dialog = std::make_unique<CIntervalCapDlg>(document.get());
+        // Counted here, so a save after the document went would show.
+        dialog = std::make_unique<CIntervalCapDlg>(document.get(), [this] {
+            saveTimes.push_back(dialog->Timers().Now() - start);
+            if (document)
+                document->QuickSaveSilent();
+        });
         dialog->Timers().UseManualClock();
     }
 

@@ -8,11 +8,9 @@
 #include <QObject>
 #include <QWidget>
 
-#include <functional>
-
 // The live document as the capture dialogs see it: a real graph, a video
-// window, an overlay of the frame's size, and a settings file. The quick
-// save only moves the running number on and tells the test.
+// window, an overlay of the frame's size, and a settings file. Its quick
+// save only moves the running number on.
 class FakeLiveDocument : public QObject, public ILiveDocument
 {
 public:
@@ -33,12 +31,10 @@ public:
             m_switches.rgb = on != 0;
     }
     void UpdateLiveView() override { ++m_viewUpdates; }
-    void QuickSaveSilent() override
+    void QuickSaveSilent()
     {
         const int suffix = SettingsKeys::ReadInt(SettingsKeys::SaveSuffix, m_settings);
         SettingsKeys::WriteInt(SettingsKeys::SaveSuffix, suffix + 1, m_settings);
-        if (m_onSave)
-            m_onSave();
     }
     ProcessSwitches& LiveSwitches() override { return m_switches; }
     QString GetSettingsFile() const override { return m_settings; }
@@ -50,5 +46,4 @@ public:
     ProcessSwitches m_switches;
     int m_readBacks = 0;
     int m_viewUpdates = 0;
-    std::function<void()> m_onSave;
 };
