@@ -109,6 +109,7 @@ void CMeasureDoc::MakeElemOverlay()
                 m_pElemMgr->DrawToBits(target, int(width), int(height));
                 std::atomic_ref<uchar*>(m_pCurrentOverlay).store(target);
                 ++m_nOverlayCount;
+                qCDebug(lcApp, "MakeElemOverlay");
             }
         }
         lock.lock();
