@@ -20,11 +20,11 @@ int ToolForType(int type)
 {
     switch (type) {
     case 11:
-        return CGVLElemMgr::kToolCounting;
+        return CGVLShape::kToolCounting;
     case 12:
-        return CGVLElemMgr::kToolArrow;
+        return CGVLShape::kToolArrow;
     case kTypeText:
-        return CGVLElemMgr::kToolText;
+        return CGVLShape::kToolText;
     default:
         return type;
     }
