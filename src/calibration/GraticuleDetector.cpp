@@ -54,7 +54,8 @@ struct Peak
     double prominence = 0.0; // peak power over the median power at those spacings
 };
 
-Peak SpectrumPeak(const cv::Mat& picture)
+// The strongest few, each at least a few bins from the others, best first.
+std::vector<Peak> SpectrumPeaks(const cv::Mat& picture, int count)
 {
     const int W = cv::getOptimalDFTSize(picture.cols);
     const int H = cv::getOptimalDFTSize(picture.rows);
@@ -80,12 +81,15 @@ Peak SpectrumPeak(const cv::Mat& picture)
     const double fMax = 1.0 / kMinPitch;
     // The picture's broad shapes (the scale's own outline among them) put
     // most power into low frequencies, falling about as 1/f; the search
-    // weighs that out, and then looks whether the peak is a harmonic.
-    double bestScore = -1.0;
-    int bestU = 0;
-    int bestV = 0;
+    // weighs that out.
+    struct Bin
+    {
+        double score;
+        int u;
+        int v;
+    };
+    std::vector<Bin> bins;
     std::vector<double> ring;
-    ring.reserve(std::size_t(W) * H / 8);
     for (int vs = -H / 2; vs < H / 2; ++vs) {
         const double fy = double(vs) / H;
         for (int u = (vs < 0 ? 1 : 0); u <= W / 2; ++u) {
@@ -96,57 +100,70 @@ Peak SpectrumPeak(const cv::Mat& picture)
             const double p = power(u, vs);
             if ((u + vs) % 7 == 0)
                 ring.push_back(p);
-            if (p * f2 > bestScore) {
-                bestScore = p * f2;
-                bestU = u;
-                bestV = vs;
-            }
+            bins.push_back({ p * f2, u, vs });
         }
     }
-    if (bestScore <= 0.0)
-        return Peak();
-    double best = power(bestU, bestV);
-    // Thin ticks have strong harmonics: when half or a third of the found
-    // frequency carries a good share of its power, that is the fundamental.
-    for (int k : { 3, 2 }) {
-        const int cu = int(std::lround(double(bestU) / k));
-        const int cv = int(std::lround(double(bestV) / k));
-        double p = -1.0;
-        int pu = cu;
-        int pv = cv;
-        for (int dv = -1; dv <= 1; ++dv) {
-            for (int du = -1; du <= 1; ++du) {
-                const double q = power(cu + du, cv + dv);
-                if (q > p) {
-                    p = q;
-                    pu = cu + du;
-                    pv = cv + dv;
+    const double floor = std::max(Median(std::move(ring)), 1e-12);
+    const auto strongest = [](const Bin& l, const Bin& r) { return l.score > r.score; };
+    const std::size_t keep = std::min<std::size_t>(bins.size(), 64);
+    std::partial_sort(bins.begin(), bins.begin() + std::ptrdiff_t(keep), bins.end(), strongest);
+    bins.resize(keep);
+
+    std::vector<Peak> peaks;
+    std::vector<Bin> taken;
+    for (const Bin& bin : bins) {
+        if (int(taken.size()) >= count)
+            break;
+        const bool near = std::any_of(taken.begin(), taken.end(), [&](const Bin& t) {
+            return std::abs(t.u - bin.u) <= 3 && std::abs(t.v - bin.v) <= 3;
+        });
+        if (near)
+            continue;
+        taken.push_back(bin);
+        // A parabola through the logarithms of the neighbouring bins finds
+        // the peak between them.
+        auto refine = [](double a, double b, double c) {
+            const double la = std::log(a + 1e-12), lb = std::log(b + 1e-12), lc = std::log(c + 1e-12);
+            const double den = la - 2 * lb + lc;
+            return den < 0 ? std::clamp(0.5 * (la - lc) / den, -0.5, 0.5) : 0.0;
+        };
+        auto peakAt = [&](int u, int v) {
+            const double p = power(u, v);
+            const double du = refine(power(u - 1, v), p, power(u + 1, v));
+            const double dv = refine(power(u, v - 1), p, power(u, v + 1));
+            return Peak { (u + du) / W, (v + dv) / H, p / floor };
+        };
+        // Thin ticks have strong harmonics: when half or a third of the
+        // found frequency carries a good share of its power, that is likely
+        // the fundamental, tried first; blur can make that wrong, so the
+        // frequency itself is tried next.
+        const double best = power(bin.u, bin.v);
+        for (int k : { 3, 2 }) {
+            const int cu = int(std::lround(double(bin.u) / k));
+            const int cv = int(std::lround(double(bin.v) / k));
+            double p = -1.0;
+            int pu = cu;
+            int pv = cv;
+            for (int dv = -1; dv <= 1; ++dv) {
+                for (int du = -1; du <= 1; ++du) {
+                    const double q = power(cu + du, cv + dv);
+                    if (q > p) {
+                        p = q;
+                        pu = cu + du;
+                        pv = cv + dv;
+                    }
                 }
             }
+            const double fu = double(pu) / W;
+            const double fv = double(pv) / H;
+            if (p >= 0.2 * best && fu * fu + fv * fv >= fMin * fMin) {
+                peaks.push_back(peakAt(pu, pv));
+                break;
+            }
         }
-        const double fu = double(pu) / W;
-        const double fv = double(pv) / H;
-        if (p >= 0.2 * best && fu * fu + fv * fv >= fMin * fMin) {
-            best = p;
-            bestU = pu;
-            bestV = pv;
-            break;
-        }
+        peaks.push_back(peakAt(bin.u, bin.v));
     }
-    Peak peak;
-    // A parabola through the logarithms of the neighbouring bins finds the
-    // peak between them.
-    auto refine = [](double a, double b, double c) {
-        const double la = std::log(a + 1e-12), lb = std::log(b + 1e-12), lc = std::log(c + 1e-12);
-        const double den = la - 2 * lb + lc;
-        return den < 0 ? std::clamp(0.5 * (la - lc) / den, -0.5, 0.5) : 0.0;
-    };
-    const double du = refine(power(bestU - 1, bestV), best, power(bestU + 1, bestV));
-    const double dv = refine(power(bestU, bestV - 1), best, power(bestU, bestV + 1));
-    peak.fx = (bestU + du) / W;
-    peak.fy = (bestV + dv) / H;
-    peak.prominence = best / std::max(Median(std::move(ring)), 1e-12);
-    return peak;
+    return peaks;
 }
 
 // The picture turned so that the scale runs along x and its ticks stand
@@ -372,6 +389,8 @@ LineFit FitTicks(std::vector<Tick>& ticks, double pitch)
     return fit;
 }
 
+GraticuleFit FitAtPeak(const cv::Mat& f, const Peak& peak, double division);
+
 } // namespace
 
 GraticuleFit DetectGraticule(const QImage& picture, double division, const QRect& region)
@@ -390,7 +409,29 @@ GraticuleFit DetectGraticule(const QImage& picture, double division, const QRect
     cv::Mat f;
     whole(cv::Rect(area.x(), area.y(), area.width(), area.height())).convertTo(f, CV_32F);
 
-    const Peak peak = SpectrumPeak(f);
+    // The strongest pattern is nearly always the scale; when it is not (a
+    // blurred scale among sharp objects), the next ones are tried.
+    GraticuleFit failed = Fail("No micrometer scale found: the picture shows no evenly spaced ticks.");
+    bool first = true;
+    for (const Peak& peak : SpectrumPeaks(f, 4)) {
+        GraticuleFit fit = FitAtPeak(f, peak, division);
+        if (fit.found) {
+            for (QPointF& t : fit.ticks)
+                t += QPointF(area.topLeft());
+            return fit;
+        }
+        // The strongest pattern's reason is the one worth telling.
+        if (first)
+            failed = fit;
+        first = false;
+    }
+    return failed;
+}
+
+namespace {
+
+GraticuleFit FitAtPeak(const cv::Mat& f, const Peak& peak, double division)
+{
     const double frequency = std::hypot(peak.fx, peak.fy);
     if (frequency <= 0.0 || peak.prominence < 8.0)
         return Fail("No micrometer scale found: the picture shows no evenly spaced ticks.");
@@ -473,7 +514,7 @@ GraticuleFit DetectGraticule(const QImage& picture, double division, const QRect
         if (ticks[i].index != ticks[i - 1].index + 1)
             continue;
         const double mid = (ticks[i].x + ticks[i - 1].x) / 2;
-        const int reachGap = std::max(1, int(fit.slope / 6));
+        const int reachGap = int(fit.slope / 6);
         for (int x = int(std::lround(mid)) - reachGap; x <= int(std::lround(mid)) + reachGap; ++x)
             gaps.push_back(s[std::size_t(std::clamp(x, first, last))]);
     }
@@ -504,8 +545,10 @@ GraticuleFit DetectGraticule(const QImage& picture, double division, const QRect
     for (const Tick& t : ticks) {
         const double x = back.at<double>(0, 0) * t.x + back.at<double>(0, 1) * row + back.at<double>(0, 2);
         const double y = back.at<double>(1, 0) * t.x + back.at<double>(1, 1) * row + back.at<double>(1, 2);
-        result.ticks.emplace_back(x + area.x(), y + area.y());
+        result.ticks.emplace_back(x, y);
         result.tickIndex.push_back(t.index - ticks.front().index);
     }
     return result;
 }
+
+} // namespace
