@@ -442,8 +442,8 @@ GraticuleFit FitAtPeak(const cv::Mat& f, const Peak& peak, double division)
 
     Turned t = TurnAndFindBand(f, angle, frequency);
     // Ticks that still lean in the turned picture shift the pattern's phase
-    // from row to row; that slope corrects the angle, a few times over.
-    for (int round = 0; round < 4 && t.bottom - t.top >= 3; ++round) {
+    // from row to row; that slope corrects the angle, twice at most.
+    for (int round = 0; round < 2 && t.bottom - t.top >= 3; ++round) {
         const double lean = Lean(t, frequency);
         if (!(std::abs(lean) > 0.002 && std::abs(lean) < 5.0))
             break;

@@ -9,6 +9,8 @@ namespace {
 // Samples per pixel along the search line.
 constexpr int kSteps = 8;
 constexpr double kStep = 1.0 / kSteps;
+// How far either side of its peak an edge's change is followed, pixels.
+constexpr int kWindow = 4;
 // What resampling leaves even without noise, pixels: nothing for an edge
 // along the pixel grid, up to 0.08 for an oblique one (interpolating between
 // pixel centres across it is not exact).
@@ -68,28 +70,36 @@ std::optional<EdgeFix> LocateEdge(const QImage& picture, const QPointF& from, co
         : picture.convertToFormat(QImage::Format_Grayscale8);
     const QPointF d = direction / length;
 
-    // The profile along the line, reaching three pixels past the search so
-    // an edge at its end is seen whole.
-    const int half = int(std::ceil((reach + 3.0) * kSteps));
+    // The profile along the line, reaching past the search so an edge at its
+    // end is seen whole; the mean of the line and its two neighbours a pixel
+    // to each side, which an edge across the line crosses alike.
+    const QPointF side(-d.y(), d.x());
+    const int half = int(std::ceil((reach + kWindow + 1.0) * kSteps));
     std::vector<double> f(std::size_t(2 * half + 1));
     for (int i = -half; i <= half; ++i) {
-        const QPointF p = from + d * (i * kStep);
-        if (p.x() < 0 || p.y() < 0 || p.x() > gray.width() - 1 || p.y() > gray.height() - 1)
-            return std::nullopt;
-        f[std::size_t(i + half)] = Bilinear(gray, p.x(), p.y());
+        double sum = 0.0;
+        for (int k = -1; k <= 1; ++k) {
+            const QPointF p = from + d * (i * kStep) + side * k;
+            if (p.x() < 0 || p.y() < 0 || p.x() > gray.width() - 1 || p.y() > gray.height() - 1)
+                return std::nullopt;
+            sum += Bilinear(gray, p.x(), p.y());
+        }
+        f[std::size_t(i + half)] = sum / 3;
     }
-    // The brightness change over one pixel, centred on each sample.
+    // The brightness change over two pixels, centred on each sample: a
+    // blurred edge stands out of the noise better than over one.
     std::vector<double> g(f.size(), 0.0);
-    for (std::size_t i = kSteps / 2; i + kSteps / 2 < f.size(); ++i)
-        g[i] = f[i + kSteps / 2] - f[i - kSteps / 2];
+    for (std::size_t i = kSteps; i + kSteps < f.size(); ++i)
+        g[i] = f[i + kSteps] - f[i - kSteps];
 
-    const double noise = NoiseNear(gray, from);
+    // The noise of one profile sample: three pixels' worth averaged.
+    const double noise = NoiseNear(gray, from) / std::sqrt(3.0);
     const int searchHalf = int(std::floor(reach * kSteps));
     double strongest = 0.0;
     for (int i = -searchHalf; i <= searchHalf; ++i)
         strongest = std::max(strongest, std::abs(g[std::size_t(i + half)]));
-    // A change of one pixel carries the noise of two samples.
-    const double clear = std::max(5.0 * noise * std::sqrt(2.0), 0.3 * strongest);
+    // A change carries the noise of two samples.
+    const double clear = std::max(4.5 * noise * std::sqrt(2.0), 0.3 * strongest);
     int best = 0;
     bool found = false;
     for (int i = -searchHalf; i <= searchHalf; ++i) {
@@ -106,15 +116,15 @@ std::optional<EdgeFix> LocateEdge(const QImage& picture, const QPointF& from, co
         return std::nullopt;
 
     // The centre of mass of the change, over the run of one sign around the
-    // peak down to its tails, at most 3 pixels each side.
+    // peak down to its tails, at most kWindow pixels each side.
     const std::size_t peak = std::size_t(best + half);
     const double sign = g[peak] > 0 ? 1.0 : -1.0;
     const double floor = 0.02 * std::abs(g[peak]);
     std::size_t lo = peak;
     std::size_t hi = peak;
-    while (lo > std::size_t(kSteps / 2) && peak - lo < std::size_t(3 * kSteps) && sign * g[lo - 1] > floor)
+    while (lo > std::size_t(kSteps) && peak - lo < std::size_t(kWindow * kSteps) && sign * g[lo - 1] > floor)
         --lo;
-    while (hi + 1 + kSteps / 2 < g.size() && hi - peak < std::size_t(3 * kSteps) && sign * g[hi + 1] > floor)
+    while (hi + 1 + kSteps < g.size() && hi - peak < std::size_t(kWindow * kSteps) && sign * g[hi + 1] > floor)
         ++hi;
     double w = 0.0;
     double wt = 0.0;
@@ -124,8 +134,9 @@ std::optional<EdgeFix> LocateEdge(const QImage& picture, const QPointF& from, co
         wt += v * ((double(k) - half) * kStep);
     }
     const double t = wt / w;
-    // Noise moves the centre of mass through the window's ends and its width.
-    const double contrast = w / kSteps;
+    // Noise moves the centre of mass through the window's ends and its width;
+    // the change over two pixels counts the contrast twice.
+    const double contrast = w / kSteps / 2;
     const double a = (double(lo) - half) * kStep - t;
     const double b = (double(hi) - half) * kStep - t;
     const double noiseSigma = noise * std::sqrt(a * a + b * b + (b - a)) / contrast;

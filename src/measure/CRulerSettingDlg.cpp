@@ -1,7 +1,7 @@
 #include "measure/CRulerSettingDlg.h"
 
-#include "calibration/MeasureTables.h"
 #include "calibration/GraticuleDetector.h"
+#include "calibration/MeasureTables.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLRuler.h"
 #include "measure/CGVLWnd.h"

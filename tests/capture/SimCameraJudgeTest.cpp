@@ -27,6 +27,11 @@ int Luma(const QImage& frame, QPointF p)
 
 TEST(SimCameraJudge, GroundTruthPointsLandOnTheirObjectsOnATurnedDriftingSlide)
 {
+    // The documented example: tick 0 at 1280 x 1024, still and level.
+    CSimScene still(1280, 1024);
+    still.SetControls(Still());
+    EXPECT_EQ(still.FramePoint(QPointF(500, 620), 0), QPointF(239.5, 233.5));
+
     for (double rotation : { 0.0, 3.0, 30.0, -12.0 }) {
         SCOPED_TRACE(rotation);
         CSimScene scene(1280, 1024);
