@@ -178,6 +178,7 @@ void CMeasureDoc::MapCommands()
     for (int id : { ID_VIEW_FULLSCREEN, ID_CAMERA_FULLSCREEN, ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION,
              ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST })
         MapUpdate(id, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
+    MapCaptureDialogs();
 }
 
 void CMeasureDoc::DeleteAll()
