@@ -36,6 +36,12 @@ class QWidget;
 // Threads: every operation runs on the user-interface thread, except
 // GetVideoSize and WaitOverlayUnused, which any thread may call. Failures are
 // shown through MessageBox() with the caption "Error!".
+//
+// The sources are split by concern: CXCapGraph.cpp (life of the pipeline,
+// run states, teardown, processing switches), CXCapGraphBuild.cpp (the two
+// topologies), CXCapGraphStream.cpp (grabber, renderer samples, bus errors),
+// CXCapGraphWindow.cpp (video window, full screen, dialogs) and
+// CXCapGraphDevices.cpp (listing and binding cameras).
 class CXCapGraph
 {
 public:

@@ -1,6 +1,6 @@
 #include "capture/SimDeviceProvider.h"
 
-#include "capture/GstInit.h"
+#include "platform/DebugLog.h"
 #include "capture/SimCameraSource.h"
 
 #include <atomic>
@@ -52,6 +52,16 @@ GstDevice* MakeDevice(const QString& name, GstCaps* caps)
     gst_structure_free(props);
     gst_object_ref_sink(device);
     return device;
+}
+
+// GStreamer is started (EnsureGStreamer) before anything here is used; a
+// caller that forgot gets nothing rather than a crash.
+bool GStreamerStarted()
+{
+    if (gst_is_initialized())
+        return true;
+    qCWarning(lcCapture) << "simulated cameras used before GStreamer was started";
+    return false;
 }
 
 bool DemoFromEnvironment()
@@ -197,7 +207,8 @@ bool IsDemoCameraEnabled()
 
 GstCaps* DemoCameraCaps()
 {
-    EnsureGStreamer();
+    if (!GStreamerStarted())
+        return nullptr;
     return gst_caps_from_string(
         "video/x-raw, format=(string)YUY2, width=(int)640, height=(int)480, "
         "pixel-aspect-ratio=(fraction)1/1, "
@@ -212,7 +223,8 @@ GstCaps* DemoCameraCaps()
 
 void AddSimDevice(const QString& name, GstCaps* caps)
 {
-    EnsureGStreamer();
+    if (!GStreamerStarted())
+        return;
     GstCaps* own = caps ? gst_caps_ref(caps) : DemoCameraCaps();
     GstDevice* device = MakeDevice(name, own);
     gst_caps_unref(own);

@@ -7,6 +7,8 @@
 // An in-process GStreamer device provider ("oculixsimdeviceprovider") that
 // lists simulated cameras beside the real ones: the demo camera when it is
 // enabled, and any cameras a test adds. Each creates an "oculixsimcamsrc".
+// GStreamer's start-up (EnsureGStreamer) registers the provider; the calls
+// below that make devices or caps expect it to have run.
 
 // The display name of the demo camera.
 inline constexpr const char* kDemoCameraName = "Simulated Microscope Camera";
