@@ -45,9 +45,7 @@ GstBusSyncReply CDeviceWatcher::BusSync(GstBus*, GstMessage* message, gpointer s
     else
         gst_message_parse_device_removed(message, &device);
     if (device && IsCaptureDevice(device)) {
-        gchar* display = gst_device_get_display_name(device);
-        const QString name = QString::fromUtf8(display);
-        g_free(display);
+        const QString name = DeviceDisplayName(device);
         watcher->m_published.fetch_add(1, std::memory_order_release);
         QMetaObject::invokeMethod(
             watcher,

@@ -17,7 +17,7 @@
 namespace {
 
 const QString kCaption = QStringLiteral("Error!");
-constexpr unsigned kErrorFlags = MB_OK | MB_ICONERROR | MB_TASKMODAL | MB_SETFOREGROUND;
+constexpr unsigned kErrorFlags = MB_OK | MB_TASKMODAL | MB_SETFOREGROUND;
 
 } // namespace
 

@@ -154,6 +154,14 @@ public:
     // formats, preview at the current size and run. The new size comes back.
     int ChangeDevice(int index, unsigned* width, unsigned* height);
 
+    // Hot plug. A removed device that is the bound one takes the pipeline
+    // down as a camera failure does (recording finished, message, error
+    // handler), unless its read error did so already; true when it was the
+    // bound one. Reconnect binds the device of the kept name again after it
+    // came back and runs the preview at the size it had.
+    bool OnDeviceRemoved(const QString& name);
+    int Reconnect();
+
     const std::vector<CaptureFormat>& Formats() const { return m_formats; }
     int SelectedFormat() const { return m_selectedFormat; }
     void SetSelectedFormat(int index) { m_selectedFormat = index; }
@@ -176,7 +184,8 @@ private:
     int AddDevice();
     int Bind(GstDevice* device, GstElement** filter);
     void ReleaseDeviceList();
-    std::vector<GstDevice*> ListDevices(bool* monitorFailed) const;
+    // A format list and a selected format in it; nothing is built otherwise.
+    bool CanBuild() const;
     // Sets the source format for the next build; false when nothing to build.
     bool ChooseDeviceFormat(bool preview);
     // Source -> caps filter -> decoder -> converter -> BGR; returns the last

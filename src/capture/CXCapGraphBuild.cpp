@@ -19,6 +19,9 @@ void CXCapGraph::EnumFormats()
     m_formats = NormaliseCaps(caps);
     if (caps)
         gst_caps_unref(caps);
+    // A selection made in another device's list means nothing here.
+    if (m_selectedFormat >= int(m_formats.size()))
+        m_selectedFormat = 0;
     if (!m_hasCurrentFormat && !m_formats.empty()) {
         // A camera starts in its first mode.
         m_currentFormat = m_formats.front();
@@ -31,10 +34,6 @@ bool CXCapGraph::ChooseDeviceFormat(bool preview)
     gst_caps_replace(&m_sourceCaps, nullptr);
     if (m_formats.empty())
         return false;
-    if (m_selectedFormat < 0 || m_selectedFormat >= int(m_formats.size())) {
-        qCWarning(lcCapture) << "format index" << m_selectedFormat << "outside the list; taking 0";
-        m_selectedFormat = 0;
-    }
     const QString wanted = preview && IsMjpgCamera() ? QStringLiteral("MJPG")
                                                      : m_formats[std::size_t(m_selectedFormat)].fourcc;
     auto find = [&]() -> const CaptureFormat* {
@@ -114,9 +113,22 @@ GstElement* CXCapGraph::MakeRenderer()
     return sink;
 }
 
-void CXCapGraph::BuildPreviewGraph()
+bool CXCapGraph::CanBuild() const
 {
     if (m_formats.empty())
+        return false;
+    // The index is kept inside the list by every path that sets it; one
+    // outside it is a caller's mistake, and nothing is built then.
+    const bool inList = m_selectedFormat >= 0 && m_selectedFormat < int(m_formats.size());
+    Q_ASSERT_X(inList, "CXCapGraph::CanBuild", "format index outside the list");
+    if (!inList)
+        qCWarning(lcCapture) << "format index" << m_selectedFormat << "outside the list; nothing built";
+    return inList;
+}
+
+void CXCapGraph::BuildPreviewGraph()
+{
+    if (!CanBuild())
         return;
     // A build over a built graph would clash by name; start clean.
     if (m_processElement || m_tee || m_renderer)
@@ -231,7 +243,7 @@ void CXCapGraph::BuildPreviewGraph()
 
 void CXCapGraph::BuildRecordGraph()
 {
-    if (m_formats.empty())
+    if (!CanBuild())
         return;
     if (m_processElement || m_tee || m_renderer)
         DestroyGraph();

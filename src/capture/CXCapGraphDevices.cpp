@@ -1,8 +1,6 @@
 #include "capture/CXCapGraph.h"
 
 #include "capture/CameraModels.h"
-#include "capture/GstInit.h"
-#include "capture/SimDeviceProvider.h"
 #include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
 
@@ -11,53 +9,13 @@
 // Listing the cameras, binding one by name, by index or as the default, and
 // changing to another while the preview runs.
 
-namespace {
-
-QString DisplayName(GstDevice* device)
-{
-    gchar* name = gst_device_get_display_name(device);
-    QString out = QString::fromUtf8(name);
-    g_free(name);
-    return out;
-}
-
-} // namespace
-
 // ---------------------------------------------------------------- devices
-
-std::vector<GstDevice*> CXCapGraph::ListDevices(bool* monitorFailed) const
-{
-    std::vector<GstDevice*> out;
-    *monitorFailed = false;
-    GstDeviceMonitor* monitor = EnsureGStreamer() ? gst_device_monitor_new() : nullptr;
-    if (!monitor) {
-        *monitorFailed = true;
-        return out;
-    }
-    gst_device_monitor_add_filter(monitor, "Video/Source", nullptr);
-    // A desktop's PipeWire provider hides the V4L2 one; cameras are opened
-    // through V4L2, so ask every provider and keep V4L2's devices.
-    gst_device_monitor_set_show_all_devices(monitor, TRUE);
-    GList* devices = gst_device_monitor_get_devices(monitor);
-    std::vector<GstDevice*> simulated;
-    for (GList* l = devices; l; l = l->next) {
-        auto* d = GST_DEVICE(l->data);
-        if (!IsCaptureDevice(d))
-            continue;
-        (IsSimDevice(d) ? simulated : out).push_back(GST_DEVICE(gst_object_ref(d)));
-    }
-    g_list_free_full(devices, gst_object_unref);
-    gst_object_unref(monitor);
-    // Real cameras first, so a demo camera never displaces one as the default.
-    out.insert(out.end(), simulated.begin(), simulated.end());
-    return out;
-}
 
 void CXCapGraph::EnumDevices()
 {
     ReleaseDeviceList();
     bool monitorFailed = false;
-    std::vector<GstDevice*> devices = ListDevices(&monitorFailed);
+    std::vector<GstDevice*> devices = ListCaptureDevices(&monitorFailed);
     if (monitorFailed) {
         Fail(QStringLiteral("Error Creating Device Enumerator"));
         return;
@@ -69,7 +27,7 @@ void CXCapGraph::EnumDevices()
         return;
     }
     for (GstDevice* d : devices) {
-        const QString name = DisplayName(d);
+        const QString name = DeviceDisplayName(d);
         if (m_deviceCount < kMaxDevices && !name.isEmpty() && IsSupportedCamera(name, d)) {
             m_devices.push_back(GST_DEVICE(gst_object_ref(d)));
             m_deviceNames.push_back(name);
@@ -123,12 +81,12 @@ int CXCapGraph::GetSpecCapDevice(GstElement** filter, const QString& name)
     if (name.isEmpty())
         return GetDefaultCapDevice(filter);
     bool monitorFailed = false;
-    std::vector<GstDevice*> devices = ListDevices(&monitorFailed);
+    std::vector<GstDevice*> devices = ListCaptureDevices(&monitorFailed);
     if (monitorFailed)
         return S_FALSE; // nothing bound; callers only treat failures as fatal
     int hr = E_FAIL;
     for (GstDevice* d : devices) {
-        const QString found = DisplayName(d);
+        const QString found = DeviceDisplayName(d);
         qCDebug(lcCapture) << "GetSpecCapDevice" << found << name;
         if (FAILED(hr) && found == name && IsSupportedCamera(found, d))
             hr = Bind(d, filter);
@@ -148,11 +106,11 @@ int CXCapGraph::GetDefaultCapDevice(GstElement** filter)
 {
     qCDebug(lcCapture) << "Into function GetDefaultCapDevice";
     bool monitorFailed = false;
-    std::vector<GstDevice*> devices = ListDevices(&monitorFailed);
+    std::vector<GstDevice*> devices = ListCaptureDevices(&monitorFailed);
     int hr = E_FAIL;
     QString bound;
     for (GstDevice* d : devices) {
-        const QString name = DisplayName(d);
+        const QString name = DeviceDisplayName(d);
         qCDebug(lcCapture) << "GetDefaultCapDevice" << name;
         if (FAILED(hr) && IsSupportedCamera(name, d)) {
             hr = Bind(d, filter);
@@ -182,10 +140,10 @@ int CXCapGraph::BindDeviceByIndex(int index)
 int CXCapGraph::BindDeviceByName(const QString& name)
 {
     bool monitorFailed = false;
-    std::vector<GstDevice*> devices = ListDevices(&monitorFailed);
+    std::vector<GstDevice*> devices = ListCaptureDevices(&monitorFailed);
     int hr = E_FAIL;
     for (GstDevice* d : devices) {
-        const QString found = DisplayName(d);
+        const QString found = DeviceDisplayName(d);
         if (FAILED(hr) && found == name && IsSupportedCamera(found, d)) {
             hr = Bind(d, nullptr);
             if (SUCCEEDED(hr))
@@ -229,4 +187,28 @@ int CXCapGraph::ChangeDevice(int index, unsigned* width, unsigned* height)
     hr = ChangeResolution(w, h);
     GetVideoSize(width, height);
     return hr;
+}
+
+bool CXCapGraph::OnDeviceRemoved(const QString& name)
+{
+    if (!m_device || name != m_deviceName)
+        return false;
+    // The driver usually reports a read error first; when the removal comes
+    // first, or the graph is paused and reads nothing, it is the same loss.
+    OnStreamError(QStringLiteral("The device was removed."), {}, QStringLiteral("camera"));
+    return true;
+}
+
+int CXCapGraph::Reconnect()
+{
+    const unsigned width = m_width;
+    const unsigned height = m_height;
+    StopGraph();
+    DestroyGraph();
+    ReleaseAll();
+    int hr = InitGraph();
+    if (FAILED(hr))
+        return hr;
+    EnumFormats();
+    return ChangeResolution(width, height);
 }

@@ -259,6 +259,21 @@ bool RemoveSimDevice(const QString& name)
     return true;
 }
 
+bool PullSimDevice(const QString& name)
+{
+    // The stream fails first, as the driver does when the device goes.
+    SimCameraFault gone;
+    gone.failAfterFrames = 1;
+    SetSimCameraFault(name, gone);
+    return RemoveSimDevice(name);
+}
+
+void ReplugSimDevice(const QString& name, GstCaps* caps)
+{
+    SetSimCameraFault(name, SimCameraFault());
+    AddSimDevice(name, caps);
+}
+
 void RemoveAllSimDevices()
 {
     std::vector<GstDevice*> devices;

@@ -31,6 +31,13 @@ void AddSimDevice(const QString& name, GstCaps* caps = nullptr);
 bool RemoveSimDevice(const QString& name);
 void RemoveAllSimDevices();
 
+// Pulls a camera out as a user does: it leaves the device list and, if it is
+// streaming, fails with the read error of a vanished V4L2 device. False when
+// no camera of that name is listed.
+bool PullSimDevice(const QString& name);
+// Plugs it back in (or any camera of that name): listed again, streaming again.
+void ReplugSimDevice(const QString& name, GstCaps* caps = nullptr);
+
 // Registers the provider and the device type in this process. Idempotent.
 void RegisterSimDeviceProvider();
 
