@@ -7,6 +7,7 @@
 #include "calibration/CMeasureColorDlg.h"
 #include "calibration/CRulerSettingDlg.h"
 #include "capture/CChooseDeviceDlg.h"
+#include "capture/CameraModels.h"
 #include "image/ProcessChain.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/WindowCalls.h"
@@ -90,6 +91,8 @@ CMeasureDoc* CMeasureDoc::GetLiveDocument()
 void CMeasureDoc::ReadSettings()
 {
     const SettingsKeys::DocumentSettings s = SettingsKeys::ReadDocumentSettings(m_settingsFile);
+    // No operation depends on the camera type; it is kept so that it goes
+    // back into the file as it came.
     m_nCameraType = s.m_cameraType;
     m_strDevice = s.m_device;
     m_nZoom = s.m_curSel;
@@ -115,7 +118,12 @@ void CMeasureDoc::WriteSettings() const
     SettingsKeys::DocumentSettings s;
     s.m_cameraType = m_nCameraType;
     s.m_displayMode = m_nDisplayMode;
-    s.m_device = m_strDevice;
+    // Once the user picked a camera by hand, only the live document speaks
+    // for it: a picture document's copy was read before the change and would
+    // put the old camera back if it happened to close last.
+    s.m_device = IsDeviceChosenByHand() && !m_bHasCamera
+        ? SettingsKeys::ReadString(SettingsKeys::VideoDevice, m_settingsFile)
+        : m_strDevice;
     s.m_curSel = m_nZoom;
     s.m_bFlip = m_switches.flip ? 1 : 0;
     s.m_bMirror = m_switches.mirror ? 1 : 0;
@@ -259,9 +267,14 @@ bool CMeasureDoc::StartLive(QWidget* videoOwner)
     m_nImageHeight = int(height);
     m_graph.SetParentWnd(videoOwner, 0, 0, int(width), int(height));
     m_graph.SetStreamErrorHandler([this](const QString&) {
-        // The graph is down: the view shows the last frozen frame, if any.
+        // The graph is down: as when paused, the last frame stays to measure on.
         StopOverlayWorker();
         m_bPreviewRunning = false;
+        if (Snapshot(m_image)) {
+            m_unprocessed = m_image;
+            m_bHasImage = true;
+        }
+        m_graph.ShowVideoWindow(0);
         RepaintOverlayWindow();
     });
     AllocateOverlays(width, height);
@@ -416,14 +429,46 @@ void CMeasureDoc::Pause()
     RepaintOverlayWindow();
 }
 
+void CMeasureDoc::OnCameraUnplugged(const QString& name)
+{
+    if (!m_bLive || name != m_graph.DeviceName())
+        return;
+    m_bCameraLost = true;
+    // Takes the graph down through the error handler, unless the camera's
+    // read error already did.
+    m_graph.OnDeviceRemoved(name);
+}
+
+void CMeasureDoc::OnCameraPlugged(const QString& name)
+{
+    if (!m_bLive || !m_bCameraLost || name != m_graph.DeviceName())
+        return;
+    StopOverlayWorker();
+    if (m_graph.Reconnect() != S_OK)
+        return; // shown by the graph; the next plug-in tries again
+    m_bCameraLost = false;
+    AfterGraphRebuilt();
+}
+
 void CMeasureDoc::Preview()
 {
     if (!m_bLive || m_bPreviewRunning)
         return;
+    if (m_bCameraLost) {
+        MessageBox(tr("The camera \"%1\" is not connected. Plug it in again to go on with the live video.")
+                       .arg(m_graph.DeviceName()),
+            tr("Preview"), MB_OK | MB_ICONWARNING);
+        return;
+    }
     m_bPreviewRunning = true;
     m_graph.StopGraph();
     m_graph.RunGraph();
     m_graph.ShowVideoWindow(1);
+    // After a camera failure the worker was stopped and the overlay taken off.
+    if (!m_overlayThread.joinable()) {
+        m_graph.SetOverlay(1, &m_pCurrentOverlay);
+        StartOverlayWorker();
+    }
 }
 
 void CMeasureDoc::OnVideoDoubleClick()
@@ -609,16 +654,19 @@ void CMeasureDoc::MapCommands()
     MapCommand(ID_CAMERA_FULLSCREEN, onLive(&CMeasureDoc::OnFullScreen));
     MapCommand(ID_VIDEO_DEVICE, onLive(&CMeasureDoc::OnChangeDevice));
     MapCommand(ID_VIDEO_RESOLUTION, onLive(&CMeasureDoc::OnVideoResolution));
-    MapCommand(ID_VIDEO_PROPERTIES, [] {
-        if (CMeasureDoc* live = g_liveDocument)
-            live->m_graph.ShowDeviceProperties();
-    });
-    MapCommand(ID_VIDEO_ADJUST, [] {
+    // "&Adjust" and "Video &Properties" both open the camera's own settings;
+    // the processing element's are a command of the processing bar.
+    for (int id : { ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST })
+        MapCommand(id, [] {
+            if (CMeasureDoc* live = g_liveDocument)
+                live->m_graph.ShowDeviceProperties();
+        });
+    MapCommand(ID_PROCESS_PROPERTIES, [] {
         if (CMeasureDoc* live = g_liveDocument)
             live->m_graph.ShowProcessProperties();
     });
     for (int id : { ID_VIEW_FULLSCREEN, ID_CAMERA_FULLSCREEN, ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION,
-             ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST })
+             ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST, ID_PROCESS_PROPERTIES })
         MapUpdate(id, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
 }
 
