@@ -184,6 +184,10 @@ private:
     int AddDevice();
     int Bind(GstDevice* device, GstElement** filter);
     void ReleaseDeviceList();
+    // Steps both topologies share: the processing element (failure: its
+    // topology's message) and the camera's capture pin.
+    bool MakeProcessElement(const QString& failure);
+    bool HasCapturePin();
     // A format list and a selected format in it; nothing is built otherwise.
     bool CanBuild() const;
     // Sets the source format for the next build; false when nothing to build.

@@ -113,6 +113,28 @@ GstElement* CXCapGraph::MakeRenderer()
     return sink;
 }
 
+bool CXCapGraph::MakeProcessElement(const QString& failure)
+{
+    if (!(m_processElement = CreateCamProcessElement(m_processState, "VKT CamProcess"))) {
+        Fail(failure);
+        return false;
+    }
+    gst_object_ref_sink(m_processElement);
+    m_process = m_processState.get();
+    return true;
+}
+
+bool CXCapGraph::HasCapturePin()
+{
+    GstPad* capturePin = m_device ? gst_element_get_static_pad(m_device, "src") : nullptr;
+    if (!capturePin) {
+        Fail(QStringLiteral("Find capture device failed."));
+        return false;
+    }
+    gst_object_unref(capturePin);
+    return true;
+}
+
 bool CXCapGraph::CanBuild() const
 {
     if (m_formats.empty())
@@ -154,12 +176,8 @@ void CXCapGraph::BuildPreviewGraph()
         return;
     }
     gst_object_ref_sink(m_grabber);
-    if (!(m_processElement = CreateCamProcessElement(m_processState, "VKT CamProcess"))) {
-        Fail(QStringLiteral("Could not create CamProcess (is OCULIXPro.dll registered?)"));
+    if (!MakeProcessElement(QStringLiteral("Could not create CamProcess (is OCULIXPro.dll registered?)")))
         return;
-    }
-    gst_object_ref_sink(m_processElement);
-    m_process = m_processState.get();
 
     // 2. The camera's format.
     ChooseDeviceFormat(true);
@@ -205,12 +223,8 @@ void CXCapGraph::BuildPreviewGraph()
 
     // 8-9. Camera to tee; as with the platform's connect, a failure here is
     // not reported at once (the running pipeline reports it).
-    GstPad* capturePin = m_device ? gst_element_get_static_pad(m_device, "src") : nullptr;
-    if (!capturePin) {
-        Fail(QStringLiteral("Find capture device failed."));
+    if (!HasCapturePin())
         return;
-    }
-    gst_object_unref(capturePin);
     GstElement* last = AddSourceChain();
     if (!last || !gst_element_link(last, m_tee))
         qCWarning(lcCapture) << "the camera could not be connected to the tee";
@@ -268,12 +282,8 @@ void CXCapGraph::BuildRecordGraph()
     });
 
     // 1-3. Processing element.
-    if (!(m_processElement = CreateCamProcessElement(m_processState, "VKT CamProcess"))) {
-        Fail(QStringLiteral("Could not create CamProcess (is CamProcess.dll registered?)"));
+    if (!MakeProcessElement(QStringLiteral("Could not create CamProcess (is CamProcess.dll registered?)")))
         return;
-    }
-    gst_object_ref_sink(m_processElement);
-    m_process = m_processState.get();
     ChooseDeviceFormat(false);
     if (!Add(m_processElement)) {
         Fail(QStringLiteral("Could not put OculixPro filter in graph"));
@@ -281,12 +291,8 @@ void CXCapGraph::BuildRecordGraph()
     }
 
     // 4. Camera to the processing element.
-    GstPad* capturePin = m_device ? gst_element_get_static_pad(m_device, "src") : nullptr;
-    if (!capturePin) {
-        Fail(QStringLiteral("Find capture device failed."));
+    if (!HasCapturePin())
         return;
-    }
-    gst_object_unref(capturePin);
     GstPad* processIn = gst_element_get_static_pad(m_processElement, "sink");
     if (!processIn) {
         Fail(QStringLiteral("Can't find OculixPro filter's input pin"));
