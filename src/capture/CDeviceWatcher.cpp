@@ -18,13 +18,16 @@ CDeviceWatcher::CDeviceWatcher(QObject* parent)
     if (!gst_device_monitor_start(m_monitor)) {
         gst_object_unref(m_monitor);
         m_monitor = nullptr;
+        return;
     }
+    ShareDeviceMonitor(m_monitor);
 }
 
 CDeviceWatcher::~CDeviceWatcher()
 {
     if (!m_monitor)
         return;
+    ShareDeviceMonitor(nullptr);
     gst_device_monitor_stop(m_monitor);
     GstBus* bus = gst_device_monitor_get_bus(m_monitor);
     gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);

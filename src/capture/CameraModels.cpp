@@ -37,6 +37,7 @@ CameraModelSizes g_sizes;
 AttachedCameraModel g_attached;
 std::atomic<bool> g_mjpg { false };
 std::atomic<bool> g_byHand { false };
+GstDeviceMonitor* g_sharedMonitor = nullptr; // under g_mutex
 
 bool StreamsMjpg(GstDevice* device)
 {
@@ -122,16 +123,29 @@ std::vector<GstDevice*> ListCaptureDevices(bool* monitorFailed)
 {
     std::vector<GstDevice*> out;
     *monitorFailed = false;
-    GstDeviceMonitor* monitor = EnsureGStreamer() ? gst_device_monitor_new() : nullptr;
+    GstDeviceMonitor* monitor = nullptr;
+    {
+        std::lock_guard lock(g_mutex);
+        if (g_sharedMonitor)
+            monitor = GST_DEVICE_MONITOR(gst_object_ref(g_sharedMonitor));
+    }
+    const bool shared = monitor != nullptr;
+    if (!monitor && EnsureGStreamer()) {
+        monitor = gst_device_monitor_new();
+        gst_device_monitor_add_filter(monitor, "Video/Source", nullptr);
+        // A desktop's PipeWire provider hides the V4L2 one; cameras are
+        // opened through V4L2, so ask every provider and keep V4L2's devices.
+        gst_device_monitor_set_show_all_devices(monitor, TRUE);
+    }
     if (!monitor) {
         *monitorFailed = true;
         return out;
     }
-    gst_device_monitor_add_filter(monitor, "Video/Source", nullptr);
-    // A desktop's PipeWire provider hides the V4L2 one; cameras are opened
-    // through V4L2, so ask every provider and keep V4L2's devices.
-    gst_device_monitor_set_show_all_devices(monitor, TRUE);
     GList* devices = gst_device_monitor_get_devices(monitor);
+    // A running provider keeps its devices newest first; a probe lists them
+    // in the order they were found.
+    if (shared)
+        devices = g_list_reverse(devices);
     std::vector<GstDevice*> simulated;
     for (GList* l = devices; l; l = l->next) {
         auto* d = GST_DEVICE(l->data);
@@ -144,6 +158,12 @@ std::vector<GstDevice*> ListCaptureDevices(bool* monitorFailed)
     // Real cameras first, so a demo camera never displaces one as the default.
     out.insert(out.end(), simulated.begin(), simulated.end());
     return out;
+}
+
+void ShareDeviceMonitor(GstDeviceMonitor* monitor)
+{
+    std::lock_guard lock(g_mutex);
+    g_sharedMonitor = monitor;
 }
 
 bool IsSupportedCamera(const QString& friendlyName, GstDevice* device)

@@ -56,6 +56,11 @@ QString DeviceDisplayName(GstDevice* device);
 // The capture devices attached now, real cameras before simulated ones, each
 // with a reference the caller drops. monitorFailed: no device monitor.
 std::vector<GstDevice*> ListCaptureDevices(bool* monitorFailed);
+// A running monitor (the device watcher's) that listing asks instead of
+// making one of its own; null to stop. A provider's bus serves one monitor
+// at a time: a second monitor coming and going would leave the running one
+// deaf to cameras plugged in or out.
+void ShareDeviceMonitor(GstDeviceMonitor* monitor);
 
 // The supported-camera check. Every device is accepted: the program serves
 // any camera V4L2 can open. A known model that streams MJPG (offers JPEG

@@ -99,8 +99,9 @@ GstDeviceProvider* RunningProvider()
 void Announce(GstDevice* device, bool added)
 {
     if (GstDeviceProvider* provider = RunningProvider()) {
+        // Adding takes a reference over (transfer floating); removing does not.
         if (added)
-            gst_device_provider_device_add(provider, device);
+            gst_device_provider_device_add(provider, GST_DEVICE(gst_object_ref(device)));
         else
             gst_device_provider_device_remove(provider, device);
         gst_object_unref(provider);
@@ -137,10 +138,9 @@ gboolean StartProvider(GstDeviceProvider* provider)
         g_started = true;
         devices = ListedLocked();
     }
-    for (GstDevice* d : devices) {
+    // Each listed reference goes over to the provider.
+    for (GstDevice* d : devices)
         gst_device_provider_device_add(provider, d);
-        gst_object_unref(d);
-    }
     return TRUE;
 }
 

@@ -3,9 +3,10 @@
 #include "app/CommandTable.h"
 #include "capture/CameraModels.h"
 #include "capture/GstInit.h"
+#include "capture/SimCameraSource.h"
 #include "platform/PrivateProfile.h"
 
-#include <QScopeGuard>
+#include <QDialog>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTimer>
