@@ -27,6 +27,7 @@ bool CMeasureDoc::StartLive(QWidget* videoOwner)
     m_graph.GetVideoSize(&width, &height);
     m_nImageWidth = int(width);
     m_nImageHeight = int(height);
+    m_videoOwner = videoOwner;
     m_graph.SetParentWnd(videoOwner, 0, 0, int(width), int(height));
     m_graph.SetStreamErrorHandler([this](const QString&) {
         // The graph is down: as when paused, the last frame stays to measure on.
@@ -114,6 +115,7 @@ void CMeasureDoc::MakeElemOverlay()
                 m_pElemMgr->DrawToBits(target, int(width), int(height));
                 std::atomic_ref<uchar*>(m_pCurrentOverlay).store(target);
                 ++m_nOverlayCount;
+                qCDebug(lcApp, "MakeElemOverlay");
             }
         }
         lock.lock();

@@ -1,6 +1,8 @@
 #include "capture/CXCapGraph.h"
 
 #include "capture/CCamProcess.h"
+#include "capture/CCameraControlStore.h"
+#include "capture/CCameraControls.h"
 #include "capture/CFrameMailbox.h"
 #include "capture/CVideoWidget.h"
 #include "capture/GstInit.h"
@@ -113,7 +115,17 @@ int CXCapGraph::RunGraph()
     }
     m_handlingError = false;
     m_processState->GetStateB(&m_framesAtRun);
-    return gst_element_set_state(m_graph, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE ? E_FAIL : S_OK;
+    GstState before = GST_STATE_NULL;
+    gst_element_get_state(m_graph, &before, nullptr, 0);
+    if (gst_element_set_state(m_graph, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
+        return E_FAIL;
+    // A camera that starts (not one resuming from a pause) gets back what the
+    // user set for it last time.
+    if (before == GST_STATE_NULL && m_device) {
+        CCameraControls controls(m_device, m_boundDevice);
+        CCameraControlStore().ApplyTo(CCameraControlStore::CameraKey(m_deviceName, m_boundDevice), controls);
+    }
+    return S_OK;
 }
 
 int CXCapGraph::PauseGraph()

@@ -393,6 +393,9 @@ void CXCapGraph::BuildRecordGraph()
     }
     m_fileSink = writer;
     g_object_set(writer, "location", QFile::encodeName(m_recordFile).constData(), "async", FALSE, nullptr);
+    // Every chunk goes to the kernel at once: a program killed outright then
+    // loses none of what the multiplexer has written, only what was queued.
+    gst_util_set_object_arg(G_OBJECT(writer), "buffer-mode", "unbuffered");
     {
         // Find out now, not when the stream starts, whether the file can be made.
         QFile probe(m_recordFile);

@@ -1,5 +1,6 @@
 #include "capture/CXCapGraph.h"
 
+#include "capture/CCameraControlStore.h"
 #include "capture/CDevicePropertiesDlg.h"
 #include "capture/CDlgFullScreen.h"
 #include "capture/CFormatDlg.h"
@@ -165,7 +166,8 @@ int CXCapGraph::ShowDeviceProperties()
 {
     if (!m_device)
         return E_FAIL;
-    CDevicePropertiesDlg dialog(m_device, m_boundDevice, m_owner);
+    CDevicePropertiesDlg dialog(
+        m_device, m_boundDevice, CCameraControlStore::CameraKey(m_deviceName, m_boundDevice), m_owner);
     dialog.setWindowTitle(QStringLiteral("%1 Properties").arg(m_deviceName));
     dialog.exec();
     return S_OK;
