@@ -13,7 +13,8 @@ namespace {
 // Section and key names may not hold the characters that end them.
 QString IniName(QString text)
 {
-    return text.replace(QLatin1Char('['), QLatin1Char('(')).replace(QLatin1Char(']'), QLatin1Char(')'))
+    return text.replace(QLatin1Char('['), QLatin1Char('('))
+        .replace(QLatin1Char(']'), QLatin1Char(')'))
         .replace(QLatin1Char('='), QLatin1Char('-'));
 }
 
@@ -83,7 +84,8 @@ int CCameraControlStore::ApplyTo(const QString& camera, CCameraControls& control
         return 0;
     QList<CameraControl> list = controls.Query();
     std::stable_sort(list.begin(), list.end(), [](const CameraControl& a, const CameraControl& b) {
-        const auto rank = [](const CameraControl& c) { return c.type == CameraControl::Type::Integer ? 1 : 0; };
+        const auto rank
+            = [](const CameraControl& c) { return c.type == CameraControl::Type::Integer ? 1 : 0; };
         return rank(a) < rank(b);
     });
     int applied = 0;

@@ -210,7 +210,8 @@ QString CIntervalCapDlg::NextFileName() const
     const QString file = m_document->GetSettingsFile();
     return SettingsKeys::ReadString(SettingsKeys::SavePrefix, file)
         + QString::number(SettingsKeys::ReadInt(SettingsKeys::SaveSuffix, file))
-        + (SettingsKeys::ReadInt(SettingsKeys::SaveBmp, file) ? QStringLiteral(".bmp") : QStringLiteral(".jpg"));
+        + (SettingsKeys::ReadInt(SettingsKeys::SaveBmp, file) ? QStringLiteral(".bmp")
+                                                              : QStringLiteral(".jpg"));
 }
 
 void CIntervalCapDlg::OnStop()

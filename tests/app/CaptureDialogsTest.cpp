@@ -117,5 +117,6 @@ TEST_F(MeasureFrameTest, RgbCommandSetsTheLiveGainsAndKeepsPresets)
     ASSERT_EQ(live->GetGraph().GetRgbGain(&on, &r, &g, &b), 0);
     EXPECT_EQ(on, 1);
     EXPECT_EQ(g, 60);
-    EXPECT_EQ(SettingsKeys::ReadString(SettingsKeys::RgbGainName(0), SettingsFile()), QStringLiteral("Green"));
+    EXPECT_EQ(
+        SettingsKeys::ReadString(SettingsKeys::RgbGainName(0), SettingsFile()), QStringLiteral("Green"));
 }

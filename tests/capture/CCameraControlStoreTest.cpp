@@ -1,6 +1,7 @@
+#include "capture/CCameraControlStore.h"
+
 #include "CaptureTestSupport.h"
 #include "TestFiles.h"
-#include "capture/CCameraControlStore.h"
 #include "capture/CDevicePropertiesDlg.h"
 #include "platform/AppPaths.h"
 #include "platform/PrivateProfile.h"
@@ -70,7 +71,8 @@ TEST_F(CameraControlStore, PropertiesSetOnceComeBackWhenTheCameraStartsAgain)
         CXCapGraph graph;
         ASSERT_TRUE(StartPreview(graph, kCamera));
         defaultBrightness = Property(graph, "brightness");
-        CDevicePropertiesDlg d(graph.DeviceElement(), nullptr, CCameraControlStore::CameraKey(kCamera, nullptr));
+        CDevicePropertiesDlg d(
+            graph.DeviceElement(), nullptr, CCameraControlStore::CameraKey(kCamera, nullptr));
         const int brightness = Row(d, QStringLiteral("Brightness"));
         const int noise = Row(d, QStringLiteral("Noise"));
         ASSERT_GE(brightness, 0);

@@ -1,7 +1,8 @@
+#include "capture/CIntervalCapDlg.h"
+
 #include "CaptureTestSupport.h"
 #include "FakeLiveDocument.h"
 #include "capture/CDialogTimers.h"
-#include "capture/CIntervalCapDlg.h"
 #include "platform/PrivateProfile.h"
 
 #include <QPushButton>
@@ -19,7 +20,8 @@ protected:
     {
         ASSERT_TRUE(dir.isValid());
         settings = dir.filePath(QStringLiteral("Setting.ini"));
-        WritePrivateProfileString(QStringLiteral("Save"), QStringLiteral("Prefix"), QStringLiteral("slide"), settings);
+        WritePrivateProfileString(
+            QStringLiteral("Save"), QStringLiteral("Prefix"), QStringLiteral("slide"), settings);
         document = std::make_unique<FakeLiveDocument>(graph, settings);
         // Counted here, so a save after the document went would show.
         dialog = std::make_unique<CIntervalCapDlg>(document.get(), [this] {
@@ -135,7 +137,8 @@ TEST_F(IntervalCapture, EachFieldFallsBackToItsDefaultAndNamesItsLimit)
     for (const Case& c : cases) {
         messages.Clear();
         dialog->SetFieldText(c.field, QString::fromLatin1(c.typed));
-        EXPECT_EQ(dialog->FieldText(c.field), QString::fromLatin1(c.shown)) << c.field << " '" << c.typed << "'";
+        EXPECT_EQ(dialog->FieldText(c.field), QString::fromLatin1(c.shown))
+            << c.field << " '" << c.typed << "'";
         EXPECT_EQ(messages.Texts().join('|'), QString::fromLatin1(c.message))
             << c.field << " '" << c.typed << "'";
     }

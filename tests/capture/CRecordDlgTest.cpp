@@ -1,12 +1,13 @@
+#include "capture/CRecordDlg.h"
+
 #include "CaptureTestSupport.h"
 #include "FakeLiveDocument.h"
 #include "capture/CDialogTimers.h"
-#include "capture/CRecordDlg.h"
 
 #include <QDateTime>
 #include <QDir>
-#include <QFileInfo>
 #include <QFile>
+#include <QFileInfo>
 #include <QMap>
 #include <QProcess>
 #include <QPushButton>
@@ -147,7 +148,8 @@ TEST_F(RecordDialog, StartPauseResumeStopMakesOnePlayableFile)
     EXPECT_EQ(Buttons(*dialog), "0011");
     dialog->Timers().Advance(1000);
     EXPECT_EQ(dialog->StateText(), QStringLiteral("Recording.")) << "the dots start over";
-    EXPECT_TRUE(dialog->InfoText().startsWith(QStringLiteral("00:00:07"))) << dialog->InfoText().toStdString();
+    EXPECT_TRUE(dialog->InfoText().startsWith(QStringLiteral("00:00:07")))
+        << dialog->InfoText().toStdString();
     EXPECT_TRUE(dialog->InfoText().contains(QStringLiteral("B"))) << "the file's size";
 
     dialog->OnPause();
@@ -293,7 +295,8 @@ TEST_F(RecordDialog, PulledCameraAndFullDiskLeaveAPlayableFile)
     dialog->Timers().Advance(1000);
     EXPECT_EQ(messages.Texts(), QStringList({ CXCapGraph::kCameraLostMessage }));
     EXPECT_EQ(dialog->StateText(), QStringLiteral("Record stoped"));
-    EXPECT_TRUE(dialog->InfoText().startsWith(QStringLiteral("ended at"))) << dialog->InfoText().toStdString();
+    EXPECT_TRUE(dialog->InfoText().startsWith(QStringLiteral("ended at")))
+        << dialog->InfoText().toStdString();
     EXPECT_EQ(Buttons(*dialog), "0001");
     EXPECT_NEAR(PlayableFrames(chosen), 45, 6);
     ClearSimCameraFaults();
@@ -338,7 +341,8 @@ qint64 PacketBytes(const QString& file)
 {
     QProcess ffprobe;
     ffprobe.start(QStringLiteral("ffprobe"),
-        QStringLiteral("-v error -select_streams v:0 -show_entries packet=size -of csv=p=0").split(' ') << file);
+        QStringLiteral("-v error -select_streams v:0 -show_entries packet=size -of csv=p=0").split(' ')
+            << file);
     ffprobe.waitForFinished(30000);
     qint64 sum = 0;
     for (const QByteArray& line : ffprobe.readAllStandardOutput().split('\n'))

@@ -1,7 +1,8 @@
+#include "capture/CRgbDlg.h"
+
 #include "CaptureTestSupport.h"
 #include "FakeLiveDocument.h"
 #include "TestFiles.h"
-#include "capture/CRgbDlg.h"
 #include "platform/PrivateProfile.h"
 
 #include <QCheckBox>
@@ -135,8 +136,8 @@ TEST_F(RgbPresets, SwitchedOffKeepsValuesAdvancedGrowsAndCloseSaves)
         EXPECT_EQ(d.ValueText(2)->text(), QStringLiteral("33"));
         d.EnableBox()->setChecked(false);
         EXPECT_FALSE(document->m_switches.rgb);
-        for (QWidget* w : std::initializer_list<QWidget*> { d.Slider(0), d.Slider(2), d.ValueText(1), d.List(),
-                 d.AddButton() })
+        for (QWidget* w : std::initializer_list<QWidget*> {
+                 d.Slider(0), d.Slider(2), d.ValueText(1), d.List(), d.AddButton() })
             EXPECT_FALSE(w->isEnabled());
         EXPECT_EQ(document->m_switches.red, 11);
         d.EnableBox()->setChecked(true);
