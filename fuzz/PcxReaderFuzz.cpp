@@ -11,5 +11,5 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    return ImageRoundTrip<CPcxHandler>(data, size, QImage::Format_RGB32);
+    return ImageRoundTrip<CPcxHandler>(data, size, QImage::Format_ARGB32);
 }
