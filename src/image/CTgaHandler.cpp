@@ -294,8 +294,9 @@ bool CTgaHandler::write(const QImage& source)
     // A colour map keeps its entries' alpha only in 32-bit entries (a
     // transparent palette read from a file must come back transparent);
     // opaque maps stay 24-bit, as every reader takes them.
-    const bool alpha = mapped ? std::any_of(table.cbegin(), table.cend(), [](QRgb c) { return qAlpha(c) != 255; })
-                              : image.hasAlphaChannel();
+    const bool alpha = mapped
+        ? std::any_of(table.cbegin(), table.cend(), [](QRgb c) { return qAlpha(c) != 255; })
+        : image.hasAlphaChannel();
     const int bytes = mapped ? 1 : alpha ? 4 : 3;
     const int entryBytes = alpha ? 4 : 3;
 

@@ -1,3 +1,4 @@
+#include "ImageRoundTrip.h"
 #include "TestFiles.h"
 #include "image/CPcxHandler.h"
 #include "image/CTgaHandler.h"
@@ -104,42 +105,6 @@ QStringList PillowAgrees(const QTemporaryDir& dir, const QStringList& names, con
     return formats;
 }
 
-// Reads bytes with our handler, writes the picture back and reads that again:
-// empty when every pixel, alpha included, came back; else what went wrong.
-template <typename Handler>
-std::string RoundTripFault(QByteArray bytes)
-{
-    QBuffer in(&bytes);
-    in.open(QIODevice::ReadOnly);
-    Handler reader;
-    reader.setDevice(&in);
-    QImage image;
-    if (!reader.canRead() || !reader.read(&image))
-        return "does not read";
-    QBuffer out;
-    out.open(QIODevice::ReadWrite);
-    Handler writer;
-    writer.setDevice(&out);
-    if (!writer.write(image))
-        return "does not write";
-    out.seek(0);
-    Handler again;
-    again.setDevice(&out);
-    QImage back;
-    if (!again.read(&back))
-        return "written, does not read back";
-    const QImage a = image.convertToFormat(QImage::Format_ARGB32);
-    const QImage b = back.convertToFormat(QImage::Format_ARGB32);
-    if (a.size() != b.size())
-        return "comes back in another size";
-    for (int y = 0; y < a.height(); ++y)
-        for (int x = 0; x < a.width(); ++x)
-            if (a.pixel(x, y) != b.pixel(x, y))
-                return QStringLiteral("pixel (%1, %2) %3 comes back %4")
-                    .arg(x).arg(y).arg(a.pixel(x, y), 8, 16).arg(b.pixel(x, y), 8, 16).toStdString();
-    return {};
-}
-
 std::string RoundTripFault(const QString& path)
 {
     const QByteArray bytes = ReadAll(path);
@@ -153,7 +118,7 @@ std::string RoundTripFault(const QString& path)
 TEST(PictureFiles, WhatOurReadersTakeOurWritersGiveBack)
 {
     QStringList paths;
-    for (const QString dir : { QStringLiteral(OCULIX_TEST_DATA_DIR),
+    for (const QString& dir : { QStringLiteral(OCULIX_TEST_DATA_DIR),
              QStringLiteral(OCULIX_SOURCE_DIR "/fuzz/corpus/TgaReaderFuzz"),
              QStringLiteral(OCULIX_SOURCE_DIR "/fuzz/corpus/PcxReaderFuzz") })
         for (const QFileInfo& file : QDir(dir).entryInfoList({ "*.tga", "*.pcx" }, QDir::Files))
