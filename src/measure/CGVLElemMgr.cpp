@@ -17,6 +17,7 @@
 #include "measure/GdiPainter.h"
 #include "measure/WindowCalls.h"
 #include "platform/DebugLog.h"
+#include "platform/NumberText.h"
 
 #include <QDate>
 #include <QIODevice>
@@ -462,7 +463,7 @@ void CGVLElemMgr::DrawToImage(uchar* buffer, int width, int height, bool element
         if (date) {
             const QDate today = QDate::currentDate();
             const QString stamp = today.isValid()
-                ? MeasureTables::FormatC("%d-%d-%d", today.year(), today.month(), today.day())
+                ? NumberText::FormatC("%d-%d-%d", today.year(), today.month(), today.day())
                 : QStringLiteral("0-0-0");
             Gdi::TextOut(dc, x, height - 40, stamp, textColor);
         }
@@ -517,7 +518,7 @@ QByteArray CGVLElemMgr::CsvBytes() const
             bytes.truncate(kCsvLineMax);
         out += bytes;
     };
-    using MeasureTables::FormatC;
+    using NumberText::FormatC;
     int number = 1;
     for (std::size_t i = 1; i < m_arShape.size(); ++i) {
         const CGVLShape& shape = *m_arShape[i];

@@ -1,13 +1,11 @@
 #include "calibration/SvrFile.h"
 
 #include "TestFiles.h"
+#include "platform/NumberText.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
-#include <climits>
-#include <cmath>
 #include <gtest/gtest.h>
 
 using namespace SvrFile;
@@ -141,23 +139,6 @@ TEST(SvrFile, SaveNameCutsAnExactSvrExtension)
     EXPECT_EQ(SaveName(QStringLiteral(".svr")), "");
 }
 
-TEST(SvrFile, TextsAsNumbersTakeTheLeadingDecimalNumber)
-{
-    const std::pair<const char*, double> reals[]
-        = { { "0.0100\r", 0.01 }, { "  -2.5mm", -2.5 }, { "+.5", 0.5 }, { "3.", 3.0 }, { "1e2x", 100.0 },
-              { "1e", 1.0 }, { "1e-999", 0.0 }, { "2,5", 2.0 }, { "", 0.0 }, { "abc", 0.0 }, { ".", 0.0 },
-              { "-", 0.0 }, { "inf", 0.0 }, { "nan", 0.0 }, { "0x10", 0.0 } };
-    for (const auto& [text, value] : reals)
-        EXPECT_EQ(LeadingNumber(QString::fromLatin1(text)), value) << text;
-    EXPECT_TRUE(std::isinf(LeadingNumber(QStringLiteral("1e999"))));
-
-    const std::pair<const char*, int> ints[]
-        = { { " \t-12abc", -12 }, { "+7", 7 }, { "923\r", 923 }, { "2.9", 2 }, { "x1", 0 },
-              { "99999999999999999999", INT_MAX }, { "-99999999999999999999", INT_MIN } };
-    for (const auto& [text, value] : ints)
-        EXPECT_EQ(LeadingInt(QString::fromLatin1(text)), value) << text;
-}
-
 TEST(SvrFile, FactoryFilesAreEachObjectivesCalibrationForTheFactoryFrame)
 {
     EXPECT_EQ(FactoryFileName(0), "10-1280_1024.svr");
@@ -175,9 +156,10 @@ TEST(SvrFile, FactoryFilesAreEachObjectivesCalibrationForTheFactoryFrame)
         EXPECT_EQ(d.m_nUnit, 0) << "um";
         EXPECT_LT(d.m_nXEnd, kFactoryWidth);
         EXPECT_LT(d.m_nYEnd, kFactoryHeight);
-        const double x = LeadingNumber(d.m_strXReal) / d.m_nXLenth;
+        const double x = NumberText::LeadingReal(d.m_strXReal) / d.m_nXLenth;
         EXPECT_EQ(d.m_strXPerPixel, QString::number(x, 'f', 4));
-        EXPECT_EQ(d.m_strYPerPixel, QString::number(LeadingNumber(d.m_strYReal) / d.m_nYLenth, 'f', 4));
+        EXPECT_EQ(
+            d.m_strYPerPixel, QString::number(NumberText::LeadingReal(d.m_strYReal) / d.m_nYLenth, 'f', 4));
         EXPECT_LT(x, previous) << "a stronger objective, smaller pixels";
         previous = x;
     }
