@@ -1,6 +1,7 @@
 #include "measure/CGVLElemMgr.h"
 
 #include "calibration/MeasureTables.h"
+#include "image/ImageProcess.h"
 #include "measure/CGVLAngle.h"
 #include "measure/CGVLAnoArrow.h"
 #include "measure/CGVLAnoText.h"
@@ -105,7 +106,7 @@ std::unique_lock<std::recursive_mutex> CGVLElemMgr::Lock() const
 
 std::size_t CGVLElemMgr::BitsStride(int width)
 {
-    return width <= 0 ? 0 : ((std::size_t(width) * 24 + 31) / 32) * 4;
+    return DibStride(width);
 }
 
 int CGVLElemMgr::TypeForTool(int tool)

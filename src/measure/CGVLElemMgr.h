@@ -105,7 +105,7 @@ public:
     // Holds the manager's lock for direct access to fields and elements.
     [[nodiscard]] std::unique_lock<std::recursive_mutex> Lock() const;
 
-    // Bytes per row of the overlay buffers: ((width * 24 + 31) / 32) * 4.
+    // Bytes per row of the overlay buffers: DibStride(width).
     static std::size_t BitsStride(int width);
     // The element type a creating tool makes, or 0 for the other tools.
     static int TypeForTool(int tool);

@@ -22,14 +22,9 @@ namespace {
 using Bytes = std::vector<uchar>;
 using Plain = std::function<void(Bytes&, unsigned, unsigned)>;
 
-std::size_t StrideOf(unsigned width)
-{
-    return ((std::size_t(width) * 24 + 31) / 32) * 4;
-}
-
 Bytes Noise(unsigned width, unsigned height, unsigned seed)
 {
-    Bytes b(StrideOf(width) * height);
+    Bytes b(DibStride(width) * height);
     std::mt19937 rng(seed);
     for (auto& v : b)
         v = uchar(rng());
@@ -59,12 +54,12 @@ void EachPixel(Bytes& b, unsigned w, unsigned h, const std::function<void(uchar*
 {
     for (unsigned y = 0; y < h; ++y)
         for (unsigned x = 0; x < w; ++x)
-            f(&b[y * StrideOf(w) + 3 * x]);
+            f(&b[y * DibStride(w) + 3 * x]);
 }
 
 void PlainFlip(Bytes& b, unsigned w, unsigned h)
 {
-    const std::size_t s = StrideOf(w);
+    const std::size_t s = DibStride(w);
     Bytes copy(b.size());
     for (unsigned i = 0; i < h; ++i)
         std::memcpy(&copy[i * s], &b[(h - 1 - i) * s], s);
@@ -73,7 +68,7 @@ void PlainFlip(Bytes& b, unsigned w, unsigned h)
 
 void PlainMirror(Bytes& b, unsigned w, unsigned h)
 {
-    const std::size_t s = StrideOf(w);
+    const std::size_t s = DibStride(w);
     Bytes out(b.size(), 0);
     for (unsigned y = 0; y < h; ++y)
         for (unsigned x = 0; x < w; ++x)
@@ -100,7 +95,7 @@ void PlainNegative(Bytes& b, unsigned w, unsigned h)
 
 void PlainEmboss(Bytes& b, unsigned w, unsigned h)
 {
-    const std::size_t s = StrideOf(w);
+    const std::size_t s = DibStride(w);
     for (unsigned y = 0; y + 1 < h; ++y) {
         for (unsigned x = 0; x + 1 < w; ++x)
             for (unsigned c = 0; c < 3; ++c) {
@@ -116,7 +111,7 @@ void PlainEmboss(Bytes& b, unsigned w, unsigned h)
 
 void PlainSharpen(Bytes& b, unsigned w, unsigned h)
 {
-    const std::size_t s = StrideOf(w);
+    const std::size_t s = DibStride(w);
     const Bytes copy = b;
     for (unsigned y = 1; y + 1 < h; ++y)
         for (unsigned x = 1; x + 1 < w; ++x)
