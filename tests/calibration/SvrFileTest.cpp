@@ -114,19 +114,14 @@ TEST(SvrFile, HugeFilesAreReadOnlyAsFarAsTheirFirstLines)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("huge.svr"));
-    // `head`, then 64 MiB of `fill`.
-    const auto write = [&](const QByteArray& head, char fill) {
-        QFile file(path);
-        bool written = file.open(QIODevice::WriteOnly) && file.write(head) == head.size();
-        for (int i = 0; i < 64; ++i)
-            written = written && file.write(QByteArray(1 << 20, fill)) == 1 << 20;
-        return written;
-    };
+    // `head`, then 1 MiB of `fill`: far more than the eleven longest lines.
+    const auto write
+        = [&](const QByteArray& head, char fill) { return WriteAll(path, head + QByteArray(1 << 20, fill)); };
     SvrData read;
     ASSERT_TRUE(write(ToBytes(Sample()), '\0'));
     EXPECT_EQ(Read(path, read), Status::Ok);
     EXPECT_EQ(read, Sample().Normalized());
-    ASSERT_TRUE(write({}, '5')); // one line of 64 MiB
+    ASSERT_TRUE(write({}, '5')); // one line of 1 MiB
     EXPECT_EQ(Read(path, read), Status::NotRulerData);
 }
 

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <random>
 #include <string>
 #include <tuple>
@@ -175,25 +176,30 @@ TEST(ImageProcess, EveryOperationMatchesItsPlainDefinitionIncludingPadding)
     }
 }
 
-// All 2^24 colours: the integer model of the float gray must agree everywhere.
+// All 2^24 colours, one red value at a time: the integer model of the float
+// gray must agree everywhere.
 TEST(ImageProcess, GrayAndBinaryAgreeWithTheFloatTablesForEveryColour)
 {
-    const unsigned w = 65536, h = 256; // one row per red value; stride has no padding
-    Bytes all(std::size_t(w) * 3 * h);
-    for (std::size_t i = 0; i < std::size_t(w) * h; ++i) {
-        all[3 * i] = uchar(i), all[3 * i + 1] = uchar(i >> 8), all[3 * i + 2] = uchar(i >> 16);
-    }
-    for (int t : { 0, 1, 100, 181 }) { // 0: gray, else binary at t
-        Bytes out = all;
-        ASSERT_EQ(t ? Binary(out.data(), w, h, t) : Gray(out.data(), w, h), 0);
-        std::size_t wrong = 0;
-        for (std::size_t i = 0; i < out.size(); i += 3) {
-            const int gray = kGray.Of(&all[i]);
-            const uchar want = t == 0 ? uchar(gray) : gray < t ? 0 : 255;
-            wrong += out[i] != want || out[i + 1] != want || out[i + 2] != want;
+    const unsigned w = 256, h = 256; // blue by column, green by row; stride has no padding
+    const int thresholds[] = { 0, 1, 100, 181 }; // 0: gray, else binary at t
+    std::size_t wrong[std::size(thresholds)] = {};
+    Bytes all(std::size_t(w) * 3 * h), out;
+    for (unsigned red = 0; red < 256; ++red) {
+        for (std::size_t i = 0; i < std::size_t(w) * h; ++i)
+            all[3 * i] = uchar(i), all[3 * i + 1] = uchar(i >> 8), all[3 * i + 2] = uchar(red);
+        for (std::size_t k = 0; k < std::size(thresholds); ++k) {
+            const int t = thresholds[k];
+            out = all;
+            ASSERT_EQ(t ? Binary(out.data(), w, h, t) : Gray(out.data(), w, h), 0);
+            for (std::size_t i = 0; i < out.size(); i += 3) {
+                const int gray = kGray.Of(&all[i]);
+                const uchar want = t == 0 ? uchar(gray) : gray < t ? 0 : 255;
+                wrong[k] += out[i] != want || out[i + 1] != want || out[i + 2] != want;
+            }
         }
-        EXPECT_EQ(wrong, 0u) << "threshold " << t;
     }
+    for (std::size_t k = 0; k < std::size(thresholds); ++k)
+        EXPECT_EQ(wrong[k], 0u) << "threshold " << thresholds[k];
 }
 
 // The kernels exist once per instruction set; run the checks above again on
