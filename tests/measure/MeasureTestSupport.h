@@ -98,7 +98,7 @@ struct Bits
     Bits(int width, int height)
         : width(width)
         , height(height)
-        , stride(CGVLElemMgr::BitsStride(width))
+        , stride(DibStride(width))
         , data(stride * std::size_t(height), 0xAB)
     {
     }
