@@ -1,15 +1,11 @@
 #include "platform/NumberText.h"
 
+#include "CommaLocale.h"
 #include "platform/SettingsKeys.h"
-
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 
 #include <climits>
 #include <clocale>
 #include <cmath>
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 using namespace NumberText;
@@ -45,18 +41,8 @@ TEST(NumberText, LeadingNumbersAreReadAsTheCLibraryReadsThem)
 // read and write "0.50".
 TEST(NumberText, NumbersKeepAPeriodInACommaLocale)
 {
-    // The installed German locale, or one compiled from the locale sources.
-    QTemporaryDir dir;
-    bool comma = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
-    if (!comma && dir.isValid() && QFile::exists("/usr/share/i18n/locales/de_DE")
-        && QProcess::execute("localedef", { "-i", "de_DE", "-f", "UTF-8", dir.filePath("de_DE.UTF-8") })
-            == 0) {
-        setenv("LOCPATH", QFile::encodeName(dir.path()).constData(), 1);
-        comma = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
-        unsetenv("LOCPATH");
-    }
-    if (!comma)
-        GTEST_SKIP() << "no locale with a decimal comma here (Debian package 'locales')";
+    if (!UseCommaLocale())
+        GTEST_SKIP() << "no locale with a decimal comma can be made here";
     char probe[8];
     std::snprintf(probe, sizeof probe, "%.1f", 1.5);
     const QString formatted = FormatC("%d,%.3f", 7, 0.25);
