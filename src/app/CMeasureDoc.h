@@ -62,6 +62,8 @@ public:
     QSize GetImageSize() const override { return QSize(m_nImageWidth, m_nImageHeight); }
     CRulerSettingDlg* GetCalibrationDialog() override { return m_pCalibrationDlg.get(); }
     void OnVideoDoubleClick() override;
+    // The live frame while the video runs, else the picture.
+    QImage GetMeasuringPicture() override;
 
     // The view's part of becoming live: builds and runs the preview into
     // videoOwner, allocates the overlay buffers, starts the worker. False
@@ -96,6 +98,13 @@ public:
     // paused, or running with processing on at 100 %, so shape coordinates
     // stay picture pixels.
     bool CanDraw() const;
+
+    // Hot plug, from the application's device watcher. A pulled camera of
+    // the live document leaves it paused on the last frame; the same camera
+    // plugged back in runs the preview again.
+    void OnCameraUnplugged(const QString& name);
+    void OnCameraPlugged(const QString& name);
+    bool IsCameraLost() const { return m_bCameraLost; }
 
     // Commands, callable directly (tests) or through the command route.
     void Pause();
@@ -183,6 +192,7 @@ private:
     bool m_bOpeningFile = false;
     std::atomic<bool> m_bLive { false };
     bool m_bHasCamera = false;
+    bool m_bCameraLost = false;
     std::atomic<bool> m_bPreviewRunning { false };
     bool m_bHasImage = false;
     FCObjImage m_image;
