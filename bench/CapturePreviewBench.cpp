@@ -5,6 +5,7 @@
 #include "capture/CSimScene.h"
 #include "capture/CXCapGraph.h"
 #include "capture/SimDeviceProvider.h"
+#include "image/ImageProcess.h"
 
 #include <QDir>
 #include <QFile>
@@ -53,7 +54,7 @@ void BM_LivePipeline(benchmark::State& state, int formatIndex, bool allOn, bool 
         graph.BuildRecordGraph();
         graph.RunGraph();
     }
-    std::vector<uchar> overlay(((format.width * 24 + 31) / 32) * 4 * format.height, 1);
+    std::vector<uchar> overlay(DibStride(format.width) * format.height, 1);
     uchar* published = overlay.data();
     graph.SetOverlay(1, &published);
     if (allOn) {

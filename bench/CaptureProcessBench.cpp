@@ -5,6 +5,7 @@
 #include "capture/CamProcessElement.h"
 #include "capture/GstInit.h"
 #include "image/FusedProcess.h"
+#include "image/ImageProcess.h"
 
 #include <gst/gst.h>
 
@@ -24,18 +25,13 @@ double Least(const std::vector<double>& v)
     return v.empty() ? 0.0 : *std::min_element(v.begin(), v.end());
 }
 
-std::size_t Stride(int width)
-{
-    return ((std::size_t(width) * 24 + 31) / 32) * 4;
-}
-
 std::vector<uchar> Picture(int width, int height)
 {
     // Smooth gradients with some grain: neither flat nor noise.
-    std::vector<uchar> bits(Stride(width) * height);
+    std::vector<uchar> bits(DibStride(width) * height);
     std::mt19937 rng(1);
     for (int y = 0; y < height; ++y) {
-        uchar* row = bits.data() + y * Stride(width);
+        uchar* row = bits.data() + y * DibStride(width);
         for (int x = 0; x < width; ++x) {
             row[3 * x] = uchar((x + y) / 8 + rng() % 8);
             row[3 * x + 1] = uchar(x / 5 + rng() % 8);
@@ -49,11 +45,11 @@ std::vector<uchar> Picture(int width, int height)
 // and labels.
 std::vector<uchar> Overlay(int width, int height)
 {
-    std::vector<uchar> bits(Stride(width) * height, kOverlayKey);
+    std::vector<uchar> bits(DibStride(width) * height, kOverlayKey);
     for (int y = 0; y < height; y += 97)
-        std::memset(bits.data() + y * Stride(width), 255, std::size_t(width) * 3);
+        std::memset(bits.data() + y * DibStride(width), 255, std::size_t(width) * 3);
     for (int y = 100; y < 130 && y < height; ++y)
-        std::memset(bits.data() + y * Stride(width) + 300, 0, 600);
+        std::memset(bits.data() + y * DibStride(width) + 300, 0, 600);
     return bits;
 }
 
@@ -81,7 +77,7 @@ void BM_CamProcess(benchmark::State& state, int width, int height, bool allOn, b
         AllOn(process);
     process.SetOverlaySize(unsigned(width), unsigned(height));
     process.SetOverlay(overlayOn, &published);
-    const auto stride = std::ptrdiff_t(Stride(width));
+    const auto stride = std::ptrdiff_t(DibStride(width));
     for (auto _ : state) {
         // Top-down GStreamer rows, read bottom-up, as the element does.
         process.ProcessFrame(src.data() + (height - 1) * stride, -stride, dst.data() + (height - 1) * stride,

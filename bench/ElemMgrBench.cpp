@@ -58,7 +58,7 @@ void BM_DrawToBits(benchmark::State& state)
     CGVLElemMgr mgr;
     mgr.m_nPrecision = 2;
     Populate(mgr, int(state.range(0)));
-    std::vector<uchar> buffer(CGVLElemMgr::BitsStride(kWidth) * kHeight);
+    std::vector<uchar> buffer(DibStride(kWidth) * kHeight);
     for (auto _ : state) {
         mgr.DrawToBits(buffer.data(), kWidth, kHeight);
         benchmark::DoNotOptimize(buffer.data());

@@ -33,7 +33,7 @@ struct Frame
     Frame(unsigned w, unsigned h)
         : width(w)
         , height(h)
-        , stride(((std::size_t(w) * 24 + 31) / 32) * 4)
+        , stride(DibStride(w))
         , source(stride * h)
         , work(stride * h)
         , target(stride * h)

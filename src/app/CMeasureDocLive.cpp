@@ -53,7 +53,7 @@ bool CMeasureDoc::StartLive(QWidget* videoOwner)
 void CMeasureDoc::AllocateOverlays(unsigned width, unsigned height)
 {
     // 1,1,1 marks pixels no shape covers.
-    const std::size_t bytes = CGVLElemMgr::BitsStride(int(width)) * height;
+    const std::size_t bytes = DibStride(int(width)) * height;
     m_overlayA.assign(bytes, 1);
     m_overlayB.assign(bytes, 1);
     m_nOverlayWidth = width;

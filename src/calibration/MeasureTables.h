@@ -70,10 +70,6 @@ inline constexpr PrecisionFormats kValueFormats = { "%.1f%s", "%.2f%s", "%.3f%s"
 // The format for `precision` decimals, or null outside 1..5 (the label is then empty).
 const char* FormatForPrecision(const PrecisionFormats& formats, int precision);
 
-// printf in the C locale, whatever locale the process runs in: numbers always
-// carry a period. Safe on any thread.
-QString FormatC(const char* format, ...) __attribute__((format(printf, 1, 2)));
-
 // A label from one of the tables above: value and unit text (`unitText` may be
 // null for formats without %s). Empty when the precision is outside 1..5.
 QString FormatLabel(const PrecisionFormats& formats, int precision, double value, const char* unitText = "");

@@ -1,5 +1,7 @@
 #include "calibration/SvrFile.h"
 
+#include "platform/NumberText.h"
+
 #include <QFile>
 #include <QSaveFile>
 #include <QStringDecoder>
@@ -7,38 +9,8 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
-#include <cstdint>
-#include <locale.h>
-#include <stdlib.h>
-#include <string>
 
 namespace {
-
-// Integer sums as the file's first writer computed them, wrapping instead of
-// overflowing for the absurd lengths a hand-edited file may hold.
-int WrapAdd(int a, int b)
-{
-    return int(std::uint32_t(a) + std::uint32_t(b));
-}
-
-bool IsBlank(QChar c)
-{
-    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\v' || c == u'\f' || c == u'\r';
-}
-
-// Where the digits of a number start, as the C library's conversions see it:
-// after leading white space and one sign.
-qsizetype SkipBlanksAndSign(const QString& text, bool& negative)
-{
-    qsizetype i = 0;
-    while (i < text.size() && IsBlank(text[i]))
-        ++i;
-    negative = false;
-    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
-        negative = text[i++] == u'-';
-    return i;
-}
 
 // Characters a text line never holds: a file with them is not ruler data.
 bool IsControl(QChar c)
@@ -71,9 +43,9 @@ SvrData SvrData::Normalized() const
 {
     SvrData data = *this;
     data.m_nXStart = SvrFile::kNormalStart;
-    data.m_nXEnd = WrapAdd(SvrFile::kNormalStart, m_nXLenth);
+    data.m_nXEnd = SvrFile::WrapAdd(SvrFile::kNormalStart, m_nXLenth);
     data.m_nYStart = SvrFile::kNormalStart;
-    data.m_nYEnd = WrapAdd(SvrFile::kNormalStart, m_nYLenth);
+    data.m_nYEnd = SvrFile::WrapAdd(SvrFile::kNormalStart, m_nYLenth);
     return data;
 }
 
@@ -137,7 +109,7 @@ std::optional<SvrData> FromBytes(QByteArrayView bytes)
     data.m_strYReal = nextText();
     for (int* value : { &data.m_nXStart, &data.m_nXEnd, &data.m_nXLenth, &data.m_nYStart, &data.m_nYEnd,
              &data.m_nYLenth, &data.m_nUnit })
-        *value = LeadingInt(nextText());
+        *value = NumberText::LeadingInt(nextText());
     return data;
 }
 
@@ -201,59 +173,6 @@ QString FactoryFileName(int magnification)
         return {};
     return QString::fromLatin1(kMagnifications[std::size_t(magnification)])
         + QStringLiteral("-%1_%2.svr").arg(kFactoryWidth).arg(kFactoryHeight);
-}
-
-double LeadingNumber(const QString& text)
-{
-    bool negative = false;
-    qsizetype i = SkipBlanksAndSign(text, negative);
-    // The decimal form only: digits, a point, digits, an exponent.
-    std::string number;
-    auto digits = [&] {
-        const std::size_t before = number.size();
-        while (i < text.size() && text[i] >= u'0' && text[i] <= u'9')
-            number += char(text[i++].unicode());
-        return number.size() > before;
-    };
-    bool any = digits();
-    if (i < text.size() && text[i] == u'.') {
-        number += '.';
-        ++i;
-        any = digits() || any;
-    }
-    if (!any)
-        return 0.0;
-    if (i < text.size() && (text[i] == u'e' || text[i] == u'E')) {
-        const std::size_t mark = number.size();
-        const qsizetype back = i;
-        number += 'e';
-        ++i;
-        if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
-            number += char(text[i++].unicode());
-        if (!digits()) {
-            number.resize(mark);
-            i = back;
-        }
-    }
-    // strtod in the C locale: a comma locale must not cut "0.0100" at its point.
-    static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", locale_t(nullptr));
-    const double value = strtod_l(number.c_str(), nullptr, cLocale);
-    return negative ? -value : value;
-}
-
-int LeadingInt(const QString& text)
-{
-    bool negative = false;
-    qsizetype i = SkipBlanksAndSign(text, negative);
-    long long value = 0;
-    while (i < text.size() && text[i] >= u'0' && text[i] <= u'9') {
-        value = value * 10 + (text[i++].unicode() - u'0');
-        if (value > 1LL + INT_MAX)
-            value = 1LL + INT_MAX;
-    }
-    if (negative)
-        value = -value;
-    return int(std::clamp<long long>(value, INT_MIN, INT_MAX));
 }
 
 } // namespace SvrFile

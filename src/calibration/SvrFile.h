@@ -4,6 +4,7 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <cstdint>
 #include <optional>
 
 // The eleven values of a ruler data file (".svr"), as the calibration dialog
@@ -72,11 +73,16 @@ QString FactoryFileName(int magnification);
 inline constexpr int kFactoryWidth = 1280;
 inline constexpr int kFactoryHeight = 1024;
 
-// A text taken as a number: its leading decimal number (after blanks and a
-// sign), 0 when there is none. Never depends on the process locale.
-double LeadingNumber(const QString& text);
-// A text taken as an integer the plain way: blanks, sign, digits; 0 when
-// there are none; clamped to the int range.
-int LeadingInt(const QString& text);
+// Sums and differences of ruler coordinates as the file's first writer
+// computed them, wrapping instead of overflowing for the absurd lengths a
+// hand-edited file may hold.
+inline int WrapAdd(int a, int b)
+{
+    return int(std::uint32_t(a) + std::uint32_t(b));
+}
+inline int WrapSub(int a, int b)
+{
+    return int(std::uint32_t(a) - std::uint32_t(b));
+}
 
 } // namespace SvrFile

@@ -1,16 +1,12 @@
 #include "capture/CCamProcess.h"
 
 #include "capture/HResult.h"
+#include "image/ImageProcess.h"
 
 #include <cstring>
 #include <thread>
 
 namespace {
-
-std::size_t Stride(unsigned width)
-{
-    return ((std::size_t(width) * 24 + 31) / 32) * 4;
-}
 
 int Flag(int on)
 {
@@ -227,7 +223,7 @@ void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* 
         frame.unlock();
 
     if (!s.enable) {
-        const std::size_t stride = Stride(width);
+        const std::size_t stride = DibStride(width);
         for (unsigned y = 0; y < height; ++y)
             std::memcpy(dst + std::ptrdiff_t(y) * dstStep, src + std::ptrdiff_t(y) * srcStep, stride);
         return;

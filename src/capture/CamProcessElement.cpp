@@ -1,6 +1,7 @@
 #include "capture/CamProcessElement.h"
 
 #include "capture/CCamProcess.h"
+#include "image/ImageProcess.h"
 
 #include <gst/video/gstvideofilter.h>
 #include <gst/video/video.h>
@@ -37,7 +38,7 @@ GstFlowReturn TransformFrame(GstVideoFilter* filter, GstVideoFrame* in, GstVideo
     const std::ptrdiff_t outStride = GST_VIDEO_FRAME_PLANE_STRIDE(out, 0);
     const auto* src = static_cast<const uchar*>(GST_VIDEO_FRAME_PLANE_DATA(in, 0));
     auto* dst = static_cast<uchar*>(GST_VIDEO_FRAME_PLANE_DATA(out, 0));
-    const std::ptrdiff_t padded = std::ptrdiff_t(((std::size_t(width) * 24 + 31) / 32) * 4);
+    const std::ptrdiff_t padded = std::ptrdiff_t(DibStride(width));
     if (height == 0 || inStride < padded || outStride < padded) {
         // Not a layout the operations know; pass the picture on untouched.
         gst_video_frame_copy(out, in);

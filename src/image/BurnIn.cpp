@@ -1,15 +1,11 @@
 #include "image/BurnIn.h"
 
 #include "image/FCObjImage.h"
+#include "image/ImageProcess.h"
 
 #include <cstddef>
 
 namespace {
-
-std::size_t OverlayStride(int width)
-{
-    return std::size_t((width * 24 + 31) / 32) * 4;
-}
 
 void WritePixel(uchar* p, int x, int depth, uchar blue, uchar green, uchar red)
 {
@@ -53,7 +49,7 @@ void BurnInOverlay(FCObjImage& picture, const uchar* overlay, int width, int hei
 {
     if (!overlay || width <= 0 || height <= 0 || !picture.IsValidImage())
         return;
-    const std::size_t stride = OverlayStride(width);
+    const std::size_t stride = DibStride(width);
     const int depth = picture.ColorBits();
     for (int row = 0; row < height; ++row) {
         const int y = picture.Height() - 1 - row;

@@ -125,6 +125,21 @@ void EncodeLine(const uchar* line, int n, QByteArray& out)
     }
 }
 
+// True when some pixel of a picture with an alpha channel is not opaque.
+bool Translucent(const QImage& image)
+{
+    if (!image.hasAlphaChannel())
+        return false;
+    const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < argb.height(); ++y) {
+        const auto* px = reinterpret_cast<const QRgb*>(argb.constScanLine(y));
+        for (int x = 0; x < argb.width(); ++x)
+            if (qAlpha(px[x]) != 255)
+                return true;
+    }
+    return false;
+}
+
 } // namespace
 
 bool CPcxHandler::canRead(QIODevice* device)
@@ -277,6 +292,11 @@ bool CPcxHandler::write(const QImage& source)
         bits = 1;
     } else if (image.format() == QImage::Format_Indexed8 || image.format() == QImage::Format_Grayscale8) {
         image = image.convertToFormat(QImage::Format_Indexed8);
+    } else if (Translucent(image)) {
+        // A fourth plane keeps the alpha the reader takes from one; opaque
+        // pictures stay three planes, as every reader takes them.
+        image = image.convertToFormat(QImage::Format_RGBA8888);
+        planes = 4;
     } else {
         image = image.convertToFormat(QImage::Format_RGB888);
         planes = 3;
@@ -317,7 +337,7 @@ bool CPcxHandler::write(const QImage& source)
                 std::memcpy(line.data(), src, std::size_t((w * bits + 7) / 8));
             else
                 for (int x = 0; x < w; ++x)
-                    line[std::size_t(x)] = src[3 * x + p];
+                    line[std::size_t(x)] = src[planes * x + p];
             EncodeLine(line.data(), bytesPerLine, out);
         }
         if (out.size() > (1 << 20)) {

@@ -5,7 +5,8 @@
 // ZSoft PCX pictures: reads 1, 2, 4 and 8 bits in one plane, 1 bit in four
 // planes (16 colours), 8 bits in three or four planes (RGB, RGBA), RLE or
 // raw; writes 1 bit (two colours), 8 bits with the 256-colour palette at the
-// end, or 24 bits as three planes, always RLE.
+// end, or 24 bits as three planes (four, RGBA, when some pixel is not
+// opaque), always RLE.
 class CPcxHandler : public QImageIOHandler
 {
 public:

@@ -7,6 +7,7 @@
 #include <QSize>
 #include <QVariant>
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -279,36 +280,45 @@ bool CTgaHandler::write(const QImage& source)
     if (dev == nullptr || source.isNull() || source.width() > 65535 || source.height() > 65535)
         return false;
     const bool mapped = source.depth() <= 8;
-    const bool alpha = !mapped && source.hasAlphaChannel();
     const QImage image = mapped
         ? source.convertToFormat(QImage::Format_Indexed8)
-        : source.convertToFormat(alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+        : source.convertToFormat(source.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
     const int w = image.width(), hgt = image.height();
-    const int bytes = mapped ? 1 : alpha ? 4 : 3;
 
-    uchar header[kHeaderSize] = {};
     QVector<QRgb> table;
     if (mapped) {
         table = image.colorTable();
         if (table.isEmpty())
             table.append(qRgb(0, 0, 0));
+    }
+    // A colour map keeps its entries' alpha only in 32-bit entries (a
+    // transparent palette read from a file must come back transparent);
+    // opaque maps stay 24-bit, as every reader takes them.
+    const bool alpha = mapped
+        ? std::any_of(table.cbegin(), table.cend(), [](QRgb c) { return qAlpha(c) != 255; })
+        : image.hasAlphaChannel();
+    const int bytes = mapped ? 1 : alpha ? 4 : 3;
+    const int entryBytes = alpha ? 4 : 3;
+
+    uchar header[kHeaderSize] = {};
+    if (mapped) {
         header[1] = 1;
         header[2] = 1;
         PutU16(header + 5, int(table.size()));
-        header[7] = 24;
+        header[7] = uchar(entryBytes * 8);
     } else {
         header[2] = 2;
     }
     PutU16(header + 12, w);
     PutU16(header + 14, hgt);
     header[16] = uchar(bytes * 8);
-    header[17] = alpha ? 8 : 0; // bottom-up rows, left to right
+    // Bottom-up rows, left to right; a mapped picture's alpha is in its map.
+    header[17] = alpha && !mapped ? 8 : 0;
 
     QByteArray out(reinterpret_cast<const char*>(header), kHeaderSize);
     for (const QRgb c : table) {
-        out.append(char(qBlue(c)));
-        out.append(char(qGreen(c)));
-        out.append(char(qRed(c)));
+        const char entry[4] = { char(qBlue(c)), char(qGreen(c)), char(qRed(c)), char(qAlpha(c)) };
+        out.append(entry, entryBytes);
     }
     QByteArray line(w * bytes, 0);
     for (int y = hgt - 1; y >= 0; --y) {

@@ -1,6 +1,7 @@
 #include "image/FCObjImage.h"
 
 #include "image/CTgaHandler.h"
+#include "image/ImageProcess.h"
 #include "platform/AtomicFileWrite.h"
 
 #include <QBuffer>
@@ -82,7 +83,7 @@ bool FCObjImage::Create(int width, int height, int colorBits)
         m_error = QStringLiteral("Invalid picture size or depth");
         return false;
     }
-    const int pitch = int(((qint64(width) * colorBits + 31) / 32) * 4);
+    const int pitch = int(DibStride(width, colorBits));
     try {
         m_bits.assign(std::size_t(pitch) * height, 0);
     } catch (const std::bad_alloc&) {

@@ -37,7 +37,7 @@ public:
     bool HasAlpha() const { return m_hasAlpha; } // 32 bits only: the fourth byte is alpha
     void SetHasAlpha(bool alpha) { m_hasAlpha = alpha && m_colorBits == 32; }
 
-    // Bytes per row, ((width * bits + 31) / 32) * 4.
+    // Bytes per row, DibStride(width, bits).
     int GetPitch() const { return m_pitch; }
     // First byte of the buffer: the bottom row.
     uchar* GetMemStart() { return m_bits.empty() ? nullptr : m_bits.data(); }

@@ -19,11 +19,6 @@ namespace {
 
 constexpr unsigned kBandRows = 16;
 
-std::size_t Stride(unsigned width)
-{
-    return ((std::size_t(width) * 24 + 31) / 32) * 4;
-}
-
 // Copies the padded row, letting each overlay pixel that is not the key
 // replace the picture's.
 void BlendRowTo(const uchar* row, const uchar* overlay, uchar* dst, unsigned width, std::size_t stride)
@@ -120,7 +115,7 @@ void FusedProcess(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptr
 {
     if (!src || !dst || width == 0 || height == 0)
         return;
-    const std::size_t stride = Stride(width);
+    const std::size_t stride = DibStride(width);
     const unsigned above = s.sharpen ? 1 : 0;
     const unsigned below = (s.emboss ? 1 : 0) + (s.sharpen ? 1 : 0);
 

@@ -17,7 +17,7 @@ inline constexpr uchar kOverlayKey = 1;
 // src and dst hold the rows in the picture's buffer order (row 0 first, the
 // bottom row of a bottom-up picture), each row at its own step from the
 // previous one; a step may be negative (a top-down frame read bottom-up) and
-// its magnitude must be at least the padded row, ((width * 24 + 31) / 32) * 4.
+// its magnitude must be at least the padded row, DibStride(width).
 // src and dst must not overlap. overlay, when not null, is a bottom-up picture
 // of the same size with padded rows: each pixel other than kOverlayKey in all
 // three bytes replaces the result's pixel.

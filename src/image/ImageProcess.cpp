@@ -28,11 +28,6 @@ namespace {
 
 constexpr std::size_t kStackBytes = 2 * (3 * 8192 + 64);
 
-std::size_t Stride(unsigned width)
-{
-    return ((std::size_t(width) * 24 + 31) / 32) * 4;
-}
-
 bool Bad(const uchar* bits, unsigned width, unsigned height)
 {
     return bits == nullptr || width == 0 || height == 0;
@@ -256,7 +251,7 @@ struct Runs
     unsigned count;
     Runs(uchar* b, unsigned width, unsigned height)
         : bits(b)
-        , stride(Stride(width))
+        , stride(DibStride(width))
     {
         if (stride == std::size_t(width) * 3) {
             pixels = std::size_t(width) * height;
@@ -275,7 +270,7 @@ struct FlipKernel
 {
     static OCULIX_INLINE void Run(uchar* bits, unsigned width, unsigned height)
     {
-        const std::size_t stride = Stride(width);
+        const std::size_t stride = DibStride(width);
         // Swapping rows pairwise gives the bytes of a reversed copy at a third
         // of the memory traffic.
         uchar chunk[4096];
@@ -314,7 +309,7 @@ struct MirrorKernel
 
     static OCULIX_INLINE void Run(uchar* bits, unsigned width, unsigned height)
     {
-        const std::size_t stride = Stride(width);
+        const std::size_t stride = DibStride(width);
         const std::size_t bytes = std::size_t(width) * 3;
         Scratch scratch(stride);
         uchar* row = scratch.Data();
@@ -441,7 +436,7 @@ struct EmbossKernel
 
     static OCULIX_INLINE void Run(uchar* bits, unsigned width, unsigned height)
     {
-        const std::size_t stride = Stride(width);
+        const std::size_t stride = DibStride(width);
         // In place is safe: row y reads only row y + 1, which is still
         // untouched. A 64-byte block never reaches the bytes it reads, which
         // lie a whole row further on.
@@ -477,7 +472,7 @@ struct SharpenKernel
 
     static OCULIX_INLINE void Run(uchar* bits, unsigned width, unsigned height)
     {
-        const std::size_t stride = Stride(width);
+        const std::size_t stride = DibStride(width);
         // Every result reads the original picture. Rows above y are already
         // written, so the originals of rows y - 1 and y are kept aside; row
         // y + 1 is still original in place. Same bytes as a whole copy.
@@ -605,7 +600,7 @@ template <typename Kernel, typename Wide = Kernel, typename... Args> void Dispat
 // Fill the pixel bytes of every row (never the padding) with one value.
 void FillPixels(uchar* bits, unsigned width, unsigned height, uchar value)
 {
-    const std::size_t stride = Stride(width);
+    const std::size_t stride = DibStride(width);
     for (unsigned y = 0; y < height; ++y)
         std::memset(bits + y * stride, value, std::size_t(width) * 3);
 }

@@ -16,6 +16,7 @@
 #include "measure/CInputTextDlg.h"
 #include "measure/GdiPainter.h"
 #include "measure/WindowCalls.h"
+#include "platform/NumberText.h"
 
 #include <QDate>
 #include <QIODevice>
@@ -99,11 +100,6 @@ CGVLElemMgr::~CGVLElemMgr()
 std::unique_lock<std::recursive_mutex> CGVLElemMgr::Lock() const
 {
     return std::unique_lock(m_mutex);
-}
-
-std::size_t CGVLElemMgr::BitsStride(int width)
-{
-    return width <= 0 ? 0 : ((std::size_t(width) * 24 + 31) / 32) * 4;
 }
 
 int CGVLElemMgr::TypeForTool(int tool)
@@ -403,7 +399,7 @@ void CGVLElemMgr::DrawCrossLines(QPainter& dc, int width, int height)
 template <typename Draw>
 void CGVLElemMgr::RenderBits(uchar* buffer, int width, int height, uchar fill, Draw&& draw)
 {
-    const std::size_t stride = BitsStride(width);
+    const std::size_t stride = DibStride(width);
     std::memset(buffer, fill, stride * std::size_t(height));
     {
         // Drawn top-down straight into the caller's memory, then the rows are
@@ -454,7 +450,7 @@ void CGVLElemMgr::DrawToImage(uchar* buffer, int width, int height, bool element
         if (date) {
             const QDate today = QDate::currentDate();
             const QString stamp = today.isValid()
-                ? MeasureTables::FormatC("%d-%d-%d", today.year(), today.month(), today.day())
+                ? NumberText::FormatC("%d-%d-%d", today.year(), today.month(), today.day())
                 : QStringLiteral("0-0-0");
             Gdi::TextOut(dc, x, height - 40, stamp, textColor);
         }
@@ -511,7 +507,7 @@ QByteArray CGVLElemMgr::CsvBytes() const
             bytes.truncate(kCsvLineMax);
         out += bytes;
     };
-    using MeasureTables::FormatC;
+    using NumberText::FormatC;
     int number = 1;
     for (std::size_t i = 1; i < m_arShape.size(); ++i) {
         const CGVLShape& shape = *m_arShape[i];

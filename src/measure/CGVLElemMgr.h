@@ -2,6 +2,7 @@
 
 #include "calibration/CalibrationRecord.h"
 #include "calibration/ColorRecord.h"
+#include "image/ImageProcess.h"
 #include "measure/CGVLShape.h"
 
 #include <QByteArray>
@@ -67,8 +68,8 @@ public:
     void SetOrigin(const QPoint& point);
 
     void DrawAll(QPainter& dc, int width, int height);
-    // The live overlay: a bottom-up 24-bit buffer, rows padded to 4 bytes,
-    // filled with 1 before drawing, so 1,1,1 marks pixels no element covers.
+    // The live overlay: a bottom-up 24-bit buffer, rows padded to 4 bytes
+    // (DibStride(width) bytes each), filled with 1 before drawing, so 1,1,1 marks pixels no element covers.
     // Never touches a window; safe on the overlay worker.
     void DrawToBits(uchar* buffer, int width, int height);
     // The overlay of a saved picture, same layout, filled with 0 first (black
@@ -94,8 +95,6 @@ public:
     // Holds the manager's lock for direct access to fields and elements.
     [[nodiscard]] std::unique_lock<std::recursive_mutex> Lock() const;
 
-    // Bytes per row of the overlay buffers: ((width * 24 + 31) / 32) * 4.
-    static std::size_t BitsStride(int width);
     // The element type a creating tool makes, or 0 for the other tools.
     static int TypeForTool(int tool);
 

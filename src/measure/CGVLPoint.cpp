@@ -1,7 +1,7 @@
 #include "measure/CGVLPoint.h"
 
-#include "calibration/MeasureTables.h"
 #include "platform/DebugLog.h"
+#include "platform/NumberText.h"
 
 CGVLPoint::CGVLPoint(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
@@ -66,5 +66,5 @@ QString CGVLPoint::LabelText() const
 {
     if (m_arCoord.empty())
         return QString();
-    return MeasureTables::FormatC("(%d, %d)", m_arCoord[0].x(), m_arCoord[0].y());
+    return NumberText::FormatC("(%d, %d)", m_arCoord[0].x(), m_arCoord[0].y());
 }

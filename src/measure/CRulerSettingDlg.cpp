@@ -11,6 +11,7 @@
 #include "platform/AppPaths.h"
 #include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
+#include "platform/NumberText.h"
 
 #include <QComboBox>
 #include <QCoreApplication>
@@ -27,7 +28,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <utility>
 
 const QString CRulerSettingDlg::kFileFilter = QStringLiteral("Ruler Data Files(*.svr)");
@@ -58,16 +58,6 @@ int ClampCoord(int v)
     return std::clamp(v, -kCoordLimit, kCoordLimit);
 }
 
-int WrapAdd(int a, int b)
-{
-    return int(std::uint32_t(a) + std::uint32_t(b));
-}
-
-int WrapSub(int a, int b)
-{
-    return int(std::uint32_t(a) - std::uint32_t(b));
-}
-
 // Truncation toward zero that stays inside int.
 int TruncToInt(double v)
 {
@@ -79,7 +69,7 @@ int TruncToInt(double v)
 QString PerPixelText(double real, int pixels)
 {
     // Not trapped: an arm of no length shows a non-finite value.
-    return MeasureTables::FormatC("%.4f", real / pixels);
+    return NumberText::FormatC("%.4f", real / pixels);
 }
 
 void SetTextKeepingCursor(QLineEdit* edit, const QString& text)
@@ -123,8 +113,8 @@ CRulerSettingDlg::CRulerSettingDlg(IMeasureDocument& owner, QWidget* parent)
     {
         CGVLElemMgr& mgr = m_owner.GetElemMgr();
         const auto lock = mgr.Lock();
-        m_data.m_strXReal = MeasureTables::FormatC("%g", mgr.m_unit.m_dcxReal);
-        m_data.m_strYReal = MeasureTables::FormatC("%g", mgr.m_unit.m_dcyReal);
+        m_data.m_strXReal = NumberText::FormatC("%g", mgr.m_unit.m_dcxReal);
+        m_data.m_strYReal = NumberText::FormatC("%g", mgr.m_unit.m_dcyReal);
         m_data.m_nUnit = MeasureTables::ClampUnit(mgr.m_unit.m_rtUnit);
     }
     m_cbUnit->setCurrentIndex(m_data.m_nUnit);
@@ -362,15 +352,15 @@ void CRulerSettingDlg::Recompute()
         const auto [a, b] = ruler->GetArms();
         m_data.m_nXStart = a.x();
         m_data.m_nXEnd = b.x();
-        m_data.m_nXLenth = WrapSub(b.x(), a.x());
+        m_data.m_nXLenth = SvrFile::WrapSub(b.x(), a.x());
         // Upward, against the screen's y: lower left to upper right is positive.
         m_data.m_nYStart = b.y();
         m_data.m_nYEnd = a.y();
-        m_data.m_nYLenth = WrapSub(a.y(), b.y());
+        m_data.m_nYLenth = SvrFile::WrapSub(a.y(), b.y());
     }
     qCDebug(lcCalibration, "%d", m_data.m_nXLenth);
-    m_data.m_strXPerPixel = PerPixelText(SvrFile::LeadingNumber(m_data.m_strXReal), m_data.m_nXLenth);
-    m_data.m_strYPerPixel = PerPixelText(SvrFile::LeadingNumber(m_data.m_strYReal), m_data.m_nYLenth);
+    m_data.m_strXPerPixel = PerPixelText(NumberText::LeadingReal(m_data.m_strXReal), m_data.m_nXLenth);
+    m_data.m_strYPerPixel = PerPixelText(NumberText::LeadingReal(m_data.m_strYReal), m_data.m_nYLenth);
     UpdateData(false);
 }
 
@@ -379,9 +369,9 @@ void CRulerSettingDlg::OnRealEdited(bool x)
     UpdateData(true);
     // The ruler is not read again: the stored length serves.
     if (x)
-        m_data.m_strXPerPixel = PerPixelText(SvrFile::LeadingNumber(m_data.m_strXReal), m_data.m_nXLenth);
+        m_data.m_strXPerPixel = PerPixelText(NumberText::LeadingReal(m_data.m_strXReal), m_data.m_nXLenth);
     else
-        m_data.m_strYPerPixel = PerPixelText(SvrFile::LeadingNumber(m_data.m_strYReal), m_data.m_nYLenth);
+        m_data.m_strYPerPixel = PerPixelText(NumberText::LeadingReal(m_data.m_strYReal), m_data.m_nYLenth);
     UpdateData(false);
 }
 
@@ -390,10 +380,10 @@ void CRulerSettingDlg::Commit()
     Recompute();
     CalibrationRecord unit;
     unit.m_rtUnit = MeasureTables::ClampUnit(m_cbUnit->currentIndex());
-    unit.m_dcxPerPixel = SvrFile::LeadingNumber(m_data.m_strXPerPixel);
-    unit.m_dcyPerPixel = SvrFile::LeadingNumber(m_data.m_strYPerPixel);
-    unit.m_dcxReal = SvrFile::LeadingNumber(m_data.m_strXReal);
-    unit.m_dcyReal = SvrFile::LeadingNumber(m_data.m_strYReal);
+    unit.m_dcxPerPixel = NumberText::LeadingReal(m_data.m_strXPerPixel);
+    unit.m_dcyPerPixel = NumberText::LeadingReal(m_data.m_strYPerPixel);
+    unit.m_dcxReal = NumberText::LeadingReal(m_data.m_strXReal);
+    unit.m_dcyReal = NumberText::LeadingReal(m_data.m_strYReal);
     CGVLElemMgr& mgr = m_owner.GetElemMgr();
     {
         const auto lock = mgr.Lock();
@@ -480,7 +470,7 @@ void CRulerSettingDlg::OnYEqualX()
     m_data.m_strYPerPixel = m_data.m_strXPerPixel;
     m_data.m_strYReal = m_data.m_strXReal;
     m_data.m_nYLenth = m_data.m_nXLenth;
-    m_data.m_nYEnd = WrapAdd(m_data.m_nYStart, m_data.m_nXLenth);
+    m_data.m_nYEnd = SvrFile::WrapAdd(m_data.m_nYStart, m_data.m_nXLenth);
     UpdateData(false);
     MoveRuler(QPoint(m_data.m_nXStart, m_data.m_nYEnd), QPoint(m_data.m_nXEnd, m_data.m_nYStart));
     Recompute();
@@ -583,14 +573,14 @@ void CRulerSettingDlg::LoadDefault()
             frame = QSize(SvrFile::kFactoryWidth, SvrFile::kFactoryHeight);
         const double sx = double(SvrFile::kFactoryWidth) / frame.width();
         const double sy = double(SvrFile::kFactoryHeight) / frame.height();
-        m_data.m_strXPerPixel = MeasureTables::FormatC(
-            "%.4f", SvrFile::LeadingNumber(m_data.m_strXReal) / m_data.m_nXLenth / sx);
+        m_data.m_strXPerPixel
+            = NumberText::FormatC("%.4f", NumberText::LeadingReal(m_data.m_strXReal) / m_data.m_nXLenth / sx);
         m_data.m_nXLenth = TruncToInt(m_data.m_nXLenth / sx);
-        m_data.m_strYPerPixel = MeasureTables::FormatC(
-            "%.4f", SvrFile::LeadingNumber(m_data.m_strYReal) / m_data.m_nYLenth / sy);
+        m_data.m_strYPerPixel
+            = NumberText::FormatC("%.4f", NumberText::LeadingReal(m_data.m_strYReal) / m_data.m_nYLenth / sy);
         m_data.m_nYLenth = TruncToInt(m_data.m_nYLenth / sy);
-        m_data.m_nXEnd = WrapAdd(m_data.m_nXStart, m_data.m_nXLenth);
-        m_data.m_nYEnd = WrapAdd(m_data.m_nYStart, m_data.m_nYLenth);
+        m_data.m_nXEnd = SvrFile::WrapAdd(m_data.m_nXStart, m_data.m_nXLenth);
+        m_data.m_nYEnd = SvrFile::WrapAdd(m_data.m_nYStart, m_data.m_nYLenth);
         UpdateData(false);
         UpdateUnitLabels();
         MoveRuler(QPoint(m_data.m_nXStart, m_data.m_nYEnd), QPoint(m_data.m_nXEnd, m_data.m_nYStart));

@@ -2,6 +2,7 @@
 
 #include "platform/AtomicFileWrite.h"
 #include "platform/CIniDocument.h"
+#include "platform/NumberText.h"
 
 #include <QDir>
 #include <QFile>
@@ -97,18 +98,7 @@ unsigned GetPrivateProfileInt(const QString& section, const QString& key, int de
     const QString text = GetPrivateProfileString(section, key, QString(), file);
     if (text.isEmpty())
         return static_cast<unsigned>(def);
-    qsizetype i = 0;
-    while (i < text.size() && (text[i] == u' ' || text[i] == u'\t'))
-        ++i;
-    bool negative = false;
-    if (i < text.size() && (text[i] == u'-' || text[i] == u'+')) {
-        negative = text[i] == u'-';
-        ++i;
-    }
-    unsigned value = 0; // unsigned arithmetic gives the platform's wrap modulo 2^32
-    for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9'; ++i)
-        value = value * 10u + static_cast<unsigned>(text[i].unicode() - u'0');
-    return negative ? 0u - value : value;
+    return NumberText::LeadingIntWrapped(text); // the platform's wrap modulo 2^32
 }
 
 bool WritePrivateProfileString(

@@ -1,11 +1,7 @@
 #include "platform/SettingsKeys.h"
 
+#include "platform/NumberText.h"
 #include "platform/PrivateProfile.h"
-
-#include <charconv>
-#include <cmath>
-#include <iterator>
-#include <string>
 
 namespace SettingsKeys {
 
@@ -15,11 +11,6 @@ Key Indexed(const char* pattern, int index, const char* def)
 {
     return { QStringLiteral("RGBGAIN"), QString::fromLatin1(pattern).arg(index), Format::String, 0,
         QString::fromLatin1(def) };
-}
-
-bool IsCSpace(char c)
-{
-    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
 }
 
 } // namespace
@@ -57,7 +48,8 @@ QString ReadString(const Key& key, const QString& file)
 
 double ReadReal(const Key& key, const QString& file)
 {
-    return ScanReal(ReadString(key, file), ScanReal(key.m_textDefault, 0.0));
+    const float fallback = NumberText::LeadingFloat(key.m_textDefault).value_or(0.0f);
+    return NumberText::LeadingFloat(ReadString(key, file)).value_or(fallback);
 }
 
 QSize ReadCameraSize(const CameraSection& camera, const QString& file)
@@ -84,44 +76,7 @@ bool WriteString(const Key& key, const QString& value, const QString& file)
 
 QString FormatReal(double value)
 {
-    // to_chars ignores the C locale, which a Qt program sets from the
-    // environment (a German desktop would otherwise write "0,12").
-    char buffer[512];
-    const auto result
-        = std::to_chars(std::begin(buffer), std::end(buffer), value, std::chars_format::fixed, 2);
-    return QString::fromLatin1(buffer, result.ptr - buffer);
-}
-
-double ScanReal(const QString& text, double fallback)
-{
-    const std::string s = text.toStdString();
-    const char* p = s.data();
-    const char* const end = p + s.size();
-    while (p != end && IsCSpace(*p))
-        ++p;
-    bool negative = false;
-    if (p != end && (*p == '+' || *p == '-')) {
-        negative = *p == '-';
-        ++p;
-    }
-    if (p == end || *p == '+' || *p == '-')
-        return fallback;
-    float value = 0;
-    const auto result = std::from_chars(p, end, value, std::chars_format::general);
-    if (result.ec == std::errc::result_out_of_range) {
-        // Too small for a float: the scan gives zero or a denormal. Too
-        // large: no calibration can use it.
-        double wide = 0;
-        std::from_chars(p, end, wide, std::chars_format::general);
-        if (!(std::fabs(wide) < 1.0))
-            return fallback;
-        value = static_cast<float>(wide);
-    } else if (result.ec != std::errc()) {
-        return fallback;
-    }
-    if (!std::isfinite(value))
-        return fallback;
-    return negative ? -static_cast<double>(value) : static_cast<double>(value);
+    return NumberText::FormatC("%.2f", value);
 }
 
 const QList<Key>& DocumentWriteOrder()

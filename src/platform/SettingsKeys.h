@@ -127,9 +127,6 @@ bool WriteString(const Key& key, const QString& value, const QString& file);
 
 // "%.2f" with a period: 0.123 gives "0.12", 0.004 gives "0.00".
 QString FormatReal(double value);
-// The value of text scanned as "%f" into a float; the fallback for text that
-// is not a finite number.
-double ScanReal(const QString& text, double fallback);
 
 // The keys a document reads when it is created and writes when it is
 // destroyed: "Video", "Process", "Measure".

@@ -1,13 +1,11 @@
 #include "calibration/SvrFile.h"
 
 #include "TestFiles.h"
+#include "platform/NumberText.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
-#include <climits>
-#include <cmath>
 #include <gtest/gtest.h>
 
 using namespace SvrFile;
@@ -116,19 +114,14 @@ TEST(SvrFile, HugeFilesAreReadOnlyAsFarAsTheirFirstLines)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("huge.svr"));
-    // `head`, then 64 MiB of `fill`.
-    const auto write = [&](const QByteArray& head, char fill) {
-        QFile file(path);
-        bool written = file.open(QIODevice::WriteOnly) && file.write(head) == head.size();
-        for (int i = 0; i < 64; ++i)
-            written = written && file.write(QByteArray(1 << 20, fill)) == 1 << 20;
-        return written;
-    };
+    // `head`, then 1 MiB of `fill`: far more than the eleven longest lines.
+    const auto write
+        = [&](const QByteArray& head, char fill) { return WriteAll(path, head + QByteArray(1 << 20, fill)); };
     SvrData read;
     ASSERT_TRUE(write(ToBytes(Sample()), '\0'));
     EXPECT_EQ(Read(path, read), Status::Ok);
     EXPECT_EQ(read, Sample().Normalized());
-    ASSERT_TRUE(write({}, '5')); // one line of 64 MiB
+    ASSERT_TRUE(write({}, '5')); // one line of 1 MiB
     EXPECT_EQ(Read(path, read), Status::NotRulerData);
 }
 
@@ -139,23 +132,6 @@ TEST(SvrFile, SaveNameCutsAnExactSvrExtension)
     EXPECT_EQ(SaveName(QStringLiteral("a.SVR")), "a.SVR");
     EXPECT_EQ(SaveName(QStringLiteral("a")), "a");
     EXPECT_EQ(SaveName(QStringLiteral(".svr")), "");
-}
-
-TEST(SvrFile, TextsAsNumbersTakeTheLeadingDecimalNumber)
-{
-    const std::pair<const char*, double> reals[]
-        = { { "0.0100\r", 0.01 }, { "  -2.5mm", -2.5 }, { "+.5", 0.5 }, { "3.", 3.0 }, { "1e2x", 100.0 },
-              { "1e", 1.0 }, { "1e-999", 0.0 }, { "2,5", 2.0 }, { "", 0.0 }, { "abc", 0.0 }, { ".", 0.0 },
-              { "-", 0.0 }, { "inf", 0.0 }, { "nan", 0.0 }, { "0x10", 0.0 } };
-    for (const auto& [text, value] : reals)
-        EXPECT_EQ(LeadingNumber(QString::fromLatin1(text)), value) << text;
-    EXPECT_TRUE(std::isinf(LeadingNumber(QStringLiteral("1e999"))));
-
-    const std::pair<const char*, int> ints[]
-        = { { " \t-12abc", -12 }, { "+7", 7 }, { "923\r", 923 }, { "2.9", 2 }, { "x1", 0 },
-              { "99999999999999999999", INT_MAX }, { "-99999999999999999999", INT_MIN } };
-    for (const auto& [text, value] : ints)
-        EXPECT_EQ(LeadingInt(QString::fromLatin1(text)), value) << text;
 }
 
 TEST(SvrFile, FactoryFilesAreEachObjectivesCalibrationForTheFactoryFrame)
@@ -175,9 +151,10 @@ TEST(SvrFile, FactoryFilesAreEachObjectivesCalibrationForTheFactoryFrame)
         EXPECT_EQ(d.m_nUnit, 0) << "um";
         EXPECT_LT(d.m_nXEnd, kFactoryWidth);
         EXPECT_LT(d.m_nYEnd, kFactoryHeight);
-        const double x = LeadingNumber(d.m_strXReal) / d.m_nXLenth;
+        const double x = NumberText::LeadingReal(d.m_strXReal) / d.m_nXLenth;
         EXPECT_EQ(d.m_strXPerPixel, QString::number(x, 'f', 4));
-        EXPECT_EQ(d.m_strYPerPixel, QString::number(LeadingNumber(d.m_strYReal) / d.m_nYLenth, 'f', 4));
+        EXPECT_EQ(
+            d.m_strYPerPixel, QString::number(NumberText::LeadingReal(d.m_strYReal) / d.m_nYLenth, 'f', 4));
         EXPECT_LT(x, previous) << "a stronger objective, smaller pixels";
         previous = x;
     }

@@ -91,7 +91,7 @@ TEST_F(Recording, PlaysWithSizeCodecAndFramesOfItsDurationAndCarriesTheShapes)
     mgr.OnMouseMove(1, { 280, 60 }, 2);
     mgr.OnLButtonUp(0, { 280, 60 }, 2);
     ASSERT_EQ(mgr.m_arShape.size(), 2u) << "the ruler and the line";
-    shapes.resize(CGVLElemMgr::BitsStride(320) * 240);
+    shapes.resize(DibStride(320) * 240);
     mgr.DrawToBits(shapes.data(), 320, 240);
     overlay = shapes.data();
     ASSERT_EQ(graph.SetOverlay(1, &overlay), S_OK);

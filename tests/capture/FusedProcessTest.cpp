@@ -9,15 +9,10 @@
 
 namespace {
 
-std::size_t Stride(unsigned width)
-{
-    return ((std::size_t(width) * 24 + 31) / 32) * 4;
-}
-
 std::vector<uchar> RandomPicture(unsigned width, unsigned height, unsigned seed)
 {
     std::mt19937 rng(seed);
-    std::vector<uchar> bits(Stride(width) * height);
+    std::vector<uchar> bits(DibStride(width) * height);
     for (uchar& b : bits)
         b = uchar(rng());
     // Some flat areas, so that emboss and sharpen meet equal neighbours.
@@ -53,7 +48,7 @@ std::vector<uchar> Fused(const std::vector<uchar>& picture, unsigned w, unsigned
     const uchar* overlay = nullptr)
 {
     std::vector<uchar> out(picture.size(), 0xEE);
-    const auto stride = std::ptrdiff_t(Stride(w));
+    const auto stride = std::ptrdiff_t(DibStride(w));
     FusedProcess(picture.data(), stride, out.data(), stride, w, h, s, overlay);
     return out;
 }
@@ -109,7 +104,7 @@ TEST(FusedProcess, ReadsAndWritesRowsInAnyOrderAndStride)
 {
     const unsigned w = 37;
     const unsigned h = 70;
-    const std::size_t stride = Stride(w);
+    const std::size_t stride = DibStride(w);
     const std::vector<uchar> picture = RandomPicture(w, h, 7);
     const ProcessSwitches s = FromMask(0xFF);
     const std::vector<uchar> expected = StillChain(picture, w, h, s);
@@ -135,7 +130,7 @@ TEST(FusedProcess, OverlayPixelsOtherThanTheKeyReplaceTheResult)
 {
     const unsigned w = 45;
     const unsigned h = 40;
-    const std::size_t stride = Stride(w);
+    const std::size_t stride = DibStride(w);
     const std::vector<uchar> picture = RandomPicture(w, h, 3);
     std::vector<uchar> overlay(stride * h, kOverlayKey);
     std::mt19937 rng(11);

@@ -34,7 +34,7 @@ int main(int argc, char** argv)
         return 1;
     }
     const int w = 160, h = 60;
-    std::vector<uchar> bits(CGVLElemMgr::BitsStride(w) * h);
+    std::vector<uchar> bits(DibStride(w) * h);
     mgr.DrawToBits(bits.data(), w, h);
     int drawn = 0;
     for (uchar b : bits)

@@ -1,6 +1,7 @@
 #include "image/BurnIn.h"
 
 #include "image/FCObjImage.h"
+#include "image/ImageProcess.h"
 
 #include <gtest/gtest.h>
 #include <vector>
@@ -12,7 +13,7 @@ struct Overlay
 {
     Overlay(int w, int h)
         : height(h)
-        , stride(((w * 24 + 31) / 32) * 4)
+        , stride(DibStride(w))
         , bits(std::size_t(stride) * h, 0)
     {
     }

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <random>
 #include <string>
 #include <tuple>
@@ -22,14 +23,9 @@ namespace {
 using Bytes = std::vector<uchar>;
 using Plain = std::function<void(Bytes&, unsigned, unsigned)>;
 
-std::size_t StrideOf(unsigned width)
-{
-    return ((std::size_t(width) * 24 + 31) / 32) * 4;
-}
-
 Bytes Noise(unsigned width, unsigned height, unsigned seed)
 {
-    Bytes b(StrideOf(width) * height);
+    Bytes b(DibStride(width) * height);
     std::mt19937 rng(seed);
     for (auto& v : b)
         v = uchar(rng());
@@ -59,12 +55,12 @@ void EachPixel(Bytes& b, unsigned w, unsigned h, const std::function<void(uchar*
 {
     for (unsigned y = 0; y < h; ++y)
         for (unsigned x = 0; x < w; ++x)
-            f(&b[y * StrideOf(w) + 3 * x]);
+            f(&b[y * DibStride(w) + 3 * x]);
 }
 
 void PlainFlip(Bytes& b, unsigned w, unsigned h)
 {
-    const std::size_t s = StrideOf(w);
+    const std::size_t s = DibStride(w);
     Bytes copy(b.size());
     for (unsigned i = 0; i < h; ++i)
         std::memcpy(&copy[i * s], &b[(h - 1 - i) * s], s);
@@ -73,7 +69,7 @@ void PlainFlip(Bytes& b, unsigned w, unsigned h)
 
 void PlainMirror(Bytes& b, unsigned w, unsigned h)
 {
-    const std::size_t s = StrideOf(w);
+    const std::size_t s = DibStride(w);
     Bytes out(b.size(), 0);
     for (unsigned y = 0; y < h; ++y)
         for (unsigned x = 0; x < w; ++x)
@@ -100,7 +96,7 @@ void PlainNegative(Bytes& b, unsigned w, unsigned h)
 
 void PlainEmboss(Bytes& b, unsigned w, unsigned h)
 {
-    const std::size_t s = StrideOf(w);
+    const std::size_t s = DibStride(w);
     for (unsigned y = 0; y + 1 < h; ++y) {
         for (unsigned x = 0; x + 1 < w; ++x)
             for (unsigned c = 0; c < 3; ++c) {
@@ -116,7 +112,7 @@ void PlainEmboss(Bytes& b, unsigned w, unsigned h)
 
 void PlainSharpen(Bytes& b, unsigned w, unsigned h)
 {
-    const std::size_t s = StrideOf(w);
+    const std::size_t s = DibStride(w);
     const Bytes copy = b;
     for (unsigned y = 1; y + 1 < h; ++y)
         for (unsigned x = 1; x + 1 < w; ++x)
@@ -180,25 +176,30 @@ TEST(ImageProcess, EveryOperationMatchesItsPlainDefinitionIncludingPadding)
     }
 }
 
-// All 2^24 colours: the integer model of the float gray must agree everywhere.
+// All 2^24 colours, one red value at a time: the integer model of the float
+// gray must agree everywhere.
 TEST(ImageProcess, GrayAndBinaryAgreeWithTheFloatTablesForEveryColour)
 {
-    const unsigned w = 65536, h = 256; // one row per red value; stride has no padding
-    Bytes all(std::size_t(w) * 3 * h);
-    for (std::size_t i = 0; i < std::size_t(w) * h; ++i) {
-        all[3 * i] = uchar(i), all[3 * i + 1] = uchar(i >> 8), all[3 * i + 2] = uchar(i >> 16);
-    }
-    for (int t : { 0, 1, 100, 181 }) { // 0: gray, else binary at t
-        Bytes out = all;
-        ASSERT_EQ(t ? Binary(out.data(), w, h, t) : Gray(out.data(), w, h), 0);
-        std::size_t wrong = 0;
-        for (std::size_t i = 0; i < out.size(); i += 3) {
-            const int gray = kGray.Of(&all[i]);
-            const uchar want = t == 0 ? uchar(gray) : gray < t ? 0 : 255;
-            wrong += out[i] != want || out[i + 1] != want || out[i + 2] != want;
+    const unsigned w = 256, h = 256; // blue by column, green by row; stride has no padding
+    const int thresholds[] = { 0, 1, 100, 181 }; // 0: gray, else binary at t
+    std::size_t wrong[std::size(thresholds)] = {};
+    Bytes all(std::size_t(w) * 3 * h), out;
+    for (unsigned red = 0; red < 256; ++red) {
+        for (std::size_t i = 0; i < std::size_t(w) * h; ++i)
+            all[3 * i] = uchar(i), all[3 * i + 1] = uchar(i >> 8), all[3 * i + 2] = uchar(red);
+        for (std::size_t k = 0; k < std::size(thresholds); ++k) {
+            const int t = thresholds[k];
+            out = all;
+            ASSERT_EQ(t ? Binary(out.data(), w, h, t) : Gray(out.data(), w, h), 0);
+            for (std::size_t i = 0; i < out.size(); i += 3) {
+                const int gray = kGray.Of(&all[i]);
+                const uchar want = t == 0 ? uchar(gray) : gray < t ? 0 : 255;
+                wrong[k] += out[i] != want || out[i + 1] != want || out[i + 2] != want;
+            }
         }
-        EXPECT_EQ(wrong, 0u) << "threshold " << t;
     }
+    for (std::size_t k = 0; k < std::size(thresholds); ++k)
+        EXPECT_EQ(wrong[k], 0u) << "threshold " << thresholds[k];
 }
 
 // The kernels exist once per instruction set; run the checks above again on

@@ -129,7 +129,7 @@ TEST_F(MgrFixture, DeleteToolRemovesEveryElementUnderThePressAndDeleteByIdRefuse
 TEST_F(MgrFixture, DrawToBitsFillsWithKeyOneBottomUpWithPaddedRows)
 {
     std::vector<uchar> small(16 * 3, 0xAB); // width 5: 15 bytes of pixels, 1 of padding
-    ASSERT_EQ(CGVLElemMgr::BitsStride(5), 16u);
+    ASSERT_EQ(DibStride(5), 16u);
     mgr.DrawToBits(small.data(), 5, 3);
     EXPECT_EQ(small, std::vector<uchar>(16 * 3, 1));
 

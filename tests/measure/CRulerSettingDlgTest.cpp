@@ -5,6 +5,7 @@
 #include "measure/FakeMeasureDocument.h"
 #include "platform/AppPaths.h"
 #include "platform/MessageBox.h"
+#include "platform/NumberText.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -21,7 +22,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 
-using SvrFile::LeadingNumber;
+using NumberText::LeadingReal;
 
 namespace {
 
@@ -171,8 +172,8 @@ TEST_F(DialogFixture, OkCancelAndEscapeAllCommitAndClose)
         Dlg().show();
         Type("xReal", real);
         close();
-        return !Dlg().isVisible() && doc.mgr.m_unit.m_dcxReal == LeadingNumber(QString::fromLatin1(real))
-            && doc.mgr.m_unit.m_dcxPerPixel == LeadingNumber(QString::fromLatin1(real)) / 200;
+        return !Dlg().isVisible() && doc.mgr.m_unit.m_dcxReal == LeadingReal(QString::fromLatin1(real))
+            && doc.mgr.m_unit.m_dcxPerPixel == LeadingReal(QString::fromLatin1(real)) / 200;
     };
     EXPECT_TRUE(closeWith("4", [&] { Click("cancel"); })) << "Cancel keeps the new calibration";
     EXPECT_TRUE(closeWith("6", [&] { Click("ok"); }));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CommaLocale.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/GdiPainter.h"
 #include "measure/WindowCalls.h"
@@ -98,7 +99,7 @@ struct Bits
     Bits(int width, int height)
         : width(width)
         , height(height)
-        , stride(CGVLElemMgr::BitsStride(width))
+        , stride(DibStride(width))
         , data(stride * std::size_t(height), 0xAB)
     {
     }
@@ -194,30 +195,6 @@ inline QByteArray ExportCsv(CGVLElemMgr& mgr, bool semicolon = false)
     buffer.open(QIODevice::WriteOnly);
     semicolon ? mgr.WriteCsvSemicolon(buffer) : mgr.WriteCsv(buffer);
     return buffer.data();
-}
-
-// Switches LC_NUMERIC to a decimal comma: German when it is installed, else
-// a locale of that one category compiled on the spot (quick, and needs no
-// locale sources). False when neither can be had.
-inline bool UseCommaLocale()
-{
-    if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8"))
-        return true;
-    static QTemporaryDir dir; // the compiled locale is loaded from here
-    QFile source(dir.filePath("comma.src"));
-    if (!dir.isValid() || !source.open(QIODevice::WriteOnly))
-        return false;
-    source.write("LC_NUMERIC\ndecimal_point \"<U002C>\"\nthousands_sep \"\"\ngrouping -1\nEND LC_NUMERIC\n");
-    source.close();
-    // -c: the other categories are left out on purpose; it warns about each.
-    QProcess localedef;
-    localedef.setStandardOutputFile(QProcess::nullDevice());
-    localedef.setStandardErrorFile(QProcess::nullDevice());
-    localedef.start(
-        "localedef", { "-c", "-i", source.fileName(), "-f", "ANSI_X3.4-1968", dir.filePath("comma") });
-    localedef.waitForFinished();
-    setenv("LOCPATH", QFile::encodeName(dir.path()).constData(), 1);
-    return std::setlocale(LC_NUMERIC, "comma") != nullptr;
 }
 
 // A line made by hand, point 0 first.

@@ -18,7 +18,7 @@ struct OverlayWorker
 {
     explicit OverlayWorker(CGVLElemMgr& mgr)
         : thread([this, &mgr] {
-            std::vector<uchar> buffer(CGVLElemMgr::BitsStride(320) * 240);
+            std::vector<uchar> buffer(DibStride(320) * 240);
             while (!stop.load()) {
                 mgr.DrawToBits(buffer.data(), 320, 240);
                 passes.fetch_add(1);

@@ -3,12 +3,8 @@
 #include "TestFiles.h"
 #include "platform/PrivateProfile.h"
 
-#include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
-#include <clocale>
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 using namespace SettingsKeys;
@@ -21,12 +17,6 @@ TEST(SettingsKeys, RealsKeepTwoDecimalsAndFloatPrecision)
     EXPECT_EQ(FormatReal(0.004), "0.00");
     EXPECT_EQ(FormatReal(2.675), "2.67"); // the double lies just below 2.675, as printf sees it
 
-    const std::pair<const char*, double> scans[] = { { " 1.5mm", 1.5 }, { "+2", 2.0 }, { "-0.25", -0.25 },
-        { ".5", 0.5 }, { "1e-50", 0.0 }, { "abc", -7.0 }, { "", -7.0 }, { "--1", -7.0 }, { "1e50", -7.0 },
-        { "nan", -7.0 }, { "0.1", double(0.1f) } };
-    for (const auto& [text, expected] : scans)
-        EXPECT_EQ(ScanReal(text, -7.0), expected) << text;
-
     QTemporaryDir dir;
     const QString file = dir.filePath(QStringLiteral("Setting.ini"));
     ASSERT_TRUE(WriteReal(MeasureXPerPixel, 0.123, file));
@@ -34,32 +24,6 @@ TEST(SettingsKeys, RealsKeepTwoDecimalsAndFloatPrecision)
     EXPECT_EQ(ReadReal(MeasureXPerPixel, file), double(0.12f));
     ASSERT_TRUE(WriteString(MeasureYPerPixel, QStringLiteral("garbage"), file));
     EXPECT_EQ(ReadReal(MeasureYPerPixel, file), double(0.2f));
-}
-
-// A Qt program takes LC_NUMERIC from the desktop; a German one must still
-// write and read "0.50".
-TEST(SettingsKeys, RealsIgnoreTheNumericLocale)
-{
-    QTemporaryDir dir;
-    const QByteArray saved = setlocale(LC_NUMERIC, nullptr);
-    if (!setlocale(LC_NUMERIC, "de_DE.UTF-8")) {
-        const QString locales = dir.path();
-        QProcess::execute(QStringLiteral("localedef"),
-            { "-i", "de_DE", "-f", "UTF-8", locales + QStringLiteral("/de_DE.UTF-8") });
-        setenv("LOCPATH", locales.toLocal8Bit().constData(), 1);
-        const bool ok = setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
-        unsetenv("LOCPATH");
-        if (!ok)
-            GTEST_SKIP() << "no German locale available";
-    }
-    char probe[16];
-    snprintf(probe, sizeof probe, "%.1f", 0.5);
-    const QString formatted = FormatReal(0.5);
-    const double scanned = ScanReal(QStringLiteral("0.75"), 0.0);
-    setlocale(LC_NUMERIC, saved.constData());
-    EXPECT_STREQ(probe, "0,5") << "the locale did not take effect";
-    EXPECT_EQ(formatted, "0.50");
-    EXPECT_EQ(scanned, 0.75);
 }
 
 // A fresh installation reads the defaults and writes them, with the values
