@@ -2,6 +2,7 @@
 
 #include "image/CTgaHandler.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
@@ -508,15 +509,26 @@ bool FCObjImage::Save(const QString& path) const
     QImage image = ToQImage();
     if (m_colorBits == 16 || (m_colorBits == 4 && format == "bmp"))
         image = image.convertToFormat(m_colorBits == 16 ? QImage::Format_RGB32 : QImage::Format_Indexed8);
+    // Encoded in memory, then written in one checked write: some codecs
+    // (TIFF) ignore a short write, and QSaveFile takes a short write for
+    // success, so a full disk would otherwise leave a cut-off file.
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, format);
+    if (!writer.write(image)) {
+        m_error = QStringLiteral("%1: %2").arg(path, writer.errorString());
+        return false;
+    }
     // A failed or interrupted write leaves any earlier file untouched.
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         m_error = QStringLiteral("%1: %2").arg(path, file.errorString());
         return false;
     }
-    QImageWriter writer(&file, format);
-    if (!writer.write(image)) {
-        m_error = QStringLiteral("%1: %2").arg(path, writer.errorString());
+    if (file.write(bytes) != bytes.size()) {
+        m_error = QStringLiteral("%1: %2").arg(path,
+            file.error() != QFileDevice::NoError ? file.errorString() : QStringLiteral("the disk is full"));
         file.cancelWriting();
         return false;
     }

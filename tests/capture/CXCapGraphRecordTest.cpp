@@ -1,4 +1,5 @@
 #include "CaptureTestSupport.h"
+#include "VideoProbe.h"
 #include "image/FusedProcess.h"
 #include "measure/CGVLElemMgr.h"
 
@@ -14,24 +15,6 @@
 namespace {
 
 const QString kCamera = QStringLiteral("Record Camera");
-
-// What ffprobe finds in the file, counting the frames it can decode: empty
-// when the file does not play.
-QMap<QString, QString> ProbeVideo(const QString& file)
-{
-    QProcess ffprobe;
-    ffprobe.start(QStringLiteral("ffprobe"),
-        QStringLiteral("-v error -count_frames -select_streams v:0 -show_entries "
-                       "stream=codec_name,width,height,nb_read_frames,avg_frame_rate -of default=nw=1")
-                .split(' ')
-            << file);
-    QMap<QString, QString> found;
-    if (ffprobe.waitForFinished(30000) && ffprobe.exitCode() == 0)
-        for (const QString& line : QString::fromUtf8(ffprobe.readAllStandardOutput()).split('\n'))
-            if (line.contains('='))
-                found[line.section('=', 0, 0)] = line.section('=', 1);
-    return found;
-}
 
 // One decoded frame of the file as top-down RGB.
 QByteArray DecodeFrame(const QString& file, int index)
