@@ -32,6 +32,7 @@ const CommandInfo kCommands[] = {
     { ID_PROCESS_EMBOSS, CMD("&Emboss"), CMD("Emboss image"), ":/icons/emboss.svg", true },
     { ID_PROCESS_SHARPEN, CMD("&Sharpen"), CMD("Sharpen image"), ":/icons/sharpen.svg", true },
     { ID_PROCESS_BINARY, CMD("&Binary"), CMD("Binary image"), ":/icons/binary.svg", false },
+    { ID_PROCESS_RGB, CMD("&Rgb"), CMD("Rgb adjustment"), ":/icons/rgb.svg", false },
     { ID_MEASURE_MOVE, CMD("Mo&ve"), CMD("Move elements"), ":/icons/move.svg", true },
     { ID_MEASURE_POINT, "", "", ":/icons/point.svg", true, CMD("Point") },
     { ID_MEASURE_LINE, CMD("&Line"), CMD("Draw line"), ":/icons/line.svg", true },
@@ -61,6 +62,7 @@ const CommandInfo kCommands[] = {
     { ID_CAMERA_CAPTURE, "", CMD("Capture picture to an active view"), ":/icons/capture.svg", false },
     { ID_CAMERA_PREVIEW, "", CMD("Preview camera device"), ":/icons/preview.svg", false },
     { ID_CAMERA_PAUSE, "", CMD("Pause the camera video"), ":/icons/pause.svg", false },
+    { ID_CAMERA_RECORD, "", CMD("Record camera video to file"), ":/icons/record.svg", false },
     { ID_ZOOM, "", CMD("Zoom display"), nullptr, false },
     { ID_WINDOW_CASCADE, CMD("&Cascade"), "", nullptr, false },
     { ID_WINDOW_TILE_HORZ, CMD("Tile &Horizontal"), "", nullptr, false },
@@ -77,7 +79,7 @@ constexpr std::array kMeasureMenu { ID_MEASURE_MOVE, S, ID_MEASURE_LINE, ID_MEAS
     ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_MEASURE_CALIBRATION,
     ID_MEASURE_SETTING, ID_MEASURE_EXPORT };
 constexpr std::array kProcessMenu { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_PROCESS_FLIP, S,
-    ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY };
+    ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY, ID_PROCESS_RGB };
 constexpr std::array kVideoMenu { ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES,
     ID_VIDEO_ADJUST };
 constexpr std::array kWindowMenu { ID_WINDOW_CASCADE, ID_WINDOW_TILE_HORZ, ID_WINDOW_TILE_VERT };
@@ -94,13 +96,13 @@ const MenuInfo kMenus[] = {
 };
 
 constexpr std::array kStandardBar { ID_FILE_NEW, ID_FILE_OPEN, S, ID_CAMERA_CAPTURE, ID_CAMERA_PREVIEW,
-    ID_CAMERA_PAUSE, ID_CAMERA_FULLSCREEN, S, ID_ZOOM };
+    ID_CAMERA_PAUSE, ID_CAMERA_FULLSCREEN, ID_CAMERA_RECORD, S, ID_ZOOM };
 constexpr std::array kMeasureBar { ID_MEASURE_MOVE, S, ID_MEASURE_POINT, ID_MEASURE_LINE, ID_MEASURE_ANGLE,
     ID_MEASURE_RECT, ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S,
     ID_MEASURE_ARROW, ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_VIEW_CROSSLINE,
     ID_VIEW_DASHED_CROSSLINE, S, ID_MEASURE_CALIBRATION, ID_MEASURE_SETTING, ID_MEASURE_EXPORT };
 constexpr std::array kProcessBar { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_PROCESS_FLIP, S,
-    ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY, S,
+    ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY, ID_PROCESS_RGB, S,
     ID_VIDEO_ADJUST };
 
 #define BAR(text) QT_TRANSLATE_NOOP("ToolBar", text)

@@ -1,8 +1,8 @@
 #include "measure/CGVLWnd.h"
 
-#include "calibration/CRulerSettingDlg.h"
 #include "image/FCObjImage.h"
 #include "measure/CGVLElemMgr.h"
+#include "measure/CRulerSettingDlg.h"
 #include "measure/GdiPainter.h"
 #include "measure/IMeasureDocument.h"
 #include "measure/WindowCalls.h"
@@ -130,7 +130,7 @@ void CGVLWnd::UpdateCursor()
     const int tool = m_document.GetCurrentTool();
     if (tool >= 1 && tool <= 8)
         setCursor(m_hDrawCursor);
-    else if (tool == CGVLElemMgr::kToolMove)
+    else if (tool == CGVLShape::kToolMove)
         setCursor(m_hMoveCursor);
     else
         setCursor(Qt::ArrowCursor);
