@@ -134,13 +134,3 @@ TEST_F(MeasureAppTest, TerminationSignalsCloseLikeTheWindow)
         app.reset();
     }
 }
-
-TEST(MeasureAppFilters, ClassicFilterFirstThenEveryReadableFormat)
-{
-    const QStringList filters = CMeasureApp::PictureOpenFilters();
-    ASSERT_GE(filters.size(), 8);
-    EXPECT_EQ(filters.front(), "Image File (*.bmp, *.jpg) (*.bmp *.jpg *.jpeg)");
-    for (const char* extension : { "*.png", "*.tif", "*.tga", "*.gif", "*.pcx" }) {
-        EXPECT_EQ(filters.filter(QString::fromLatin1(extension)).size(), 2) << extension; // its own and "All"
-    }
-}
