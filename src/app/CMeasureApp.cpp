@@ -6,6 +6,7 @@
 #include "app/CMeasureDoc.h"
 #include "app/CommandTable.h"
 #include "app/DlgSelectFile.h"
+#include "capture/CDeviceWatcher.h"
 #include "capture/CameraModels.h"
 #include "capture/SimDeviceProvider.h"
 #include "platform/DebugLog.h"
@@ -15,6 +16,7 @@
 #include <QIcon>
 #include <QLocale>
 #include <QScreen>
+#include <QStatusBar>
 
 #include <cstdio>
 
@@ -74,6 +76,7 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
     }
     if (m_cmdInfo.m_bDemoCamera)
         EnableDemoCamera(true);
+    ScanAttachedCameras();
     LoadCameraModelSizes(m_paths.m_settingsFile);
 
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/oculix.svg")));
@@ -91,6 +94,7 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
     });
 
     ProcessShellCommand();
+    WatchCameras();
 
     m_mainFrame->SetTitle(m_paths.m_brand.m_folderName);
     // Without a window manager nothing honours the maximised state; the
@@ -99,6 +103,25 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
         m_mainFrame->setGeometry(screen->availableGeometry());
     m_mainFrame->showMaximized();
     return true;
+}
+
+// Cameras plugged in or out while the program runs: the live document loses
+// or regains its own; any other camera can be opened with "&New Preview"
+// while no document is live.
+void CMeasureApp::WatchCameras()
+{
+    m_deviceWatcher = new CDeviceWatcher(this);
+    connect(m_deviceWatcher, &CDeviceWatcher::DeviceRemoved, this, [](const QString& name) {
+        if (CMeasureDoc* live = CMeasureDoc::GetLiveDocument())
+            live->OnCameraUnplugged(name);
+    });
+    connect(m_deviceWatcher, &CDeviceWatcher::DeviceAdded, this, [this](const QString& name) {
+        if (CMeasureDoc* live = CMeasureDoc::GetLiveDocument())
+            live->OnCameraPlugged(name);
+        else if (m_mainFrame)
+            m_mainFrame->statusBar()->showMessage(
+                tr("Camera connected: %1. \"New Preview\" shows its video.").arg(name));
+    });
 }
 
 // The interface language follows the system's; the identifier is kept in the
@@ -181,5 +204,7 @@ int CMeasureApp::ExitInstance(int code)
     }
     delete m_signals;
     m_signals = nullptr;
+    delete m_deviceWatcher;
+    m_deviceWatcher = nullptr;
     return code;
 }

@@ -15,6 +15,7 @@
 
 class CDocTemplate;
 class CDocument;
+class CDeviceWatcher;
 class CExitSignalWatcher;
 
 // The program as a whole: start-up (brand, folders, language, the main
@@ -63,10 +64,12 @@ public:
 private:
     void ChooseLanguage();
     void ProcessShellCommand();
+    void WatchCameras();
 
     std::vector<std::unique_ptr<CDocTemplate>> m_templates;
     QPointer<CMainFrame> m_mainFrame;
     CExitSignalWatcher* m_signals = nullptr;
+    CDeviceWatcher* m_deviceWatcher = nullptr;
     AppPaths m_paths;
     CCommandLineInfo m_cmdInfo;
     int m_langId = kLangIdEnglish;
