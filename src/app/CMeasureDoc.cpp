@@ -4,6 +4,7 @@
 #include "app/CMeasureDoc.h"
 
 #include "capture/CameraModels.h"
+#include "capture/GrabPicture.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CRulerSettingDlg.h"
 #include "measure/WindowCalls.h"
@@ -14,8 +15,6 @@
 
 #include <QApplication>
 #include <QWidget>
-
-#include <cstring>
 
 CMeasureDoc::CMeasureDoc(bool openingFile, const QString& settingsFile)
     : m_pElemMgr(std::make_unique<CGVLElemMgr>())
@@ -172,29 +171,7 @@ QImage CMeasureDoc::GetMeasuringPicture()
 
 bool CMeasureDoc::Snapshot(FCObjImage& picture)
 {
-    long size = 0;
-    if (m_graph.GetCurrentBuffer(&size, nullptr) != S_OK || size <= 0)
-        return false;
-    std::vector<uchar> sample(std::size_t(size), 0);
-    if (m_graph.GetCurrentBuffer(&size, sample.data()) != S_OK)
-        return false;
-    unsigned width = 0, height = 0;
-    m_graph.GetVideoSize(&width, &height);
-    if (width == 0 || height == 0)
-        return false;
-    const int bits = int(std::size_t(size) * 8 / (std::size_t(width) * height));
-    FCObjImage frame;
-    if (!frame.Create(int(width), int(height), bits))
-        return false;
-    // The sample is bottom-up and unpadded; the picture pads its rows.
-    const std::size_t rowBytes = std::size_t(width) * std::size_t(bits) / 8;
-    for (unsigned row = 0; row < height; ++row)
-        std::memcpy(frame.GetMemStart() + std::size_t(row) * std::size_t(frame.GetPitch()),
-            sample.data() + row * rowBytes, rowBytes);
-    if (!frame.ConvertTo24Bit())
-        return false;
-    picture = std::move(frame);
-    return true;
+    return GrabPicture(m_graph, picture);
 }
 
 QSize CMeasureDoc::QueryImageSize()

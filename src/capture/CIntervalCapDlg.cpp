@@ -3,6 +3,7 @@
 #include "capture/CDialogTimers.h"
 #include "capture/ILiveDocument.h"
 #include "platform/MessageBox.h"
+#include "platform/QuickSaveName.h"
 #include "platform/SettingsKeys.h"
 
 #include <QFormLayout>
@@ -208,10 +209,9 @@ void CIntervalCapDlg::OnTimer(int id)
 QString CIntervalCapDlg::NextFileName() const
 {
     const QString file = m_document->GetSettingsFile();
-    return SettingsKeys::ReadString(SettingsKeys::SavePrefix, file)
-        + QString::number(SettingsKeys::ReadInt(SettingsKeys::SaveSuffix, file))
-        + (SettingsKeys::ReadInt(SettingsKeys::SaveBmp, file) ? QStringLiteral(".bmp")
-                                                              : QStringLiteral(".jpg"));
+    return QuickSaveFileName(SettingsKeys::ReadString(SettingsKeys::SavePrefix, file),
+        SettingsKeys::ReadInt(SettingsKeys::SaveSuffix, file),
+        SettingsKeys::ReadInt(SettingsKeys::SaveBmp, file) != 0);
 }
 
 void CIntervalCapDlg::OnStop()

@@ -1,5 +1,6 @@
 #include "CaptureTestSupport.h"
 #include "TestFiles.h"
+#include "VideoProbe.h"
 #include "image/FusedProcess.h"
 #include "measure/CGVLElemMgr.h"
 

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "capture/CaptureFormat.h"
+#include "image/ProcessSwitches.h"
+
+#include <QString>
+
+#include <vector>
+
+// A camera format asked for on the command line: WxH[@fps][:YUY2|MJPG].
+struct FormatRequest
+{
+    unsigned width = 0;
+    unsigned height = 0;
+    double fps = 0; // 0: the rate the camera lists
+    QString fourcc; // empty: the first format of that size
+};
+
+// False with a one-line reason for a malformed text.
+bool ParseFormatSpec(const QString& text, FormatRequest* request, QString* error);
+
+// The index of the first listed format that fits, or -1.
+int FindFormat(const std::vector<CaptureFormat>& formats, const FormatRequest& request);
+
+// "640x480@30:YUY2", the form --format takes.
+QString FormatSpecText(const CaptureFormat& format);
+double FormatFps(const CaptureFormat& format);
+
+// A comma-separated list of flip, mirror, gray, negative, binary=L (0-255),
+// emboss, sharpen, rgb=R,G,B (each -255 to 255). False with a one-line reason
+// for an unknown name or a bad value.
+bool ParseProcessSpec(const QString& text, ProcessSwitches* switches, QString* error);
+
+// A decimal number of seconds at least minimum (locale-independent).
+bool ParseSeconds(const QString& text, double minimum, double* seconds);

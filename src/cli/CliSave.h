@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+class FCObjImage;
+
+// The output file's folder must exist and be writable; throws a one-line
+// failure naming the path otherwise.
+void CheckOutputFolder(const QString& path);
+
+// Writes the picture under a temporary name beside path, lets finish() add
+// to that file (a JPEG summary), then renames it over path: a failed or
+// interrupted save never leaves a half-written file under the final name.
+// Throws a one-line failure.
+void SavePictureFile(const FCObjImage& picture, const QString& path,
+    const std::function<bool(const QString& file)>& finish = {});
+
+// A name beside path, in its folder and with its extension, not yet taken.
+QString TemporaryNameBeside(const QString& path);

@@ -1,0 +1,334 @@
+// oculix-cli end to end: the executable with the simulated camera, as a
+// script runs it.
+
+#include "CliSupport.h"
+#include "VideoProbe.h"
+#include "image/ProcessChain.h"
+#include "platform/PrivateProfile.h"
+
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStandardPaths>
+
+#include <cmath>
+
+namespace {
+
+const QString kDemo = QStringLiteral("Simulated Microscope Camera");
+const QStringList kSmall { QStringLiteral("--format"), QStringLiteral("640x480:YUY2") };
+
+bool HasRealCamera()
+{
+    return !QDir(QStringLiteral("/dev")).entryList({ QStringLiteral("video*") }, QDir::System).isEmpty();
+}
+
+// Mean absolute difference of two 24-bit pictures of one size, per byte.
+double MeanDifference(const FCObjImage& a, const FCObjImage& b)
+{
+    double sum = 0;
+    for (int y = 0; y < a.Height(); ++y)
+        for (int x = 0; x < a.Width(); ++x) {
+            const QRgb p = a.GetPixelColor(x, y);
+            const QRgb q = b.GetPixelColor(x, y);
+            sum += std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q))
+                + std::abs(qBlue(p) - qBlue(q));
+        }
+    return sum / (3.0 * a.Width() * a.Height());
+}
+
+using CliUsage = CliFixture;
+using CliDevices = CliFixture;
+using CliSnapshot = CliFixture;
+using CliRecord = CliFixture;
+using CliTimelapse = CliFixture;
+
+TEST_F(CliUsage, HelpForTheToolAndEachCommand)
+{
+    const CliRun main = Run({ "--help" });
+    EXPECT_EQ(main.code, 0);
+    for (const char* command : { "devices", "snapshot", "record", "timelapse" }) {
+        EXPECT_TRUE(main.out.contains(QString::fromLatin1(command))) << command;
+        for (const QStringList& args :
+            { QStringList { command, "--help" }, QStringList { "help", command } }) {
+            const CliRun help = Run(args);
+            EXPECT_EQ(help.code, 0) << command;
+            EXPECT_TRUE(help.out.contains(QStringLiteral("oculix-cli [options] %1").arg(command)))
+                << help.out.toStdString();
+            EXPECT_TRUE(help.err.isEmpty()) << help.err.toStdString();
+        }
+    }
+    EXPECT_TRUE(Run({ "snapshot", "-h" }).out.contains("--process"));
+    EXPECT_TRUE(Run({ "timelapse", "--help" }).out.contains("--interval"));
+}
+
+TEST_F(CliUsage, BadUsageIsExitTwoWithOneLine)
+{
+    struct Case
+    {
+        QStringList args;
+        const char* fragment;
+    };
+    const QString out = Path("x.png");
+    const Case cases[] = {
+        { {}, "no command given" },
+        { { "frobnicate" }, "unknown command \"frobnicate\"" },
+        { { "snapshot", "--frobnicate", out }, "Unknown option 'frobnicate'" },
+        { { "snapshot" }, "OUT is missing" },
+        { { "snapshot", out, out }, "one OUT only" },
+        { { "snapshot", Path("x.doc") }, "the extension names no picture type" },
+        { { "snapshot", "--format", "640", out }, "bad format \"640\"" },
+        { { "snapshot", "--process", "blur", out }, "unknown --process item \"blur\"" },
+        { { "snapshot", "--format", "800x600", out }, "offers no format 800x600" },
+        { { "record", "--seconds", "-1", Path("x.avi") }, "--seconds takes a number of seconds" },
+        { { "record", "--seconds", "1", Path("x.mp4") }, "a recording is an .avi file" },
+        { { "timelapse", "--interval", "1" }, "timelapse needs --interval and --count" },
+        { { "timelapse", "--interval", "1", "--count", "0" },
+            "--count takes a whole number from 1 to 15000" },
+        { { "devices", "extra" }, "devices takes no arguments" },
+    };
+    for (const Case& c : cases) {
+        const CliRun run = Run(c.args);
+        EXPECT_ONE_ERROR(run, 2, "");
+        EXPECT_TRUE(run.err.contains(QString::fromUtf8(c.fragment))) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains("--help")) << "usage errors point at the help";
+    }
+    EXPECT_TRUE(Files().isEmpty()) << Files().join(' ').toStdString();
+}
+
+TEST_F(CliDevices, ListsTheCamerasWithTheirFormats)
+{
+    for (bool byOption : { true, false }) {
+        const CliRun text = byOption ? Run({ "devices", "--demo-camera" }, false) : Run({ "devices" }, true);
+        EXPECT_EQ(text.code, 0) << text.err.toStdString();
+        EXPECT_TRUE(text.out.contains(kDemo + "\n  640x480@30:YUY2\n")) << text.out.toStdString();
+        EXPECT_TRUE(text.out.contains("  1280x1024@30:MJPG\n")) << text.out.toStdString();
+    }
+    const CliRun json = Run({ "devices", "--json" });
+    ASSERT_EQ(json.code, 0);
+    const QJsonArray list = QJsonDocument::fromJson(json.out.toUtf8()).array();
+    QJsonObject demo;
+    for (const QJsonValue& v : list)
+        if (v.toObject()["name"].toString() == kDemo)
+            demo = v.toObject();
+    ASSERT_FALSE(demo.isEmpty()) << json.out.toStdString();
+    const QJsonArray formats = demo["formats"].toArray();
+    ASSERT_EQ(formats.size(), 4);
+    EXPECT_EQ(formats[0].toObject()["spec"].toString(), "640x480@30:YUY2");
+    EXPECT_EQ(formats[0].toObject()["width"].toInt(), 640);
+    EXPECT_EQ(formats[3].toObject()["format"].toString(), "MJPG");
+
+    if (HasRealCamera())
+        GTEST_SKIP() << "a real camera is connected";
+    const CliRun none = Run({ "devices" }, false);
+    EXPECT_ONE_ERROR(none, 1, "no camera found");
+    const CliRun noneJson = Run({ "devices", "--json" }, false);
+    EXPECT_EQ(noneJson.code, 0);
+    EXPECT_TRUE(QJsonDocument::fromJson(noneJson.out.toUtf8()).array().isEmpty());
+}
+
+TEST_F(CliSnapshot, PixelsAgreeWithTheProgramsProcessing)
+{
+    const CliRun raw
+        = Run(QStringList { "snapshot", "--device", kDemo } + kSmall + QStringList { Path("raw.bmp") });
+    ASSERT_EQ(raw.code, 0) << raw.err.toStdString();
+    EXPECT_TRUE(raw.err.contains("Saved 640 x 480 picture")) << raw.err.toStdString();
+    FCObjImage unprocessed;
+    ASSERT_TRUE(unprocessed.Load(Path("raw.bmp")));
+    ASSERT_EQ(unprocessed.Width(), 640);
+    ASSERT_EQ(unprocessed.ColorBits(), 24);
+
+    // Two snapshots differ by the sensor noise of another frame at most; a
+    // wrong operation, order or level differs by far more.
+    struct Case
+    {
+        const char* process;
+        ProcessSwitches switches;
+    };
+    ProcessSwitches flipGray, negative, binary, rgb, all;
+    flipGray.flip = flipGray.gray = true;
+    negative.negative = negative.mirror = true;
+    binary.binary = true;
+    binary.binaryLevel = 90;
+    rgb.rgb = true;
+    rgb.red = 60;
+    rgb.green = -40;
+    rgb.blue = 0;
+    all = flipGray;
+    all.emboss = all.sharpen = true;
+    const Case cases[] = {
+        { "flip,gray", flipGray },
+        { "negative,mirror", negative },
+        { "binary=90", binary },
+        { "rgb=60,-40,0", rgb },
+        { "gray,flip,sharpen,emboss", all },
+    };
+    for (const Case& c : cases) {
+        const CliRun run = Run(QStringList { "snapshot", "--quiet", "--process", c.process } + kSmall
+            + QStringList { Path("p.png") });
+        ASSERT_EQ(run.code, 0) << c.process << run.err.toStdString();
+        EXPECT_TRUE(run.err.isEmpty()) << "--quiet: " << run.err.toStdString();
+        FCObjImage processed;
+        ASSERT_TRUE(processed.Load(Path("p.png"))) << c.process;
+        ASSERT_TRUE(processed.ConvertTo24Bit());
+        FCObjImage expected = unprocessed;
+        RunProcessChain(unprocessed.GetMemStart(), expected.GetMemStart(), 640, 480, c.switches);
+        const double agree = MeanDifference(processed, expected);
+        // Sharpening and embossing lift the noise of a later frame most.
+        EXPECT_LT(agree,
+            c.switches.sharpen || c.switches.emboss ? 15.0
+                : c.switches.binary                 ? 8.0
+                                                    : 4.0)
+            << c.process;
+        EXPECT_GT(MeanDifference(processed, unprocessed), 3 * agree + 10) << c.process;
+    }
+    EXPECT_EQ(Files(), QStringList({ "p.png", "raw.bmp" }));
+}
+
+TEST_F(CliSnapshot, MissingCameraUnwritableFolderAndFullDisk)
+{
+    EXPECT_ONE_ERROR(Run({ "snapshot", "--device", "No Such Camera", Path("a.png") }), 1,
+        "no camera named \"No Such Camera\" (cameras: ");
+    if (!HasRealCamera())
+        EXPECT_ONE_ERROR(Run({ "snapshot", Path("a.png") }, false), 1, "no camera found");
+    EXPECT_ONE_ERROR(Run({ "snapshot", Path("missing/a.png") }), 1, "does not exist");
+    // A folder the file system refuses, even to root.
+    EXPECT_ONE_ERROR(
+        Run({ "snapshot", "/proc/oculix-cli-test.png" }), 1, "cannot write /proc/oculix-cli-test.png");
+
+    // A full disk after 64 KiB: the pictures are far bigger. The TIFF codec
+    // ignores its failed writes; nothing may be left all the same.
+    for (const char* name : { "full.png", "full.tif" }) {
+        const CliRun full
+            = Run(QStringList { "snapshot" } + kSmall + QStringList { Path(name) }, true, 64 * 1024);
+        EXPECT_ONE_ERROR(full, 1, "cannot write " + Path(name) + ": no more room for the file");
+        EXPECT_TRUE(Files().isEmpty()) << "nothing half-written: " << Files().join(' ').toStdString();
+    }
+
+    // An existing picture stays whole when its replacement fails.
+    ASSERT_EQ(Run(QStringList { "snapshot", "-q" } + kSmall + QStringList { Path("keep.jpg") }).code, 0);
+    const QByteArray before = [&] {
+        QFile f(Path("keep.jpg"));
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }();
+    ASSERT_GT(before.size(), 1000);
+    EXPECT_EQ(
+        Run(QStringList { "snapshot", "--format", "1600x1200", Path("keep.jpg") }, true, before.size() + 100)
+            .code,
+        1);
+    QFile after(Path("keep.jpg"));
+    ASSERT_TRUE(after.open(QIODevice::ReadOnly));
+    EXPECT_EQ(after.readAll(), before);
+    EXPECT_EQ(Files(), QStringList({ "keep.jpg" }));
+}
+
+class CliRecordFixture : public CliFixture
+{
+protected:
+    void SetUp() override
+    {
+        CliFixture::SetUp();
+        if (QStandardPaths::findExecutable(QStringLiteral("ffprobe")).isEmpty())
+            GTEST_SKIP() << "ffprobe is not installed";
+    }
+};
+using CliRecording = CliRecordFixture;
+
+TEST_F(CliRecording, ThreeSecondsPlayWithAboutNinetyFrames)
+{
+    const CliRun run
+        = Run(QStringList { "record", "--seconds", "3" } + kSmall + QStringList { Path("clip.avi") });
+    ASSERT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("Recording: 1 s")) << run.err.toStdString();
+    const auto probe = ProbeVideo(Path("clip.avi"));
+    EXPECT_EQ(probe.value("codec_name"), "mjpeg");
+    EXPECT_EQ(probe.value("width"), "640");
+    EXPECT_NEAR(probe.value("nb_read_frames").toInt(), 90, 15);
+    EXPECT_EQ(Files(), QStringList({ "clip.avi" }));
+}
+
+TEST_F(CliRecording, InterruptEndsAPlayableFile)
+{
+    QProcess* p = Start(QStringList { "record" } + kSmall + QStringList { Path("open.avi") });
+    ASSERT_TRUE(p->waitForStarted());
+    // Wait for the recording to run a second, then press Ctrl+C.
+    QString err;
+    QElapsedTimer timer;
+    timer.start();
+    while (!err.contains("Recording: 1 s") && timer.elapsed() < 60000 && p->state() == QProcess::Running) {
+        p->waitForReadyRead(200);
+        err += QString::fromUtf8(p->readAllStandardError());
+    }
+    ASSERT_TRUE(err.contains("Recording: 1 s")) << err.toStdString();
+    EXPECT_FALSE(QFile::exists(Path("open.avi"))) << "the file takes its name when finished";
+    ::kill(pid_t(p->processId()), SIGINT);
+    const CliRun run = Finish(p);
+    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_GT(ProbeVideo(Path("open.avi")).value("nb_read_frames").toInt(), 10);
+    EXPECT_EQ(Files(), QStringList({ "open.avi" }));
+}
+
+TEST_F(CliRecording, FullDiskAndUnwritableFolderLeaveNoFile)
+{
+    const CliRun full
+        = Run(QStringList { "record", "--seconds", "5" } + kSmall + QStringList { Path("full.avi") }, true,
+            256 * 1024);
+    EXPECT_ONE_ERROR(full, 1, "could not be written any further");
+    EXPECT_TRUE(Files().isEmpty()) << Files().join(' ').toStdString();
+    EXPECT_ONE_ERROR(Run({ "record", "--seconds", "1", Path("no/such/x.avi") }), 1, "does not exist");
+}
+
+TEST_F(CliTimelapse, PicturesAtTheIntervalNamedAsTheQuickSaveNamesThem)
+{
+    QElapsedTimer clock;
+    clock.start();
+    const CliRun run = Run(QStringList { "timelapse", "--interval", "1", "--count", "3", "--out", work.path(),
+                               "--prefix", "slide" }
+        + kSmall);
+    const qint64 took = clock.elapsed();
+    ASSERT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_EQ(Files(), QStringList({ "slide0.jpg", "slide1.jpg", "slide2.jpg" }));
+    EXPECT_TRUE(run.err.contains("Picture 3/3: " + Path("slide2.jpg"))) << run.err.toStdString();
+    // Picture k is due k intervals after the start: never sooner.
+    EXPECT_GE(took, 3000);
+    FCObjImage picture;
+    ASSERT_TRUE(picture.Load(Path("slide1.jpg")));
+    EXPECT_EQ(picture.Width(), 640);
+
+    // The running number is the program's: stored back, and continued.
+    const QString settings = home.filePath("data/Setting.ini");
+    EXPECT_EQ(GetPrivateProfileInt("Save", "Suffix", -1, settings), 3);
+    WritePrivateProfileString("Save", "Prefix", "set", settings);
+    WritePrivateProfileString("Save", "FilePath", work.path(), settings);
+    WritePrivateProfileString("Save", "bBmp", "1", settings);
+    const CliRun fromSettings
+        = Run(QStringList { "timelapse", "-q", "--interval", "0.2", "--count", "1" } + kSmall);
+    ASSERT_EQ(fromSettings.code, 0) << fromSettings.err.toStdString();
+    EXPECT_TRUE(QFile::exists(Path("set3.bmp"))) << Files().join(' ').toStdString();
+    EXPECT_EQ(GetPrivateProfileInt("Save", "Suffix", -1, settings), 4);
+}
+
+TEST_F(CliTimelapse, WaitCountsDownAndAFullDiskStopsTheRun)
+{
+    QElapsedTimer clock;
+    clock.start();
+    const CliRun run = Run(QStringList { "timelapse", "--wait", "2", "--interval", "0.5", "--count", "1",
+                               "--out", work.path(), "--prefix", "w" }
+        + kSmall);
+    ASSERT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_GE(clock.elapsed(), 2500);
+    EXPECT_TRUE(run.err.contains("Starting in 2 s\n")) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("Starting in 1 s\n")) << run.err.toStdString();
+    EXPECT_EQ(Files(), QStringList({ "w0.jpg" }));
+
+    const CliRun full = Run(QStringList { "timelapse", "--interval", "0.2", "--count", "3", "--out",
+                                work.path(), "--prefix", "f", "--bmp" }
+            + kSmall,
+        true, 64 * 1024);
+    EXPECT_ONE_ERROR(full, 1, "cannot write " + Path("f1.bmp").toUtf8());
+    EXPECT_EQ(Files(), QStringList({ "w0.jpg" })) << "nothing half-written";
+}
+
+} // namespace
