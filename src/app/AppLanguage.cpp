@@ -1,5 +1,10 @@
 #include "app/AppLanguage.h"
 
+#include "platform/AppPaths.h"
+
+#include <QFileInfo>
+#include <QSettings>
+
 #include <algorithm>
 #include <array>
 
@@ -149,4 +154,41 @@ int LanguageIdFromLocale(const QLocale& locale)
     auto it = std::find_if(std::begin(kPrimary), std::end(kPrimary),
         [&locale](const PrimaryId& p) { return p.language == locale.language(); });
     return it == std::end(kPrimary) ? kCustomLocale : (kSubDefault | it->primary);
+}
+
+namespace {
+
+const QString kChoiceKey = QStringLiteral("Interface/LangId");
+
+QString UserSettingsFile()
+{
+    return QFileInfo(BrandFilePath(QProcessEnvironment::systemEnvironment())).path()
+        + QStringLiteral("/Oculix.conf");
+}
+
+} // namespace
+
+int StoredLanguageChoice()
+{
+    const QSettings settings(UserSettingsFile(), QSettings::IniFormat);
+    return settings.value(kChoiceKey, 0).toInt();
+}
+
+void StoreLanguageChoice(int langId)
+{
+    QSettings settings(UserSettingsFile(), QSettings::IniFormat);
+    settings.setValue(kChoiceKey, langId);
+}
+
+QString TranslationLocale(InterfaceLanguage language)
+{
+    switch (language) {
+    case InterfaceLanguage::Chinese:
+        return QStringLiteral("zh_CN");
+    case InterfaceLanguage::French:
+        return QStringLiteral("fr");
+    case InterfaceLanguage::English:
+        break;
+    }
+    return {};
 }

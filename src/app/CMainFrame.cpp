@@ -3,7 +3,9 @@
 #include "app/CChildFrame.h"
 #include "app/CDocument.h"
 #include "app/CommandTable.h"
+#include "platform/DebugLog.h"
 #include "platform/KeyLockState.h"
+#include "platform/MessageBox.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -408,6 +410,15 @@ void CMainFrame::FillWindowMenu(QMenu* menu)
         });
         m_windowListActions.push_back(action);
     }
+}
+
+void CMainFrame::OnActivateInstance()
+{
+    showMaximized();
+    raise();
+    activateWindow();
+    qCInfo(lcApp) << "a second copy started: brought to the front";
+    MessageBox(tr("Already having one instance running!"), m_strTitle, MB_OK | MB_ICONINFORMATION);
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event)

@@ -66,6 +66,9 @@ public:
     bool OnCmdMsg(int id) override;
     bool OnUpdateCmdMsg(CCmdUI& ui) override;
 
+    // A second copy started: come forward, maximised, and say so.
+    void OnActivateInstance();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
 

@@ -8,13 +8,17 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QProcessEnvironment>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
 class CDocTemplate;
 class CDocument;
 class CExitSignalWatcher;
+class CSingleInstance;
+class QTranslator;
 
 // The program as a whole: start-up (brand, folders, language, the main
 // frame, the first document), the commands that belong to no document, and
@@ -59,9 +63,29 @@ public:
     // The name of the chosen language's resource module, as the settings give it.
     const QString& GetResourceModule() const { return m_resourceModule; }
 
+    // The language commands: the identifier becomes the language of this
+    // user's later starts, and the program closes to start again in it.
+    void SetLanguage(int langId);
+    bool GetRestartFlag() const { return m_restart; }
+    // What a restart starts: the file named after the brand folder in the
+    // program folder when there is one, else this executable.
+    static QString RestartTarget(const AppPaths& paths);
+    // Starts the restarted copy; replaceable so tests see the request instead.
+    using RestartLauncher = std::function<bool(const QString& program, const QProcessEnvironment& env)>;
+    static RestartLauncher SetRestartLauncher(RestartLauncher launcher);
+
+    // The user manual in the interface language, beside the program.
+    QString HelpFilePath() const;
+    void OnHelp();
+    void OnAppAbout();
+
 private:
     void ChooseLanguage();
+    void InstallTranslators();
+    void RemoveTranslators();
+    void MapAppCommands();
     void ProcessShellCommand();
+    void Restart();
 
     std::vector<std::unique_ptr<CDocTemplate>> m_templates;
     QPointer<CMainFrame> m_mainFrame;
@@ -72,5 +96,9 @@ private:
     InterfaceLanguage m_language = InterfaceLanguage::English;
     QString m_resourceModule;
     QString m_lastOpenedFile;
+    CSingleInstance* m_instance = nullptr;
+    std::vector<QTranslator*> m_translators;
+    bool m_restart = false;
+    bool m_exitRequested = false;
     int m_exitCode = 0;
 };

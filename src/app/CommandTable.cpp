@@ -65,6 +65,12 @@ const CommandInfo kCommands[] = {
     { ID_WINDOW_CASCADE, CMD("&Cascade"), "", nullptr, false },
     { ID_WINDOW_TILE_HORZ, CMD("Tile &Horizontal"), "", nullptr, false },
     { ID_WINDOW_TILE_VERT, CMD("Tile &Vertical"), "", nullptr, false },
+    { ID_HELP_MANUAL, CMD("&Help"), CMD("How to use"), nullptr, false },
+    { ID_APP_ABOUT, CMD("&About..."), "", nullptr, false },
+    // Each language by its own name, the same in every language.
+    { ID_LANGUAGE_ENGLISH, "English", "", nullptr, true },
+    { ID_LANGUAGE_FRENCH, "Français", "", nullptr, true },
+    { ID_LANGUAGE_CHINESE, "中文(简体)", "", nullptr, true },
 };
 
 constexpr int S = ID_SEPARATOR;
@@ -81,6 +87,8 @@ constexpr std::array kProcessMenu { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_
 constexpr std::array kVideoMenu { ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES,
     ID_VIDEO_ADJUST };
 constexpr std::array kWindowMenu { ID_WINDOW_CASCADE, ID_WINDOW_TILE_HORZ, ID_WINDOW_TILE_VERT };
+constexpr std::array kLanguageMenu { ID_LANGUAGE_ENGLISH, ID_LANGUAGE_FRENCH, ID_LANGUAGE_CHINESE };
+constexpr std::array kHelpMenu { ID_HELP_MANUAL, S, ID_APP_ABOUT };
 
 #define MENU(text) QT_TRANSLATE_NOOP("Menu", text)
 
@@ -91,6 +99,8 @@ const MenuInfo kMenus[] = {
     { MENU("&Process"), kProcessMenu, false },
     { MENU("V&ideo"), kVideoMenu, false },
     { MENU("&Window"), kWindowMenu, true },
+    { MENU("&Language"), kLanguageMenu, false },
+    { MENU("&Help"), kHelpMenu, false },
 };
 
 constexpr std::array kStandardBar { ID_FILE_NEW, ID_FILE_OPEN, S, ID_CAMERA_CAPTURE, ID_CAMERA_PREVIEW,

@@ -13,6 +13,13 @@ constexpr int ID_APP_EXIT = 57665;
 constexpr int ID_WINDOW_CASCADE = 57650;
 constexpr int ID_WINDOW_TILE_HORZ = 57651;
 constexpr int ID_WINDOW_TILE_VERT = 57652;
+constexpr int ID_APP_ABOUT = 57664;
+constexpr int ID_HELP_MANUAL = 32939;
+
+// Each sets the interface language and restarts the program.
+constexpr int ID_LANGUAGE_ENGLISH = 32929;
+constexpr int ID_LANGUAGE_FRENCH = 32930;
+constexpr int ID_LANGUAGE_CHINESE = 32931;
 
 constexpr int ID_VIEW_TOOLBAR = 59392;
 constexpr int ID_VIEW_STATUS_BAR = 59393;

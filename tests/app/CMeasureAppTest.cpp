@@ -8,7 +8,18 @@
 #include "capture/SimDeviceProvider.h"
 #include "platform/PrivateProfile.h"
 
+#include "app/AppLanguage.h"
+#include "app/CAboutDlg.h"
+#include "platform/MessageBox.h"
+
+#include <QApplication>
+#include <QDesktopServices>
 #include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QMenuBar>
+#include <QTimer>
+#include <QUrl>
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -135,6 +146,125 @@ TEST_F(MeasureAppTest, TerminationSignalsCloseLikeTheWindow)
     }
 }
 
+// The language commands: the choice outlives the program, which closes and
+// starts again; the same language as before still restarts.
+TEST_F(MeasureAppTest, LanguageCommandsStoreTheChoiceAndRestart)
+{
+    std::vector<QString> started;
+    CMeasureApp::SetRestartLauncher([&](const QString& program, const QProcessEnvironment& env) {
+        started.push_back(program + (env.value("OCULIX_DEMO_CAMERA") == "1" ? " demo" : ""));
+        return true;
+    });
+    const struct
+    {
+        int command;
+        int langId;
+        InterfaceLanguage language;
+    } rows[] { { ID_LANGUAGE_FRENCH, kLangIdFrench, InterfaceLanguage::French },
+        { ID_LANGUAGE_FRENCH, kLangIdFrench, InterfaceLanguage::French },
+        { ID_LANGUAGE_CHINESE, kLangIdChinese, InterfaceLanguage::Chinese },
+        { ID_LANGUAGE_ENGLISH, kLangIdEnglish, InterfaceLanguage::English } };
+    for (const auto& row : rows) {
+        ASSERT_TRUE(Start({ "Oculix", "--demo-camera" }));
+        CMainFrame* frame = app->GetMainFrame();
+        EXPECT_FALSE(app->GetRestartFlag());
+        ASSERT_TRUE(frame->RouteCommand(row.command));
+        EXPECT_TRUE(app->GetRestartFlag());
+        EXPECT_TRUE(WaitFor([&] { return !frame->isVisible(); }, 5000)) << row.command;
+        const QString settings = app->GetPaths().m_settingsFile;
+        EXPECT_EQ(int(GetPrivateProfileInt("Lang", "LangId", -7, settings)), row.langId);
+        EXPECT_EQ(StoredLanguageChoice(), row.langId);
+        EXPECT_TRUE(started.empty()) << "restarts only once this copy ends";
+        app->ExitInstance(0);
+        ASSERT_EQ(started.size(), 1u);
+        EXPECT_EQ(started.front(), QCoreApplication::applicationFilePath() + " demo");
+        started.clear();
+        app.reset();
+
+        // The next start runs in the chosen language, whatever the system's.
+        ASSERT_TRUE(Start({ "Oculix" }));
+        EXPECT_EQ(app->GetLanguageId(), row.langId);
+        EXPECT_EQ(app->GetLanguage(), row.language);
+        EXPECT_TRUE(app->GetMainFrame()->QueryCommand(row.command).IsChecked());
+        app.reset();
+    }
+    CMeasureApp::SetRestartLauncher({});
+}
+
+TEST_F(MeasureAppTest, RestartStartsTheFileNamedAfterTheBrandFolder)
+{
+    AppPaths paths;
+    paths.m_programFolder = home.path() + "/";
+    paths.m_brand = BrandForDsp(2);
+    EXPECT_EQ(CMeasureApp::RestartTarget(paths), QCoreApplication::applicationFilePath());
+    QFile link(home.filePath("KorvalCam"));
+    ASSERT_TRUE(link.open(QIODevice::WriteOnly));
+    link.close();
+    EXPECT_EQ(CMeasureApp::RestartTarget(paths), QCoreApplication::applicationFilePath()) << "not executable";
+    link.setPermissions(link.permissions() | QFileDevice::ExeOwner);
+    EXPECT_EQ(CMeasureApp::RestartTarget(paths), home.filePath("KorvalCam"));
+}
+
+// Opening a URL goes to this receiver instead of the desktop's viewer.
+class UrlSpy : public QObject
+{
+    Q_OBJECT
+public:
+    std::vector<QUrl> urls;
+public slots:
+    void open(const QUrl& url) { urls.push_back(url); }
+};
+
+TEST_F(MeasureAppTest, HelpAboutAndASecondCopysRequest)
+{
+    SetBrand(2);
+    ASSERT_TRUE(Start({ "Oculix" }));
+    std::vector<MessageBoxRequest> boxes;
+    ScopedMessageBoxHandler handler([&](const MessageBoxRequest& r) {
+        boxes.push_back(r);
+        return IDOK;
+    });
+    UrlSpy spy;
+    QDesktopServices::setUrlHandler("file", &spy, "open");
+
+    const QString manual = app->GetPaths().m_programFolder
+        + (app->IsChinese() ? "KorvalCam_CN.pdf" : "KorvalCam_EN.pdf");
+    EXPECT_EQ(app->HelpFilePath(), manual);
+    CMainFrame* frame = app->GetMainFrame();
+    QFile::remove(manual);
+    EXPECT_TRUE(frame->RouteCommand(ID_HELP_MANUAL));
+    ASSERT_EQ(boxes.size(), 1u) << "a missing manual is reported";
+    EXPECT_TRUE(boxes.back().text.contains(manual));
+    EXPECT_TRUE(spy.urls.empty());
+    {
+        QFile file(manual);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    EXPECT_TRUE(frame->RouteCommand(ID_HELP_MANUAL));
+    QFile::remove(manual);
+    ASSERT_EQ(spy.urls.size(), 1u);
+    EXPECT_EQ(spy.urls.front(), QUrl::fromLocalFile(manual));
+    QDesktopServices::unsetUrlHandler("file");
+
+    bool aboutShown = false;
+    QTimer::singleShot(0, [&] {
+        auto* about = qobject_cast<CAboutDlg*>(QApplication::activeModalWidget());
+        ASSERT_NE(about, nullptr);
+        aboutShown = true;
+        EXPECT_TRUE(about->findChild<QLabel*>("version")->text().contains("V1.18.7.27"));
+        EXPECT_TRUE(about->findChild<QLabel*>("link")->text().contains(QUrl::fromLocalFile(manual).toString()));
+        about->accept();
+    });
+    EXPECT_TRUE(frame->RouteCommand(ID_APP_ABOUT));
+    EXPECT_TRUE(aboutShown);
+
+    frame->showNormal();
+    frame->OnActivateInstance();
+    EXPECT_TRUE(frame->isMaximized());
+    ASSERT_EQ(boxes.size(), 2u);
+    EXPECT_EQ(boxes.back().text, "Already having one instance running!");
+}
+
 TEST(MeasureAppFilters, ClassicFilterFirstThenEveryReadableFormat)
 {
     const QStringList filters = CMeasureApp::PictureOpenFilters();
@@ -144,3 +274,5 @@ TEST(MeasureAppFilters, ClassicFilterFirstThenEveryReadableFormat)
         EXPECT_EQ(filters.filter(QString::fromLatin1(extension)).size(), 2) << extension; // its own and "All"
     }
 }
+
+#include "CMeasureAppTest.moc"
