@@ -2,235 +2,955 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN">
 <context>
+    <name>CAboutDlg</name>
+    <message>
+        <source>About %1</source>
+        <translation>关于 %1</translation>
+    </message>
+    <message>
+        <source>Live pictures, measurements and recordings from USB microscope cameras.</source>
+        <translation>USB 显微镜相机的实时画面、测量和录像。</translation>
+    </message>
+    <message>
+        <source>User manual</source>
+        <translation>用户手册</translation>
+    </message>
+</context>
+<context>
     <name>CBinaryDlg</name>
     <message>
         <source>Binary</source>
-        <translation type="unfinished"></translation>
+        <translation>二值化</translation>
     </message>
     <message>
         <source>Binary image</source>
-        <translation type="unfinished"></translation>
+        <translation>二值图像</translation>
     </message>
     <message>
         <source>Level</source>
-        <translation type="unfinished"></translation>
+        <translation>阈值</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraControls</name>
+    <message>
+        <source>The camera has no device node.</source>
+        <translation>该相机没有设备节点。</translation>
     </message>
 </context>
 <context>
     <name>CChooseDeviceDlg</name>
     <message>
         <source>Video Capture Device</source>
-        <translation type="unfinished"></translation>
+        <translation>视频采集设备</translation>
     </message>
     <message>
         <source>Video capture device:</source>
-        <translation type="unfinished"></translation>
+        <translation>视频采集设备：</translation>
     </message>
 </context>
 <context>
     <name>CDevicePropertiesDlg</name>
     <message>
         <source>Video Properties</source>
-        <translation type="unfinished"></translation>
+        <translation>视频属性</translation>
     </message>
     <message>
         <source>This camera offers no settings here. %1</source>
-        <translation type="unfinished"></translation>
+        <translation>该相机在此处没有可调设置。%1</translation>
     </message>
     <message>
         <source>This camera offers no settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>该相机没有可调设置。</translation>
     </message>
     <message>
         <source>&amp;Default</source>
-        <translation type="unfinished"></translation>
+        <translation>默认(&amp;D)</translation>
     </message>
 </context>
 <context>
     <name>CDlgFullScreen</name>
     <message>
         <source>Full Screen</source>
-        <translation type="unfinished"></translation>
+        <translation>全屏</translation>
     </message>
 </context>
 <context>
     <name>CFormatDlg</name>
     <message>
         <source>Output size and format of the camera:</source>
-        <translation type="unfinished"></translation>
+        <translation>相机的输出尺寸和格式：</translation>
+    </message>
+</context>
+<context>
+    <name>CInputTextDlg</name>
+    <message>
+        <source>Input Text</source>
+        <translation>输入文字</translation>
+    </message>
+    <message>
+        <source>Text(New line by pressing CTRL+ENTER)</source>
+        <translation>文字（按 CTRL+ENTER 换行）</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>CMainFrame</name>
+    <message>
+        <source>Already having one instance running!</source>
+        <translation>已有一个实例正在运行！</translation>
     </message>
 </context>
 <context>
     <name>CMeasureApp</name>
     <message>
         <source>Image File (*.bmp, *.jpg)</source>
-        <translation type="unfinished"></translation>
+        <translation>图像文件 (*.bmp, *.jpg)</translation>
     </message>
     <message>
         <source>Bitmap (*.bmp)</source>
-        <translation type="unfinished"></translation>
+        <translation>位图 (*.bmp)</translation>
     </message>
     <message>
         <source>JPEG (*.jpg *.jpeg)</source>
-        <translation type="unfinished"></translation>
+        <translation>JPEG (*.jpg *.jpeg)</translation>
     </message>
     <message>
         <source>PNG (*.png)</source>
-        <translation type="unfinished"></translation>
+        <translation>PNG (*.png)</translation>
     </message>
     <message>
         <source>TIFF (*.tif *.tiff)</source>
-        <translation type="unfinished"></translation>
+        <translation>TIFF (*.tif *.tiff)</translation>
     </message>
     <message>
         <source>Targa (*.tga)</source>
-        <translation type="unfinished"></translation>
+        <translation>Targa (*.tga)</translation>
     </message>
     <message>
         <source>GIF (*.gif)</source>
-        <translation type="unfinished"></translation>
+        <translation>GIF (*.gif)</translation>
     </message>
     <message>
         <source>PCX (*.pcx)</source>
-        <translation type="unfinished"></translation>
+        <translation>PCX (*.pcx)</translation>
     </message>
     <message>
         <source>All pictures (*.bmp *.jpg *.jpeg *.png *.tif *.tiff *.tga *.gif *.pcx)</source>
-        <translation type="unfinished"></translation>
+        <translation>所有图片 (*.bmp *.jpg *.jpeg *.png *.tif *.tiff *.tga *.gif *.pcx)</translation>
+    </message>
+    <message>
+        <source>The user manual %1 is missing. Reinstall the program to get it back.</source>
+        <translation>找不到用户手册 %1。请重新安装本程序。</translation>
+    </message>
+    <message>
+        <source>No program to show %1 was found. Install a PDF viewer.</source>
+        <translation>找不到可显示 %1 的程序。请安装 PDF 阅读器。</translation>
+    </message>
+</context>
+<context>
+    <name>CMeasureColorDlg</name>
+    <message>
+        <source>Measure Setting</source>
+        <translation>测量设置</translation>
+    </message>
+    <message>
+        <source>Measure Color</source>
+        <translation>测量颜色</translation>
+    </message>
+    <message>
+        <source>Measurement</source>
+        <translation>测量</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>点</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>文字</translation>
+    </message>
+    <message>
+        <source>Others</source>
+        <translation>其他</translation>
+    </message>
+    <message>
+        <source>Precision</source>
+        <translation>精度</translation>
+    </message>
+    <message>
+        <source>Font Size</source>
+        <translation>字体大小</translation>
+    </message>
+    <message>
+        <source>Font 
+Background</source>
+        <translation>字体
+背景</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
     </message>
 </context>
 <context>
     <name>CMeasureDoc</name>
     <message>
         <source>Ex&amp;port data</source>
-        <translation type="unfinished"></translation>
+        <translation>导出数据(&amp;P)</translation>
     </message>
     <message>
         <source>Video</source>
-        <translation type="unfinished"></translation>
+        <translation>视频</translation>
     </message>
     <message>
         <source>The camera has not delivered a picture yet. Try again in a moment.</source>
-        <translation type="unfinished"></translation>
+        <translation>相机尚未提供画面。请稍后再试。</translation>
     </message>
     <message>
         <source>Capture</source>
-        <translation type="unfinished"></translation>
+        <translation>拍照</translation>
     </message>
     <message>
         <source>Cannot open the picture %1:
 %2</source>
-        <translation type="unfinished"></translation>
+        <translation>无法打开图片 %1：
+%2</translation>
     </message>
     <message>
         <source>Open</source>
-        <translation type="unfinished"></translation>
+        <translation>打开</translation>
     </message>
     <message>
         <source>Cannot write the measurement data to %1:
 %2</source>
-        <translation type="unfinished"></translation>
+        <translation>无法将测量数据写入 %1：
+%2</translation>
     </message>
     <message>
         <source>Export</source>
-        <translation type="unfinished"></translation>
+        <translation>导出</translation>
     </message>
 </context>
 <context>
     <name>CProcessPropertiesDlg</name>
     <message>
         <source>Adjust</source>
-        <translation type="unfinished"></translation>
+        <translation>调节</translation>
     </message>
     <message>
         <source>&amp;Enable realtime process</source>
-        <translation type="unfinished"></translation>
+        <translation>启用实时处理(&amp;E)</translation>
     </message>
     <message>
         <source>Processing</source>
-        <translation type="unfinished"></translation>
+        <translation>处理</translation>
     </message>
     <message>
         <source>Flip &amp;Vertical</source>
-        <translation type="unfinished"></translation>
+        <translation>垂直翻转(&amp;V)</translation>
     </message>
     <message>
         <source>Flip &amp;Horizontal</source>
-        <translation type="unfinished"></translation>
+        <translation>水平翻转(&amp;H)</translation>
     </message>
     <message>
         <source>&amp;Gray</source>
-        <translation type="unfinished"></translation>
+        <translation>灰度(&amp;G)</translation>
     </message>
     <message>
         <source>&amp;Negative</source>
-        <translation type="unfinished"></translation>
+        <translation>负片(&amp;N)</translation>
     </message>
     <message>
         <source>&amp;Binary</source>
-        <translation type="unfinished"></translation>
+        <translation>二值化(&amp;B)</translation>
     </message>
     <message>
         <source>&amp;Emboss</source>
-        <translation type="unfinished"></translation>
+        <translation>浮雕(&amp;E)</translation>
     </message>
     <message>
         <source>&amp;Sharpen</source>
-        <translation type="unfinished"></translation>
+        <translation>锐化(&amp;S)</translation>
     </message>
     <message>
         <source>RGB gain</source>
-        <translation type="unfinished"></translation>
+        <translation>RGB 增益</translation>
     </message>
     <message>
         <source>&amp;Apply the gains</source>
-        <translation type="unfinished"></translation>
+        <translation>应用增益(&amp;A)</translation>
     </message>
     <message>
         <source>Red:</source>
-        <translation type="unfinished"></translation>
+        <translation>红：</translation>
     </message>
     <message>
         <source>Green:</source>
-        <translation type="unfinished"></translation>
+        <translation>绿：</translation>
     </message>
     <message>
         <source>Blue:</source>
-        <translation type="unfinished"></translation>
+        <translation>蓝：</translation>
+    </message>
+</context>
+<context>
+    <name>CRulerSettingDlg</name>
+    <message>
+        <source>Ruler Setting</source>
+        <translation>标尺设置</translation>
+    </message>
+    <message>
+        <source>Real Results</source>
+        <translation>实际结果</translation>
+    </message>
+    <message>
+        <source>X-Ruler</source>
+        <translation>X 标尺</translation>
+    </message>
+    <message>
+        <source>Y-Ruler</source>
+        <translation>Y 标尺</translation>
+    </message>
+    <message>
+        <source>Physical Ruler</source>
+        <translation>物理标尺</translation>
+    </message>
+    <message>
+        <source>X-Ruler Unit</source>
+        <translation>X 标尺长度</translation>
+    </message>
+    <message>
+        <source>Y-Ruler Unit</source>
+        <translation>Y 标尺长度</translation>
+    </message>
+    <message>
+        <source>Ruler Unit</source>
+        <translation>标尺单位</translation>
+    </message>
+    <message>
+        <source>Image Ruler(pixel)</source>
+        <translation>图像标尺（像素）</translation>
+    </message>
+    <message>
+        <source>Pause mode measure</source>
+        <translation>暂停模式测量</translation>
+    </message>
+    <message>
+        <source>Magnification</source>
+        <translation>放大倍数</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>打开</translation>
+    </message>
+</context>
+<context>
+    <name>CXCapGraph</name>
+    <message>
+        <source>Could not create filter graph</source>
+        <translation>无法创建采集图</translation>
+    </message>
+    <message>
+        <source>Try to connect capture device failed.</source>
+        <translation>连接采集设备失败。</translation>
+    </message>
+    <message>
+        <source>Try to find capture device failed.</source>
+        <translation>查找采集设备失败。</translation>
+    </message>
+    <message>
+        <source>Could not create smart tee</source>
+        <translation>无法创建分流器</translation>
+    </message>
+    <message>
+        <source>Could not create SampleGrabber (is qedit.dll registered?)</source>
+        <translation>无法创建帧抓取器（qedit.dll 是否已注册？）</translation>
+    </message>
+    <message>
+        <source>Could not create CamProcess (is OCULIXPro.dll registered?)</source>
+        <translation>无法创建 CamProcess（OCULIXPro.dll 是否已注册？）</translation>
+    </message>
+    <message>
+        <source>Could not put CamProcess filter in graph</source>
+        <translation>无法将 CamProcess 滤镜加入采集图</translation>
+    </message>
+    <message>
+        <source>Could not get sample grabber filter</source>
+        <translation>无法获取帧抓取滤镜</translation>
+    </message>
+    <message>
+        <source>Could not set media type</source>
+        <translation>无法设置媒体类型</translation>
+    </message>
+    <message>
+        <source>Unable to make a VM7 renderer</source>
+        <translation>无法创建视频渲染器</translation>
+    </message>
+    <message>
+        <source>Could not put sample grabber in graph</source>
+        <translation>无法将帧抓取器加入采集图</translation>
+    </message>
+    <message>
+        <source>Could not put smart tee in graph</source>
+        <translation>无法将分流器加入采集图</translation>
+    </message>
+    <message>
+        <source>Find capture device failed.</source>
+        <translation>未找到采集设备。</translation>
+    </message>
+    <message>
+        <source>Could not create CamProcess (is CamProcess.dll registered?)</source>
+        <translation>无法创建 CamProcess（CamProcess.dll 是否已注册？）</translation>
+    </message>
+    <message>
+        <source>Could not put OculixPro filter in graph</source>
+        <translation>无法将 OculixPro 滤镜加入采集图</translation>
+    </message>
+    <message>
+        <source>Could not create compressor </source>
+        <translation>无法创建压缩器 </translation>
+    </message>
+    <message>
+        <source>Could not create AVI Mux Filter (is qcap.dll registered?)</source>
+        <translation>无法创建 AVI 复用器（qcap.dll 是否已注册？）</translation>
+    </message>
+    <message>
+        <source>Unable to make a FileWriter</source>
+        <translation>无法创建文件写入器</translation>
+    </message>
+    <message>
+        <source>Unable to get IFileSinkFilter</source>
+        <translation>无法获取文件输出</translation>
+    </message>
+    <message>
+        <source>Could not get video window interface</source>
+        <translation>无法获取视频窗口</translation>
+    </message>
+    <message>
+        <source>%1 Properties</source>
+        <translation>%1 属性</translation>
+    </message>
+    <message>
+        <source>Error Creating Device Enumerator</source>
+        <translation>创建设备枚举器时出错</translation>
+    </message>
+    <message>
+        <source>Sorry, you have no video capture hardware.<byte value="xd" />
+<byte value="xd" />
+Video capture will not function properly.</source>
+        <translation>抱歉，您没有视频采集硬件。<byte value="xd" />
+<byte value="xd" />
+视频采集将无法正常工作。</translation>
+    </message>
+</context>
+<context>
+    <name>Command</name>
+    <message>
+        <source>&amp;New Preview	Ctrl+N</source>
+        <translation>新建预览(&amp;N)	Ctrl+N</translation>
+    </message>
+    <message>
+        <source>New preview</source>
+        <translation>新建预览</translation>
+    </message>
+    <message>
+        <source>&amp;Open...	Ctrl+O</source>
+        <translation>打开(&amp;O)...	Ctrl+O</translation>
+    </message>
+    <message>
+        <source>Open an existing image</source>
+        <translation>打开已有的图像</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>关闭(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Close the active imaget</source>
+        <translation>关闭当前图像</translation>
+    </message>
+    <message>
+        <source>E&amp;xit</source>
+        <translation>退出(&amp;X)</translation>
+    </message>
+    <message>
+        <source>&amp;Status Bar</source>
+        <translation>状态栏(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Show or hide the status bar</source>
+        <translation>显示或隐藏状态栏</translation>
+    </message>
+    <message>
+        <source>&amp;Tool Bar</source>
+        <translation>工具栏(&amp;T)</translation>
+    </message>
+    <message>
+        <source>Show or hide the toolbar</source>
+        <translation>显示或隐藏工具栏</translation>
+    </message>
+    <message>
+        <source>&amp;Process Bar</source>
+        <translation>处理栏(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Show or hide Process Bar</source>
+        <translation>显示或隐藏处理栏</translation>
+    </message>
+    <message>
+        <source>&amp;Measure Bar</source>
+        <translation>测量栏(&amp;M)</translation>
+    </message>
+    <message>
+        <source>Show or hide the measure bar</source>
+        <translation>显示或隐藏测量栏</translation>
+    </message>
+    <message>
+        <source>&amp;Full Screen</source>
+        <translation>全屏(&amp;F)</translation>
+    </message>
+    <message>
+        <source>Toggles full screen mode On and Off</source>
+        <translation>打开或关闭全屏模式</translation>
+    </message>
+    <message>
+        <source>Fullscreen camera video</source>
+        <translation>全屏显示相机视频</translation>
+    </message>
+    <message>
+        <source>&amp;Adjust</source>
+        <translation>调节(&amp;A)</translation>
+    </message>
+    <message>
+        <source>Show video adjusting dialog</source>
+        <translation>显示视频调节对话框</translation>
+    </message>
+    <message>
+        <source>&amp;Enable</source>
+        <translation>启用(&amp;E)</translation>
+    </message>
+    <message>
+        <source>Enable realtime process</source>
+        <translation>启用实时处理</translation>
+    </message>
+    <message>
+        <source>Flip &amp;Horizontal</source>
+        <translation>水平翻转(&amp;H)</translation>
+    </message>
+    <message>
+        <source>Flip image horizontal </source>
+        <translation>水平翻转图像</translation>
+    </message>
+    <message>
+        <source>Flip &amp;Vertical</source>
+        <translation>垂直翻转(&amp;V)</translation>
+    </message>
+    <message>
+        <source>Flip image vertical</source>
+        <translation>垂直翻转图像</translation>
+    </message>
+    <message>
+        <source>&amp;Gray</source>
+        <translation>灰度(&amp;G)</translation>
+    </message>
+    <message>
+        <source>Gray image</source>
+        <translation>灰度图像</translation>
+    </message>
+    <message>
+        <source>&amp;Negative</source>
+        <translation>负片(&amp;N)</translation>
+    </message>
+    <message>
+        <source>Negative image</source>
+        <translation>负片图像</translation>
+    </message>
+    <message>
+        <source>&amp;Emboss</source>
+        <translation>浮雕(&amp;E)</translation>
+    </message>
+    <message>
+        <source>Emboss image</source>
+        <translation>浮雕图像</translation>
+    </message>
+    <message>
+        <source>&amp;Sharpen</source>
+        <translation>锐化(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Sharpen image</source>
+        <translation>锐化图像</translation>
+    </message>
+    <message>
+        <source>&amp;Binary</source>
+        <translation>二值化(&amp;B)</translation>
+    </message>
+    <message>
+        <source>Binary image</source>
+        <translation>二值图像</translation>
+    </message>
+    <message>
+        <source>Mo&amp;ve</source>
+        <translation>移动(&amp;V)</translation>
+    </message>
+    <message>
+        <source>Move elements</source>
+        <translation>移动图形</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>点</translation>
+    </message>
+    <message>
+        <source>&amp;Line</source>
+        <translation>直线(&amp;L)</translation>
+    </message>
+    <message>
+        <source>Draw line</source>
+        <translation>绘制直线</translation>
+    </message>
+    <message>
+        <source>&amp;Angle</source>
+        <translation>角度(&amp;A)</translation>
+    </message>
+    <message>
+        <source>Draw angle </source>
+        <translation>绘制角度</translation>
+    </message>
+    <message>
+        <source>&amp;Rect</source>
+        <translation>矩形(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Draw rect</source>
+        <translation>绘制矩形</translation>
+    </message>
+    <message>
+        <source>&amp;Circle</source>
+        <translation>圆(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Draw circle</source>
+        <translation>绘制圆</translation>
+    </message>
+    <message>
+        <source>&amp;TriCircle</source>
+        <translation>三点圆(&amp;T)</translation>
+    </message>
+    <message>
+        <source>Draw tricircle</source>
+        <translation>绘制三点圆</translation>
+    </message>
+    <message>
+        <source>&amp;Polygon</source>
+        <translation>多边形(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Draw polygon</source>
+        <translation>绘制多边形</translation>
+    </message>
+    <message>
+        <source>Count&amp;ing</source>
+        <translation>计数(&amp;I)</translation>
+    </message>
+    <message>
+        <source>Draw counting</source>
+        <translation>绘制计数标记</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>删除(&amp;D)</translation>
+    </message>
+    <message>
+        <source>Delete one element</source>
+        <translation>删除一个图形</translation>
+    </message>
+    <message>
+        <source>Delete&amp;All</source>
+        <translation>全部删除(&amp;A)</translation>
+    </message>
+    <message>
+        <source>Delete all elements</source>
+        <translation>删除所有图形</translation>
+    </message>
+    <message>
+        <source>Calibratio&amp;n</source>
+        <translation>校准(&amp;N)</translation>
+    </message>
+    <message>
+        <source>Calibration</source>
+        <translation>校准</translation>
+    </message>
+    <message>
+        <source>&amp;Setting</source>
+        <translation>设置(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Measure setting</source>
+        <translation>测量设置</translation>
+    </message>
+    <message>
+        <source>Ex&amp;port data</source>
+        <translation>导出数据(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Export measurement data to csv file</source>
+        <translation>将测量数据导出为 CSV 文件</translation>
+    </message>
+    <message>
+        <source>A&amp;rrow</source>
+        <translation>箭头(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Draw Arrow Annotation</source>
+        <translation>绘制箭头标注</translation>
+    </message>
+    <message>
+        <source>&amp;Text</source>
+        <translation>文字(&amp;T)</translation>
+    </message>
+    <message>
+        <source>Draw Text Annotation</source>
+        <translation>绘制文字标注</translation>
+    </message>
+    <message>
+        <source>&amp;Cross Line</source>
+        <translation>十字线(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Solid crossline</source>
+        <translation>实线十字线</translation>
+    </message>
+    <message>
+        <source>Dashed C&amp;ross Line</source>
+        <translation>虚线十字线(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Dashed crossline</source>
+        <translation>虚线十字线</translation>
+    </message>
+    <message>
+        <source>Video Capture &amp;Device...</source>
+        <translation>视频采集设备(&amp;D)...</translation>
+    </message>
+    <message>
+        <source>Change video capture device</source>
+        <translation>更换视频采集设备</translation>
+    </message>
+    <message>
+        <source>Video &amp;Resolution</source>
+        <translation>视频分辨率(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Setting video capture properties</source>
+        <translation>设置视频采集属性</translation>
+    </message>
+    <message>
+        <source>Video &amp;Properties</source>
+        <translation>视频属性(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Adjusting video capture filter properties</source>
+        <translation>调节视频采集滤镜属性</translation>
+    </message>
+    <message>
+        <source>Capture picture to an active view</source>
+        <translation>将画面拍照到新窗口</translation>
+    </message>
+    <message>
+        <source>Preview camera device</source>
+        <translation>预览相机画面</translation>
+    </message>
+    <message>
+        <source>Pause the camera video</source>
+        <translation>暂停相机视频</translation>
+    </message>
+    <message>
+        <source>Zoom display</source>
+        <translation>缩放显示</translation>
+    </message>
+    <message>
+        <source>&amp;Cascade</source>
+        <translation>层叠(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Tile &amp;Horizontal</source>
+        <translation>水平平铺(&amp;H)</translation>
+    </message>
+    <message>
+        <source>Tile &amp;Vertical</source>
+        <translation>垂直平铺(&amp;V)</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>帮助(&amp;H)</translation>
+    </message>
+    <message>
+        <source>How to use</source>
+        <translation>使用说明</translation>
+    </message>
+    <message>
+        <source>&amp;About...</source>
+        <translation>关于(&amp;A)...</translation>
     </message>
 </context>
 <context>
     <name>CommandLine</name>
     <message>
         <source>Use the simulated camera instead of a real one.</source>
-        <translation type="unfinished"></translation>
+        <translation>使用模拟相机代替真实相机。</translation>
     </message>
     <message>
         <source>Show this help.</source>
-        <translation type="unfinished"></translation>
+        <translation>显示此帮助。</translation>
     </message>
     <message>
-        <source>Measure on a microscope camera&apos;s live picture.</source>
-        <translation type="unfinished"></translation>
+        <source>Measure on a microscope camera's live picture.</source>
+        <translation>在显微镜相机的实时画面上测量。</translation>
     </message>
     <message>
         <source>Picture file to open.</source>
-        <translation type="unfinished"></translation>
+        <translation>要打开的图片文件。</translation>
     </message>
 </context>
 <context>
     <name>DlgSelectFile</name>
     <message>
         <source>Open</source>
-        <translation type="unfinished"></translation>
+        <translation>打开</translation>
     </message>
     <message>
         <source>No preview</source>
-        <translation type="unfinished"></translation>
+        <translation>无预览</translation>
     </message>
     <message>
         <source>%1 x %2, %3 bits</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 x %2，%3 位</translation>
+    </message>
+</context>
+<context>
+    <name>FCObjImage</name>
+    <message>
+        <source>Invalid picture size or depth</source>
+        <translation>图片尺寸或位深无效</translation>
+    </message>
+    <message>
+        <source>Not enough memory for the picture</source>
+        <translation>内存不足，无法容纳图片</translation>
+    </message>
+    <message>
+        <source>Invalid picture size</source>
+        <translation>图片尺寸无效</translation>
+    </message>
+    <message>
+        <source>Not enough memory to resize the picture</source>
+        <translation>内存不足，无法调整图片大小</translation>
+    </message>
+    <message>
+        <source>No picture</source>
+        <translation>没有图片</translation>
+    </message>
+    <message>
+        <source>The picture is too large</source>
+        <translation>图片太大</translation>
+    </message>
+    <message>
+        <source>No picture to save</source>
+        <translation>没有可保存的图片</translation>
+    </message>
+</context>
+<context>
+    <name>Menu</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>文件(&amp;F)</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>视图(&amp;V)</translation>
+    </message>
+    <message>
+        <source>&amp;Measure</source>
+        <translation>测量(&amp;M)</translation>
+    </message>
+    <message>
+        <source>&amp;Process</source>
+        <translation>处理(&amp;P)</translation>
+    </message>
+    <message>
+        <source>V&amp;ideo</source>
+        <translation>视频(&amp;I)</translation>
+    </message>
+    <message>
+        <source>&amp;Window</source>
+        <translation>窗口(&amp;W)</translation>
+    </message>
+    <message>
+        <source>&amp;Language</source>
+        <translation>语言(&amp;L)</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>帮助(&amp;H)</translation>
+    </message>
+</context>
+<context>
+    <name>SvrFile</name>
+    <message>
+        <source>Cannot open %1.
+%2</source>
+        <translation>无法打开 %1。
+%2</translation>
+    </message>
+    <message>
+        <source>Cannot read %1.
+%2</source>
+        <translation>无法读取 %1。
+%2</translation>
+    </message>
+    <message>
+        <source>Cannot create %1.
+%2</source>
+        <translation>无法创建 %1。
+%2</translation>
+    </message>
+    <message>
+        <source>Cannot write %1.
+%2</source>
+        <translation>无法写入 %1。
+%2</translation>
+    </message>
+</context>
+<context>
+    <name>ToolBar</name>
+    <message>
+        <source>Standard</source>
+        <translation>标准</translation>
+    </message>
+    <message>
+        <source>Measure</source>
+        <translation>测量</translation>
+    </message>
+    <message>
+        <source>Process</source>
+        <translation>处理</translation>
     </message>
 </context>
 </TS>

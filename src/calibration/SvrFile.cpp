@@ -1,5 +1,6 @@
 #include "calibration/SvrFile.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QSaveFile>
 #include <QStringDecoder>
@@ -144,7 +145,7 @@ Status Read(const QString& path, SvrData& data, QString* error)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (error)
-            *error = QStringLiteral("Cannot open %1.\n%2").arg(path, file.errorString());
+            *error = QCoreApplication::translate("SvrFile", "Cannot open %1.\n%2").arg(path, file.errorString());
         return Status::CannotOpen;
     }
     // Enough for eleven lines of the longest allowed length with their line
@@ -153,7 +154,7 @@ Status Read(const QString& path, SvrData& data, QString* error)
     const QByteArray head = file.read(kHeadBytes);
     if (file.error() != QFileDevice::NoError) {
         if (error)
-            *error = QStringLiteral("Cannot read %1.\n%2").arg(path, file.errorString());
+            *error = QCoreApplication::translate("SvrFile", "Cannot read %1.\n%2").arg(path, file.errorString());
         return Status::CannotOpen;
     }
     const std::optional<SvrData> read = FromBytes(head);
@@ -171,13 +172,13 @@ Status Write(const QString& path, const SvrData& data, QString* error)
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         if (error)
-            *error = QStringLiteral("Cannot create %1.\n%2").arg(path, file.errorString());
+            *error = QCoreApplication::translate("SvrFile", "Cannot create %1.\n%2").arg(path, file.errorString());
         return Status::CannotWrite;
     }
     const QByteArray bytes = ToBytes(data);
     if (file.write(bytes) != bytes.size() || !file.commit()) {
         if (error)
-            *error = QStringLiteral("Cannot write %1.\n%2").arg(path, file.errorString());
+            *error = QCoreApplication::translate("SvrFile", "Cannot write %1.\n%2").arg(path, file.errorString());
         file.cancelWriting();
         return Status::CannotWrite;
     }

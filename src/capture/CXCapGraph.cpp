@@ -14,6 +14,7 @@
 #include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
 
+#include <QCoreApplication>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
@@ -100,7 +101,7 @@ int CXCapGraph::InitPipeline()
     if (m_graph)
         return S_OK;
     if (!EnsureGStreamer() || !(m_graph = gst_pipeline_new("graph"))) {
-        Fail(QStringLiteral("Could not create filter graph"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not create filter graph"));
         return E_FAIL;
     }
     gst_object_ref_sink(m_graph);
@@ -113,7 +114,7 @@ int CXCapGraph::InitPipeline()
 int CXCapGraph::AddDevice()
 {
     if (!m_device || !gst_bin_add(GST_BIN(m_graph), m_device)) {
-        Fail(QStringLiteral("Try to connect capture device failed."));
+        Fail(QCoreApplication::translate("CXCapGraph", "Try to connect capture device failed."));
         return E_FAIL;
     }
     m_graphReady = 1;
@@ -126,7 +127,7 @@ int CXCapGraph::InitGraph()
         return E_FAIL;
     GstElement* filter = nullptr;
     if (FAILED(GetSpecCapDevice(&filter, m_deviceName))) {
-        Fail(QStringLiteral("Try to find capture device failed."));
+        Fail(QCoreApplication::translate("CXCapGraph", "Try to find capture device failed."));
         return E_FAIL;
     }
     return AddDevice();
@@ -253,17 +254,17 @@ void CXCapGraph::BuildPreviewGraph()
 
     // 1. Tee, grabber, processing element.
     if (!(m_tee = Make("tee", "Smart Tee"))) {
-        Fail(QStringLiteral("Could not create smart tee"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not create smart tee"));
         return;
     }
     gst_object_ref_sink(m_tee);
     if (!(m_grabber = Make("capsfilter", "Grabber"))) {
-        Fail(QStringLiteral("Could not create SampleGrabber (is qedit.dll registered?)"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not create SampleGrabber (is qedit.dll registered?)"));
         return;
     }
     gst_object_ref_sink(m_grabber);
     if (!(m_processElement = CreateCamProcessElement(m_processState, "VKT CamProcess"))) {
-        Fail(QStringLiteral("Could not create CamProcess (is OCULIXPro.dll registered?)"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not create CamProcess (is OCULIXPro.dll registered?)"));
         return;
     }
     gst_object_ref_sink(m_processElement);
@@ -274,19 +275,19 @@ void CXCapGraph::BuildPreviewGraph()
 
     // 3-5.
     if (!Add(m_processElement)) {
-        Fail(QStringLiteral("Could not put CamProcess filter in graph"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not put CamProcess filter in graph"));
         return;
     }
     GstPad* grabberOut = gst_element_get_static_pad(m_grabber, "src");
     if (!grabberOut) {
-        Fail(QStringLiteral("Could not get sample grabber filter"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not get sample grabber filter"));
         return;
     }
     GstCaps* mediaType = gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "BGR", "width",
         G_TYPE_INT, int(m_width.load()), "height", G_TYPE_INT, int(m_height.load()), nullptr);
     if (!mediaType) {
         gst_object_unref(grabberOut);
-        Fail(QStringLiteral("Could not set media type"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not set media type"));
         return;
     }
     g_object_set(m_grabber, "caps", mediaType, nullptr);
@@ -297,7 +298,7 @@ void CXCapGraph::BuildPreviewGraph()
     // 6-7. Renderer, grabber and tee into the pipeline.
     if (!(m_renderer = MakeRenderer())) {
         gst_object_unref(grabberOut);
-        Fail(QStringLiteral("Unable to make a VM7 renderer"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Unable to make a VM7 renderer"));
         return;
     }
     gst_object_ref_sink(m_renderer);
@@ -308,12 +309,12 @@ void CXCapGraph::BuildPreviewGraph()
     }
     if (!Add(m_grabber)) {
         gst_object_unref(grabberOut);
-        Fail(QStringLiteral("Could not put sample grabber in graph"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not put sample grabber in graph"));
         return;
     }
     if (!Add(m_tee)) {
         gst_object_unref(grabberOut);
-        Fail(QStringLiteral("Could not put smart tee in graph"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not put smart tee in graph"));
         return;
     }
 
@@ -322,7 +323,7 @@ void CXCapGraph::BuildPreviewGraph()
     GstPad* capturePin = m_device ? gst_element_get_static_pad(m_device, "src") : nullptr;
     if (!capturePin) {
         gst_object_unref(grabberOut);
-        Fail(QStringLiteral("Find capture device failed."));
+        Fail(QCoreApplication::translate("CXCapGraph", "Find capture device failed."));
         return;
     }
     gst_object_unref(capturePin);
@@ -377,21 +378,21 @@ void CXCapGraph::BuildRecordGraph()
 
     // 1-3. Processing element.
     if (!(m_processElement = CreateCamProcessElement(m_processState, "VKT CamProcess"))) {
-        Fail(QStringLiteral("Could not create CamProcess (is CamProcess.dll registered?)"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not create CamProcess (is CamProcess.dll registered?)"));
         return;
     }
     gst_object_ref_sink(m_processElement);
     m_process = m_processState.get();
     ChooseDeviceFormat(false);
     if (!Add(m_processElement)) {
-        Fail(QStringLiteral("Could not put OculixPro filter in graph"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not put OculixPro filter in graph"));
         return;
     }
 
     // 4. Camera to the processing element.
     GstPad* capturePin = m_device ? gst_element_get_static_pad(m_device, "src") : nullptr;
     if (!capturePin) {
-        Fail(QStringLiteral("Find capture device failed."));
+        Fail(QCoreApplication::translate("CXCapGraph", "Find capture device failed."));
         return;
     }
     gst_object_unref(capturePin);
@@ -409,12 +410,12 @@ void CXCapGraph::BuildRecordGraph()
 
     // 5-7. Tee after the processing element.
     if (!(m_tee = Make("tee", "Smart Tee"))) {
-        Fail(QStringLiteral("Could not create smart tee"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not create smart tee"));
         return;
     }
     gst_object_ref_sink(m_tee);
     if (!Add(m_tee)) {
-        Fail(QStringLiteral("Could not put smart tee in graph"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not put smart tee in graph"));
         return;
     }
     if (!gst_element_link(m_processElement, m_tee)) {
@@ -445,7 +446,7 @@ void CXCapGraph::BuildRecordGraph()
     if (!queue || !rate || !rateCaps || !encoder || !Add(queue) || !Add(rate) || !Add(rateCaps)
         || !Add(encoder)) {
         releasePads();
-        Fail(QStringLiteral("Could not create compressor "));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not create compressor "));
         return;
     }
     int fpsNum = m_currentFormat.fpsNum;
@@ -477,7 +478,7 @@ void CXCapGraph::BuildRecordGraph()
     GstElement* mux = Make("avimux", "AVI Mux");
     if (!mux || !Add(mux)) {
         releasePads();
-        Fail(QStringLiteral("Could not create AVI Mux Filter (is qcap.dll registered?)"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not create AVI Mux Filter (is qcap.dll registered?)"));
         return;
     }
     if (!gst_element_link(encoder, mux)) {
@@ -494,7 +495,7 @@ void CXCapGraph::BuildRecordGraph()
     GstElement* writer = Make("filesink", "File Writer");
     if (!writer) {
         releasePads();
-        Fail(QStringLiteral("Unable to make a FileWriter"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Unable to make a FileWriter"));
         return;
     }
     if (!Add(writer)) {
@@ -504,7 +505,7 @@ void CXCapGraph::BuildRecordGraph()
     }
     if (!g_object_class_find_property(G_OBJECT_GET_CLASS(writer), "location")) {
         releasePads();
-        Fail(QStringLiteral("Unable to get IFileSinkFilter"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Unable to get IFileSinkFilter"));
         return;
     }
     m_fileSink = writer;
@@ -534,7 +535,7 @@ void CXCapGraph::BuildRecordGraph()
         if (previewQueue)
             gst_object_unref(gst_object_ref_sink(previewQueue));
         releasePads();
-        Fail(QStringLiteral("Unable to make a VM7 renderer"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Unable to make a VM7 renderer"));
         return;
     }
     gst_object_ref_sink(m_renderer);
@@ -635,7 +636,7 @@ int CXCapGraph::SetParentWnd(QWidget* owner, int x, int y, int width, int height
     qCDebug(lcCapture, "SetParentWnd:%d, %d, %d, %d", x, y, width, height);
     m_owner = owner;
     if (!m_renderer) {
-        Fail(QStringLiteral("Could not get video window interface"));
+        Fail(QCoreApplication::translate("CXCapGraph", "Could not get video window interface"));
         return E_FAIL;
     }
     // Without a widget application (tools, benchmarks) there is nothing to
@@ -763,7 +764,7 @@ int CXCapGraph::ShowDeviceProperties()
     if (!m_device)
         return E_FAIL;
     CDevicePropertiesDlg dialog(m_device, m_boundDevice, m_owner);
-    dialog.setWindowTitle(QStringLiteral("%1 Properties").arg(m_deviceName));
+    dialog.setWindowTitle(QCoreApplication::translate("CXCapGraph", "%1 Properties").arg(m_deviceName));
     dialog.exec();
     return S_OK;
 }
@@ -1186,12 +1187,12 @@ void CXCapGraph::EnumDevices()
     bool monitorFailed = false;
     std::vector<GstDevice*> devices = ListDevices(&monitorFailed);
     if (monitorFailed) {
-        MessageBox(QStringLiteral("Error Creating Device Enumerator"), kCaption, kErrorFlags);
+        MessageBox(QCoreApplication::translate("CXCapGraph", "Error Creating Device Enumerator"), kCaption, kErrorFlags);
         return;
     }
     if (devices.empty()) {
-        MessageBox(QStringLiteral("Sorry, you have no video capture hardware.\r\n\r\n"
-                                  "Video capture will not function properly."),
+        MessageBox(QCoreApplication::translate("CXCapGraph",
+                       "Sorry, you have no video capture hardware.\r\n\r\nVideo capture will not function properly."),
             QGuiApplication::applicationDisplayName(), MB_OK | MB_ICONWARNING);
         return;
     }

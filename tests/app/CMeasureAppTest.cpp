@@ -265,6 +265,46 @@ TEST_F(MeasureAppTest, HelpAboutAndASecondCopysRequest)
     EXPECT_EQ(boxes.back().text, "Already having one instance running!");
 }
 
+// A menu, a dialog title and a message box in each translated language; the
+// translators go with the program.
+TEST_F(MeasureAppTest, LanguageTranslatesMenusDialogsAndMessages)
+{
+    const struct
+    {
+        int langId;
+        const char* file;
+        const char* about;
+        const char* message;
+    } rows[] { { kLangIdFrench, "&Fichier", "À propos de Oculix", "Une instance est déjà en cours d'exécution !" },
+        { kLangIdChinese, "文件(&F)", "关于 Oculix", "已有一个实例正在运行！" },
+        { kLangIdEnglish, "&File", "About Oculix", "Already having one instance running!" } };
+    for (const auto& row : rows) {
+        StoreLanguageChoice(row.langId);
+        ASSERT_TRUE(Start({ "Oculix" }));
+        CMainFrame* frame = app->GetMainFrame();
+        EXPECT_EQ(frame->menuBar()->actions().front()->text(), QString::fromUtf8(row.file));
+        QString title;
+        QTimer::singleShot(0, [&] {
+            if (QWidget* about = QApplication::activeModalWidget()) {
+                title = about->windowTitle();
+                about->close();
+            }
+        });
+        frame->RouteCommand(ID_APP_ABOUT);
+        EXPECT_EQ(title, QString::fromUtf8(row.about));
+        std::vector<QString> texts;
+        ScopedMessageBoxHandler handler([&](const MessageBoxRequest& r) {
+            texts.push_back(r.text);
+            return IDOK;
+        });
+        frame->OnActivateInstance();
+        ASSERT_EQ(texts.size(), 1u);
+        EXPECT_EQ(texts.front(), QString::fromUtf8(row.message));
+        app.reset();
+        EXPECT_EQ(QCoreApplication::translate("Menu", "&File"), "&File") << "translators leave with the program";
+    }
+}
+
 TEST(MeasureAppFilters, ClassicFilterFirstThenEveryReadableFormat)
 {
     const QStringList filters = CMeasureApp::PictureOpenFilters();
