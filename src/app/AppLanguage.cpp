@@ -15,6 +15,7 @@ constexpr int kSubDefault = 0x0400;
 
 constexpr std::array kChineseIds { 0x0004, 0x0404, 0x0804, 0x0C04, 0x1004, 0x1404, 0x7C04 };
 constexpr std::array kFrenchIds { 0x040C, 0x080C, 0x0C0C, 0x100C, 0x140C, 0x180C };
+constexpr std::array kSemicolonCsvIds { 0x040C, 0x080C, 0x0C0C, 0x100C, 0x140C };
 
 struct TerritoryId
 {
@@ -128,6 +129,11 @@ InterfaceLanguage ClassifyLanguageId(int langId)
     if (std::find(kFrenchIds.begin(), kFrenchIds.end(), langId) != kFrenchIds.end())
         return InterfaceLanguage::French;
     return InterfaceLanguage::English;
+}
+
+bool UsesSemicolonCsv(int langId)
+{
+    return std::find(kSemicolonCsvIds.begin(), kSemicolonCsvIds.end(), langId) != kSemicolonCsvIds.end();
 }
 
 int LanguageIdFromLocale(const QLocale& locale)

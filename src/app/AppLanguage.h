@@ -9,6 +9,10 @@ enum class InterfaceLanguage { English, Chinese, French };
 
 InterfaceLanguage ClassifyLanguageId(int langId);
 
+// The measurement export separates with semicolons for these French
+// identifiers only; Monaco's, although French for the interface, keeps commas.
+bool UsesSemicolonCsv(int langId);
+
 // The language identifier of a locale: primary language in the low ten bits,
 // sub-language (the territory) above. A locale without one gives 0x0C00, the
 // identifier of a custom locale.

@@ -4,6 +4,7 @@
 #include "app/CCmdTarget.h"
 #include "app/CCommandLineInfo.h"
 #include "app/CMainFrame.h"
+#include "app/IDocumentHost.h"
 #include "platform/AppPaths.h"
 
 #include <QObject>
@@ -23,7 +24,7 @@ class QTranslator;
 // The program as a whole: start-up (brand, folders, language, the main
 // frame, the first document), the commands that belong to no document, and
 // the orderly end. Needs a QApplication; one at a time.
-class CMeasureApp : public QObject, public CCmdTarget
+class CMeasureApp : public QObject, public CCmdTarget, public IDocumentHost
 {
     Q_OBJECT
 
@@ -45,7 +46,7 @@ public:
     int GetExitCode() const { return m_exitCode; }
 
     // The framework's new-file path: a new document of the first template.
-    CDocument* OnFileNew();
+    CDocument* OnFileNew() override;
     // "&Open...": asks for a picture, starting at the last one chosen in
     // this run, and opens it as a picture document.
     CDocument* OnFileOpen();
@@ -57,7 +58,7 @@ public:
     CMainFrame* GetMainFrame() const { return m_mainFrame; }
     const AppPaths& GetPaths() const { return m_paths; }
     const CCommandLineInfo& GetCommandLineInfo() const { return m_cmdInfo; }
-    int GetLanguageId() const { return m_langId; }
+    int GetLanguageId() const override { return m_langId; }
     InterfaceLanguage GetLanguage() const { return m_language; }
     bool IsChinese() const { return m_language == InterfaceLanguage::Chinese; }
     // The name of the chosen language's resource module, as the settings give it.

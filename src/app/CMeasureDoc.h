@@ -190,4 +190,8 @@ private:
 
     std::unique_ptr<CRulerSettingDlg> m_pCalibrationDlg;
     bool m_bCalibrationShown = false;
+
+    // At most one live document in the process; only the user-interface
+    // thread reads or writes it.
+    static inline CMeasureDoc* s_pLiveDocument = nullptr;
 };

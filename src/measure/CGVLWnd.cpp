@@ -1,8 +1,8 @@
 #include "measure/CGVLWnd.h"
 
-#include "calibration/CRulerSettingDlg.h"
 #include "image/FCObjImage.h"
 #include "measure/CGVLElemMgr.h"
+#include "measure/CRulerSettingDlg.h"
 #include "measure/GdiPainter.h"
 #include "measure/IMeasureDocument.h"
 #include "measure/WindowCalls.h"

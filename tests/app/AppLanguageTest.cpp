@@ -7,8 +7,13 @@ TEST(AppLanguage, ClassifiesTheListedIdentifiersOnly)
 {
     for (int id : { 0x0004, 0x0404, 0x0804, 0x0C04, 0x1004, 0x1404, 0x7C04 })
         EXPECT_EQ(ClassifyLanguageId(id), InterfaceLanguage::Chinese) << std::hex << id;
-    for (int id : { 0x040C, 0x080C, 0x0C0C, 0x100C, 0x140C, 0x180C })
+    for (int id : { 0x040C, 0x080C, 0x0C0C, 0x100C, 0x140C, 0x180C }) {
         EXPECT_EQ(ClassifyLanguageId(id), InterfaceLanguage::French) << std::hex << id;
+        // Monaco's French interface still exports with commas.
+        EXPECT_EQ(UsesSemicolonCsv(id), id != 0x180C) << std::hex << id;
+    }
+    for (int id : { 0x0409, 0x0804, 0x000C, 0x1C0C, 0x2C0C, 0x0407, 0 })
+        EXPECT_FALSE(UsesSemicolonCsv(id)) << std::hex << id;
     // Other territories of the same languages, and everything else, are English.
     for (int id : { 0x0409, 0x0809, 0x2C0C, 0x300C, 0x000C, 0x1804, 0x0407, 0x0000, 0xFFFF, -1 })
         EXPECT_EQ(ClassifyLanguageId(id), InterfaceLanguage::English) << std::hex << id;

@@ -2,8 +2,8 @@
 #include "TestFiles.h"
 #include "app/CommandTable.h"
 #include "app/DlgSelectFile.h"
-#include "calibration/CRulerSettingDlg.h"
 #include "image/FCObjImage.h"
+#include "measure/CRulerSettingDlg.h"
 #include "platform/PrivateProfile.h"
 
 #include <QComboBox>

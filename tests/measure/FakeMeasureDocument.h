@@ -1,10 +1,10 @@
 #pragma once
 
-#include "calibration/CRulerSettingDlg.h"
 #include "image/FCObjImage.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLRuler.h"
 #include "measure/CGVLWnd.h"
+#include "measure/CRulerSettingDlg.h"
 #include "measure/IMeasureDocument.h"
 
 #include <QColor>

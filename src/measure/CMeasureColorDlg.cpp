@@ -1,6 +1,6 @@
-#include "calibration/CMeasureColorDlg.h"
+#include "measure/CMeasureColorDlg.h"
 
-#include "calibration/CColorSelectComboBox.h"
+#include "measure/CColorSelectComboBox.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/WindowCalls.h"
 

@@ -1,7 +1,7 @@
-#include "calibration/CMeasureColorDlg.h"
+#include "measure/CMeasureColorDlg.h"
 
-#include "calibration/CColorSelectComboBox.h"
 #include "calibration/MeasureTables.h"
+#include "measure/CColorSelectComboBox.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/FakeMeasureDocument.h"
 

@@ -1,4 +1,4 @@
-#include "calibration/CRulerSettingDlg.h"
+#include "measure/CRulerSettingDlg.h"
 
 #include "calibration/MeasureTables.h"
 #include "measure/CGVLElemMgr.h"

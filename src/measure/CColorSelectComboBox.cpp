@@ -1,4 +1,4 @@
-#include "calibration/CColorSelectComboBox.h"
+#include "measure/CColorSelectComboBox.h"
 
 #include "calibration/MeasureTables.h"
 

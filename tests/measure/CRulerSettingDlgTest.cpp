@@ -1,4 +1,4 @@
-#include "calibration/CRulerSettingDlg.h"
+#include "measure/CRulerSettingDlg.h"
 
 #include "TestFiles.h"
 #include "measure/FakeMeasureDocument.h"

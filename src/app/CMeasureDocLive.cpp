@@ -1,0 +1,257 @@
+#include "app/CMeasureDoc.h"
+#include "app/IDocumentHost.h"
+#include "capture/CChooseDeviceDlg.h"
+#include "measure/CGVLElemMgr.h"
+#include "platform/DebugLog.h"
+
+namespace {
+
+std::atomic<int> g_runningWorkers { 0 };
+
+} // namespace
+
+bool CMeasureDoc::StartLive(QWidget* videoOwner)
+{
+    if (!m_bHasCamera || s_pLiveDocument)
+        return false;
+    s_pLiveDocument = this;
+    m_graph.BuildPreviewGraph();
+    if (m_graph.RunGraph() != S_OK) {
+        s_pLiveDocument = nullptr;
+        m_graph.ReleaseAll();
+        m_bHasCamera = false;
+        return false;
+    }
+    unsigned width = 0, height = 0;
+    m_graph.GetVideoSize(&width, &height);
+    m_nImageWidth = int(width);
+    m_nImageHeight = int(height);
+    m_graph.SetParentWnd(videoOwner, 0, 0, int(width), int(height));
+    m_graph.SetStreamErrorHandler([this](const QString&) {
+        // The graph is down: the view shows the last frozen frame, if any.
+        StopOverlayWorker();
+        m_bPreviewRunning = false;
+        RepaintOverlayWindow();
+    });
+    AllocateOverlays(width, height);
+    m_graph.SetProcessEnable(1);
+    m_graph.SetOverlay(1, &m_pCurrentOverlay);
+    ReadBackState();
+    m_bPreviewRunning = true;
+    m_bLive = true;
+    StartOverlayWorker();
+    return true;
+}
+
+void CMeasureDoc::AllocateOverlays(unsigned width, unsigned height)
+{
+    // 1,1,1 marks pixels no shape covers.
+    const std::size_t bytes = CGVLElemMgr::BitsStride(int(width)) * height;
+    m_overlayA.assign(bytes, 1);
+    m_overlayB.assign(bytes, 1);
+    m_nOverlayWidth = width;
+    m_nOverlayHeight = height;
+    std::atomic_ref<uchar*>(m_pCurrentOverlay).store(m_overlayA.data());
+}
+
+void CMeasureDoc::StartOverlayWorker()
+{
+    if (m_overlayThread.joinable())
+        return;
+    {
+        std::lock_guard lock(m_stopMutex);
+        m_bStopOverlay = false;
+    }
+    // Counted from its start, so it is never missed between start and first run.
+    ++g_runningWorkers;
+    m_overlayThread = std::thread([this] { MakeElemOverlay(); });
+}
+
+void CMeasureDoc::StopOverlayWorker()
+{
+    if (m_overlayThread.joinable()) {
+        {
+            std::lock_guard lock(m_stopMutex);
+            m_bStopOverlay = true;
+        }
+        m_stopCv.notify_all();
+        m_overlayThread.join();
+    }
+    // No frame reads the buffers after this, so they may be freed or resized.
+    if (m_graph.HasProcess())
+        m_graph.SetOverlay(0, &m_pCurrentOverlay);
+    for (const std::vector<uchar>* buffer : { &m_overlayA, &m_overlayB })
+        if (!buffer->empty())
+            m_graph.WaitOverlayUnused(buffer->data());
+}
+
+int CMeasureDoc::RunningOverlayWorkers()
+{
+    return g_runningWorkers;
+}
+
+void CMeasureDoc::MakeElemOverlay()
+{
+    unsigned counter = 0;
+    std::unique_lock lock(m_stopMutex);
+    while (!m_bStopOverlay) {
+        lock.unlock();
+        if (m_bLive && m_bPreviewRunning && !m_overlayA.empty()) {
+            unsigned width = 0, height = 0;
+            m_graph.GetVideoSize(&width, &height);
+            // The buffers are reallocated with the worker stopped; a size
+            // that no longer matches waits for that.
+            if (width == m_nOverlayWidth && height == m_nOverlayHeight) {
+                ++counter;
+                uchar* target = (counter % 2 == 0) ? m_overlayB.data() : m_overlayA.data();
+                m_graph.WaitOverlayUnused(target);
+                m_pElemMgr->DrawToBits(target, int(width), int(height));
+                std::atomic_ref<uchar*>(m_pCurrentOverlay).store(target);
+                ++m_nOverlayCount;
+            }
+        }
+        lock.lock();
+        m_stopCv.wait_for(
+            lock, std::chrono::milliseconds(kOverlayPeriodMs), [this] { return m_bStopOverlay; });
+    }
+    --g_runningWorkers;
+}
+
+void CMeasureDoc::StopLive()
+{
+    if (s_pLiveDocument != this) {
+        StopOverlayWorker();
+        return;
+    }
+    StopOverlayWorker();
+    m_graph.SetStreamErrorHandler({});
+    m_graph.StopGraph();
+    m_graph.DestroyGraph();
+    m_graph.ReleaseAll();
+    s_pLiveDocument = nullptr;
+    m_bLive = false;
+    m_bPreviewRunning = false;
+    m_overlayA.clear();
+    m_overlayB.clear();
+    m_pCurrentOverlay = nullptr;
+}
+
+// The flips are pushed before they are read, so the document's survive a
+// rebuild; every other switch comes from the processing element.
+void CMeasureDoc::ReadBackState()
+{
+    int on = 0, level = 0, a = 0, b = 0, c = 0;
+    if (m_graph.GetProcessEnable(&on) == S_OK)
+        m_bProcessEnabled = on != 0;
+    m_graph.SetFlipVertical(m_switches.flip ? 1 : 0);
+    if (m_graph.GetFlipVertical(&on) == S_OK)
+        m_switches.flip = on != 0;
+    m_graph.SetFlipHorizontal(m_switches.mirror ? 1 : 0);
+    if (m_graph.GetFlipHorizontal(&on) == S_OK)
+        m_switches.mirror = on != 0;
+    if (m_graph.GetGray(&on) == S_OK)
+        m_switches.gray = on != 0;
+    if (m_graph.GetNegative(&on) == S_OK)
+        m_switches.negative = on != 0;
+    if (m_graph.GetEmboss(&on) == S_OK)
+        m_switches.emboss = on != 0;
+    if (m_graph.GetSharpen(&on) == S_OK)
+        m_switches.sharpen = on != 0;
+    m_graph.GetStateA(&a, &b);
+    if (m_graph.GetBinary(&on, &level) == S_OK) {
+        m_switches.binary = on != 0;
+        m_switches.binaryLevel = level;
+    }
+    if (m_graph.GetRgbGain(&on, &a, &b, &c) == S_OK) {
+        m_switches.rgb = on != 0;
+        m_switches.red = a;
+        m_switches.green = b;
+        m_switches.blue = c;
+    }
+    m_graph.GetStateB(&a);
+}
+
+void CMeasureDoc::Pause()
+{
+    if (!m_bLive || !m_bPreviewRunning)
+        return;
+    m_bPreviewRunning = false;
+    if (Snapshot(m_image)) {
+        m_unprocessed = m_image;
+        m_bHasImage = true;
+    }
+    m_graph.PauseGraph();
+    m_graph.ShowVideoWindow(0);
+    RepaintOverlayWindow();
+}
+
+void CMeasureDoc::Preview()
+{
+    if (!m_bLive || m_bPreviewRunning)
+        return;
+    m_bPreviewRunning = true;
+    m_graph.StopGraph();
+    m_graph.RunGraph();
+    m_graph.ShowVideoWindow(1);
+}
+
+void CMeasureDoc::OnVideoDoubleClick()
+{
+    if (m_bLive && m_bPreviewRunning)
+        OnFullScreen();
+}
+
+void CMeasureDoc::OnFullScreen()
+{
+    m_graph.ToggleFullScreen();
+}
+
+void CMeasureDoc::OnChangeDevice()
+{
+    CChooseDeviceDlg dialog(
+        &m_graph,
+        [this](int index, const QString& name) {
+            StopOverlayWorker();
+            unsigned width = 0, height = 0;
+            m_graph.ChangeDevice(index, &width, &height);
+            m_strDevice = name;
+            AfterGraphRebuilt();
+        },
+        DialogParent());
+    dialog.exec();
+}
+
+void CMeasureDoc::OnVideoResolution()
+{
+    if (m_graph.ShowFormatDialog(m_graph.DeviceName(), DialogParent()) != S_OK)
+        return;
+    unsigned width = 0, height = 0;
+    m_graph.GetVideoSize(&width, &height);
+    StopOverlayWorker();
+    m_graph.ChangeResolution(width, height);
+    AfterGraphRebuilt();
+}
+
+// After the graph was rebuilt at a possibly new size: new buffers, the
+// processing element told again, the worker back, the view laid out.
+void CMeasureDoc::AfterGraphRebuilt()
+{
+    unsigned width = 0, height = 0;
+    m_graph.GetVideoSize(&width, &height);
+    m_nImageWidth = int(width);
+    m_nImageHeight = int(height);
+    AllocateOverlays(width, height);
+    m_graph.SetProcessEnable(1);
+    m_graph.SetOverlay(1, &m_pCurrentOverlay);
+    ReadBackState();
+    m_bLive = true;
+    m_bPreviewRunning = true;
+    StartOverlayWorker();
+    emit layoutNeeded();
+}
+
+void CMeasureDoc::CaptureToNewDocument()
+{
+    if (IDocumentHost* host = IDocumentHost::Instance())
+        host->OnFileNew();
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+class CDocument;
+
+// What a document asks of the program that holds it. The application makes
+// the documents, so they reach it through this rather than through its class.
+class IDocumentHost
+{
+public:
+    IDocumentHost(const IDocumentHost&) = delete;
+    IDocumentHost& operator=(const IDocumentHost&) = delete;
+
+    // The host of this process, or null (documents made by tests alone).
+    static IDocumentHost* Instance() { return s_instance; }
+
+    // The interface language identifier chosen at start-up.
+    virtual int GetLanguageId() const = 0;
+    // A new document by the framework's new-file path; null when none was made.
+    virtual CDocument* OnFileNew() = 0;
+
+protected:
+    IDocumentHost() { s_instance = this; }
+    virtual ~IDocumentHost()
+    {
+        if (s_instance == this)
+            s_instance = nullptr;
+    }
+
+private:
+    static inline IDocumentHost* s_instance = nullptr;
+};
