@@ -154,6 +154,10 @@
         <source>No program to show %1 was found. Install a PDF viewer.</source>
         <translation>Aucun programme pour afficher %1 n'a été trouvé. Installez un lecteur PDF.</translation>
     </message>
+    <message>
+        <source>No file manager could show %1.</source>
+        <translation>Aucun gestionnaire de fichiers n'a pu afficher %1.</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -810,6 +814,38 @@ La capture vidéo ne fonctionnera pas correctement.</translation>
         <source>&amp;About...</source>
         <translation>À &amp;propos...</translation>
     </message>
+    <message>
+        <source>Open &amp;Picture Folder</source>
+        <translation>Ouvrir le dossier des &amp;images</translation>
+    </message>
+    <message>
+        <source>Open pictures' saved folder</source>
+        <translation>Ouvrir le dossier des images enregistrées</translation>
+    </message>
+    <message>
+        <source>Recent File</source>
+        <translation>Fichier récent</translation>
+    </message>
+    <message>
+        <source>Open this document</source>
+        <translation>Ouvrir ce document</translation>
+    </message>
+    <message>
+        <source>Display full pages</source>
+        <translation>Afficher des pages entières</translation>
+    </message>
+    <message>
+        <source>Help content</source>
+        <translation>Contenu de l'aide</translation>
+    </message>
+    <message>
+        <source>Print and &amp;Help Bar</source>
+        <translation>Barre d'impression et d'&amp;aide</translation>
+    </message>
+    <message>
+        <source>Show or hide the print and help bar</source>
+        <translation>Afficher ou masquer la barre d'impression et d'aide</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -951,6 +987,10 @@ La capture vidéo ne fonctionnera pas correctement.</translation>
     <message>
         <source>Process</source>
         <translation>Traitement</translation>
+    </message>
+    <message>
+        <source>Print and Help</source>
+        <translation>Impression et aide</translation>
     </message>
 </context>
 </TS>

@@ -154,6 +154,10 @@
         <source>No program to show %1 was found. Install a PDF viewer.</source>
         <translation>找不到可显示 %1 的程序。请安装 PDF 阅读器。</translation>
     </message>
+    <message>
+        <source>No file manager could show %1.</source>
+        <translation>没有文件管理器可以显示 %1。</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -810,6 +814,38 @@ Video capture will not function properly.</source>
         <source>&amp;About...</source>
         <translation>关于(&amp;A)...</translation>
     </message>
+    <message>
+        <source>Open &amp;Picture Folder</source>
+        <translation>打开图片文件夹(&amp;P)</translation>
+    </message>
+    <message>
+        <source>Open pictures' saved folder</source>
+        <translation>打开已保存图片的文件夹</translation>
+    </message>
+    <message>
+        <source>Recent File</source>
+        <translation>最近的文件</translation>
+    </message>
+    <message>
+        <source>Open this document</source>
+        <translation>打开此文档</translation>
+    </message>
+    <message>
+        <source>Display full pages</source>
+        <translation>显示整页</translation>
+    </message>
+    <message>
+        <source>Help content</source>
+        <translation>帮助内容</translation>
+    </message>
+    <message>
+        <source>Print and &amp;Help Bar</source>
+        <translation>打印和帮助栏(&amp;H)</translation>
+    </message>
+    <message>
+        <source>Show or hide the print and help bar</source>
+        <translation>显示或隐藏打印和帮助栏</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -951,6 +987,10 @@ Video capture will not function properly.</source>
     <message>
         <source>Process</source>
         <translation>处理</translation>
+    </message>
+    <message>
+        <source>Print and Help</source>
+        <translation>打印和帮助</translation>
     </message>
 </context>
 </TS>

@@ -2,7 +2,6 @@
 
 #include "platform/AppPaths.h"
 
-#include <QFileInfo>
 #include <QSettings>
 
 #include <algorithm>
@@ -166,23 +165,18 @@ namespace {
 
 const QString kChoiceKey = QStringLiteral("Interface/LangId");
 
-QString UserSettingsFile()
-{
-    return QFileInfo(BrandFilePath(QProcessEnvironment::systemEnvironment())).path()
-        + QStringLiteral("/Oculix.conf");
-}
 
 } // namespace
 
 int StoredLanguageChoice()
 {
-    const QSettings settings(UserSettingsFile(), QSettings::IniFormat);
+    const QSettings settings(UserSettingsFilePath(), QSettings::IniFormat);
     return settings.value(kChoiceKey, 0).toInt();
 }
 
 void StoreLanguageChoice(int langId)
 {
-    QSettings settings(UserSettingsFile(), QSettings::IniFormat);
+    QSettings settings(UserSettingsFilePath(), QSettings::IniFormat);
     settings.setValue(kChoiceKey, langId);
 }
 

@@ -23,6 +23,7 @@
 #include <QLocale>
 #include <QProcess>
 #include <QScreen>
+#include <QSettings>
 #include <QTranslator>
 #include <QUrl>
 
@@ -32,6 +33,7 @@ namespace {
 
 CMeasureApp* g_app = nullptr;
 constexpr int kMaxNestedModals = 16;
+const QString kRecentFilesKey = QStringLiteral("RecentFiles/List");
 
 bool StartDetached(const QString& program, const QProcessEnvironment& env)
 {
@@ -65,6 +67,9 @@ void CMeasureApp::MapAppCommands()
             ui.SetCheck(ClassifyLanguageId(langId) == m_language);
         });
     }
+    for (int i = 0; i < kRecentFileCount; ++i)
+        MapCommand(ID_FILE_MRU_FILE1 + i, [this, i] { OnOpenRecentFile(i); });
+    MapCommand(ID_FILE_OPEN_PICTURE_FOLDER, [this] { OnOpenPictureFolder(); });
     MapCommand(ID_HELP_MANUAL, [this] { OnHelp(); });
     MapCommand(ID_APP_ABOUT, [this] { OnAppAbout(); });
 }
@@ -123,6 +128,8 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
     m_mainFrame = new CMainFrame(m_langId);
     m_mainFrame->SetAppTarget(this);
     m_mainFrame->setAttribute(Qt::WA_DeleteOnClose, false);
+    m_recentFiles = QSettings(UserSettingsFilePath(), QSettings::IniFormat).value(kRecentFilesKey).toStringList().mid(0, kRecentFileCount);
+    m_mainFrame->SetRecentFiles(m_recentFiles);
     // Queued: the frame's message box must not hold the second copy's call.
     connect(m_instance, &CSingleInstance::activationRequested, m_mainFrame,
         &CMainFrame::OnActivateInstance, Qt::QueuedConnection);
@@ -330,7 +337,49 @@ CDocument* CMeasureApp::OpenDocumentFile(const QString& path)
 {
     if (m_templates.empty() || !m_mainFrame)
         return nullptr;
-    return m_templates.front()->OpenDocumentFile(*m_mainFrame, path);
+    CDocument* document = m_templates.front()->OpenDocumentFile(*m_mainFrame, path);
+    if (document)
+        AddToRecentFileList(path);
+    return document;
+}
+
+void CMeasureApp::AddToRecentFileList(const QString& path)
+{
+    const QString full = QFileInfo(path).absoluteFilePath();
+    m_recentFiles.removeAll(full);
+    m_recentFiles.prepend(full);
+    while (m_recentFiles.size() > kRecentFileCount)
+        m_recentFiles.removeLast();
+    QSettings(UserSettingsFilePath(), QSettings::IniFormat).setValue(kRecentFilesKey, m_recentFiles);
+    if (m_mainFrame)
+        m_mainFrame->SetRecentFiles(m_recentFiles);
+}
+
+void CMeasureApp::OnOpenRecentFile(int index)
+{
+    if (index < 0 || index >= m_recentFiles.size())
+        return;
+    const QString path = m_recentFiles[index];
+    if (OpenDocumentFile(path))
+        return;
+    // A file that went away leaves the list; the document said why it failed.
+    m_recentFiles.removeAt(index);
+    QSettings(UserSettingsFilePath(), QSettings::IniFormat).setValue(kRecentFilesKey, m_recentFiles);
+    if (m_mainFrame)
+        m_mainFrame->SetRecentFiles(m_recentFiles);
+}
+
+QString CMeasureApp::PictureFolderToOpen() const
+{
+    const QString saved = SettingsKeys::ReadString(SettingsKeys::SaveFilePath, m_paths.m_settingsFile);
+    return saved.isEmpty() ? m_paths.m_pictureFolder : saved;
+}
+
+void CMeasureApp::OnOpenPictureFolder()
+{
+    const QString folder = PictureFolderToOpen();
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+        MessageBox(tr("No file manager could show %1.").arg(folder), m_paths.m_brand.m_name, MB_OK | MB_ICONWARNING);
 }
 
 int CMeasureApp::ExitInstance(int code)

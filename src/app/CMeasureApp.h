@@ -75,6 +75,16 @@ public:
     using RestartLauncher = std::function<bool(const QString& program, const QProcessEnvironment& env)>;
     static RestartLauncher SetRestartLauncher(RestartLauncher launcher);
 
+    // The recent-file list (four, most recent first), kept in the user's
+    // own settings; a picture opened or saved goes to its top.
+    void AddToRecentFileList(const QString& path);
+    const QStringList& GetRecentFiles() const { return m_recentFiles; }
+    void OnOpenRecentFile(int index);
+    // "Save"/"FilePath", or the picture folder when it is empty, shown by
+    // the desktop's file manager.
+    QString PictureFolderToOpen() const;
+    void OnOpenPictureFolder();
+
     // The user manual in the interface language, beside the program.
     QString HelpFilePath() const;
     void OnHelp();
@@ -97,6 +107,7 @@ private:
     InterfaceLanguage m_language = InterfaceLanguage::English;
     QString m_resourceModule;
     QString m_lastOpenedFile;
+    QStringList m_recentFiles;
     CSingleInstance* m_instance = nullptr;
     std::vector<QTranslator*> m_translators;
     bool m_restart = false;

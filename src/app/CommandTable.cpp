@@ -64,6 +64,20 @@ const CommandInfo kCommands[] = {
     { ID_WINDOW_CASCADE, QT_TRANSLATE_NOOP("Command", "&Cascade"), "", nullptr, false },
     { ID_WINDOW_TILE_HORZ, QT_TRANSLATE_NOOP("Command", "Tile &Horizontal"), "", nullptr, false },
     { ID_WINDOW_TILE_VERT, QT_TRANSLATE_NOOP("Command", "Tile &Vertical"), "", nullptr, false },
+    { ID_FILE_OPEN_PICTURE_FOLDER, QT_TRANSLATE_NOOP("Command", "Open &Picture Folder"),
+        QT_TRANSLATE_NOOP("Command", "Open pictures' saved folder"), nullptr, false },
+    { ID_FILE_MRU_FILE1, QT_TRANSLATE_NOOP("Command", "Recent File"), QT_TRANSLATE_NOOP("Command", "Open this document"),
+        nullptr, false },
+    { ID_FILE_MRU_FILE1 + 1, QT_TRANSLATE_NOOP("Command", "Recent File"),
+        QT_TRANSLATE_NOOP("Command", "Open this document"), nullptr, false },
+    { ID_FILE_MRU_FILE1 + 2, QT_TRANSLATE_NOOP("Command", "Recent File"),
+        QT_TRANSLATE_NOOP("Command", "Open this document"), nullptr, false },
+    { ID_FILE_MRU_FILE1 + 3, QT_TRANSLATE_NOOP("Command", "Recent File"),
+        QT_TRANSLATE_NOOP("Command", "Open this document"), nullptr, false },
+    { ID_FILE_PRINT_PREVIEW, "", QT_TRANSLATE_NOOP("Command", "Display full pages"), ":/icons/printpreview.svg", false },
+    { ID_HELP_CONTENT, "", QT_TRANSLATE_NOOP("Command", "Help content"), ":/icons/help.svg", false },
+    { ID_VIEW_PRINTHELPBAR, QT_TRANSLATE_NOOP("Command", "Print and &Help Bar"),
+        QT_TRANSLATE_NOOP("Command", "Show or hide the print and help bar"), nullptr, true },
     { ID_HELP_MANUAL, QT_TRANSLATE_NOOP("Command", "&Help"), QT_TRANSLATE_NOOP("Command", "How to use"), nullptr, false },
     { ID_APP_ABOUT, QT_TRANSLATE_NOOP("Command", "&About..."), "", nullptr, false },
     // Each language by its own name, the same in every language.
@@ -74,8 +88,9 @@ const CommandInfo kCommands[] = {
 
 constexpr int S = ID_SEPARATOR;
 
-constexpr std::array kFileMenu { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_CLOSE, S, ID_APP_EXIT };
-constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR, ID_VIEW_STATUS_BAR,
+constexpr std::array kFileMenu { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_CLOSE, S, ID_FILE_OPEN_PICTURE_FOLDER, S, ID_FILE_MRU_FILE1,
+    ID_FILE_MRU_FILE1 + 1, ID_FILE_MRU_FILE1 + 2, ID_FILE_MRU_FILE1 + 3, S, ID_APP_EXIT };
+constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR, ID_VIEW_PRINTHELPBAR, ID_VIEW_STATUS_BAR,
     S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE, ID_VIEW_DASHED_CROSSLINE };
 constexpr std::array kMeasureMenu { ID_MEASURE_MOVE, S, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT,
     ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S, ID_MEASURE_ARROW,
@@ -112,10 +127,13 @@ constexpr std::array kProcessBar { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_P
     ID_VIDEO_ADJUST };
 
 
+constexpr std::array kPrintHelpBar { ID_FILE_PRINT_PREVIEW, S, ID_HELP_CONTENT };
+
 const ToolBarInfo kToolBars[] = {
     { ID_VIEW_TOOLBAR, "StandardBar", QT_TRANSLATE_NOOP("ToolBar", "Standard"), kStandardBar },
     { ID_VIEW_MEASUREBAR, "MeasureBar", QT_TRANSLATE_NOOP("ToolBar", "Measure"), kMeasureBar },
     { ID_VIEW_PROCESSBAR, "ProcessBar", QT_TRANSLATE_NOOP("ToolBar", "Process"), kProcessBar },
+    { ID_VIEW_PRINTHELPBAR, "PrintHelpBar", QT_TRANSLATE_NOOP("ToolBar", "Print and Help"), kPrintHelpBar },
 };
 
 constexpr std::array<const char*, 10> kZoomLabels { "250%", "200%", "150%", "125%", "100%", "75%", "67%",

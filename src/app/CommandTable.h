@@ -14,6 +14,14 @@ constexpr int ID_WINDOW_CASCADE = 57650;
 constexpr int ID_WINDOW_TILE_HORZ = 57651;
 constexpr int ID_WINDOW_TILE_VERT = 57652;
 constexpr int ID_APP_ABOUT = 57664;
+constexpr int ID_FILE_PRINT_PREVIEW = 57609;
+// The recent-file list: four entries from the first.
+constexpr int ID_FILE_MRU_FILE1 = 57616;
+constexpr int kRecentFileCount = 4;
+constexpr int ID_FILE_OPEN_PICTURE_FOLDER = 32938;
+constexpr int ID_HELP_CONTENT = 32883; // a button without an action
+// The fourth toolbar's toggle; the other three have ids of their own.
+constexpr int ID_VIEW_PRINTHELPBAR = 32990;
 constexpr int ID_HELP_MANUAL = 32939;
 
 // Each sets the interface language and restarts the program.

@@ -62,8 +62,17 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
     QStringList titles;
     for (QAction* action : frame->menuBar()->actions())
         titles << action->text();
-    EXPECT_EQ(titles, (QStringList { "&File", "&View", "&Measure", "&Process", "V&ideo", "&Window" }));
-    EXPECT_EQ(Texts(Menu("&File")), (QStringList { "&New Preview", "&Open...", "&Close", "-", "E&xit" }));
+    EXPECT_EQ(titles,
+        (QStringList { "&File", "&View", "&Measure", "&Process", "V&ideo", "&Window", "&Language", "&Help" }));
+    // The recent-file entries stay hidden until there are recent files.
+    EXPECT_EQ(Texts(Menu("&File")),
+        (QStringList { "&New Preview", "&Open...", "&Close", "-", "Open &Picture Folder", "-", "Recent File",
+            "Recent File", "Recent File", "Recent File", "-", "E&xit" }));
+    EXPECT_FALSE(frame->FindAction(ID_FILE_MRU_FILE1)->isVisible());
+    frame->SetRecentFiles({ "/slides/x.bmp" });
+    EXPECT_EQ(frame->FindAction(ID_FILE_MRU_FILE1)->text(), "&1 x.bmp");
+    EXPECT_EQ(Texts(Menu("&Language")), (QStringList { "English", "Français", "中文(简体)" }));
+    EXPECT_EQ(Texts(Menu("&Help")), (QStringList { "&Help", "-", "&About..." }));
     EXPECT_EQ(Texts(Menu("&Process")),
         (QStringList { "&Enable", "-", "Flip &Horizontal", "Flip &Vertical", "-", "&Gray", "&Negative",
             "&Emboss", "&Sharpen", "&Binary" }));
@@ -78,7 +87,7 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
     for (QToolBar* bar : frame->findChildren<QToolBar*>())
         titles << bar->windowTitle();
     titles.sort();
-    EXPECT_EQ(titles, (QStringList { "Measure", "Process", "Standard" }));
+    EXPECT_EQ(titles, (QStringList { "Measure", "Print and Help", "Process", "Standard" }));
     QToolBar* measure = frame->FindToolBar(ID_VIEW_MEASUREBAR);
     ASSERT_NE(measure, nullptr);
     EXPECT_TRUE(measure->actions().contains(frame->FindAction(ID_MEASURE_POINT)));
