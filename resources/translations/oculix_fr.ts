@@ -102,6 +102,57 @@
     </message>
 </context>
 <context>
+    <name>CIntervalCapDlg</name>
+    <message>
+        <source>Wait (sec)</source>
+        <translation>Attente (s)</translation>
+    </message>
+    <message>
+        <source>Please input an integer between 0 and 100!</source>
+        <translation>Veuillez saisir un entier entre 0 et 100 !</translation>
+    </message>
+    <message>
+        <source>Interval (sec)</source>
+        <translation>Intervalle (s)</translation>
+    </message>
+    <message>
+        <source>Please input an integer between 1 and 100!</source>
+        <translation>Veuillez saisir un entier entre 1 et 100 !</translation>
+    </message>
+    <message>
+        <source>Images</source>
+        <translation>Images</translation>
+    </message>
+    <message>
+        <source>Please input an integer between 1 and 1000!</source>
+        <translation>Veuillez saisir un entier entre 1 et 1000 !</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Démarrer</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Arrêter</translation>
+    </message>
+    <message>
+        <source>Interval capture</source>
+        <translation>Capture à intervalles</translation>
+    </message>
+    <message>
+        <source>Current</source>
+        <translation>En cours</translation>
+    </message>
+    <message>
+        <source>File Name</source>
+        <translation>Nom du fichier</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>N°</translation>
+    </message>
+</context>
+<context>
     <name>CMainFrame</name>
     <message>
         <source>Already having one instance running!</source>
@@ -308,6 +359,124 @@ texte</translation>
     <message>
         <source>Blue:</source>
         <translation>Bleu :</translation>
+    </message>
+</context>
+<context>
+    <name>CRecordDlg</name>
+    <message>
+        <source>Start to record</source>
+        <translation>Prêt à enregistrer</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>Enregistrement en cours</translation>
+    </message>
+    <message>
+        <source>Record paused</source>
+        <translation>Enregistrement en pause</translation>
+    </message>
+    <message>
+        <source>Record stoped</source>
+        <translation>Enregistrement arrêté</translation>
+    </message>
+    <message>
+        <source>Browse</source>
+        <translation>Parcourir</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Démarrer</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Arrêter</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>Enregistrer la vidéo</translation>
+    </message>
+    <message>
+        <source>%1 already existed. Want to replace it?</source>
+        <translation>%1 existe déjà. Voulez-vous le remplacer ?</translation>
+    </message>
+    <message>
+        <source>ended at %1</source>
+        <translation>terminé à %1</translation>
+    </message>
+</context>
+<context>
+    <name>CRgbDlg</name>
+    <message>
+        <source>No.,35;Name,130;Red,50;Green,50;Blue,50</source>
+        <translation>N°,35;Nom,130;Rouge,50;Vert,50;Bleu,50</translation>
+    </message>
+    <message>
+        <source>Enable</source>
+        <translation>Activer</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Ajouter</translation>
+    </message>
+    <message>
+        <source>Apply</source>
+        <translation>Appliquer</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Supprimer</translation>
+    </message>
+    <message>
+        <source>Advanced -&gt;</source>
+        <translation>Avancé -&gt;</translation>
+    </message>
+    <message>
+        <source>Rgb adjustment</source>
+        <translation>Réglage RVB</translation>
+    </message>
+    <message>
+        <source>Red</source>
+        <translation>Rouge</translation>
+    </message>
+    <message>
+        <source>Green</source>
+        <translation>Vert</translation>
+    </message>
+    <message>
+        <source>Blue</source>
+        <translation>Bleu</translation>
+    </message>
+    <message>
+        <source>Add current rgb values to list</source>
+        <translation>Ajouter les valeurs RVB actuelles à la liste</translation>
+    </message>
+    <message>
+        <source>Apply selected item to camera parameter</source>
+        <translation>Appliquer l'élément choisi aux réglages de la caméra</translation>
+    </message>
+    <message>
+        <source>Delete selected item from list</source>
+        <translation>Supprimer l'élément choisi de la liste</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Select One item first</source>
+        <translation>Choisissez d'abord un élément</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>Conseil</translation>
+    </message>
+    <message>
+        <source>Advanced &lt;-</source>
+        <translation>Avancé &lt;-</translation>
     </message>
 </context>
 <context>
@@ -845,6 +1014,18 @@ La capture vidéo ne fonctionnera pas correctement.</translation>
     <message>
         <source>Show or hide the print and help bar</source>
         <translation>Afficher ou masquer la barre d'impression et d'aide</translation>
+    </message>
+    <message>
+        <source>&amp;Rgb</source>
+        <translation>&amp;RVB</translation>
+    </message>
+    <message>
+        <source>Rgb adjustment</source>
+        <translation>Réglage RVB</translation>
+    </message>
+    <message>
+        <source>Record camera video to file</source>
+        <translation>Enregistrer la vidéo de la caméra dans un fichier</translation>
     </message>
 </context>
 <context>

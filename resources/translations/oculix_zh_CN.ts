@@ -102,6 +102,57 @@
     </message>
 </context>
 <context>
+    <name>CIntervalCapDlg</name>
+    <message>
+        <source>Wait (sec)</source>
+        <translation>等待（秒）</translation>
+    </message>
+    <message>
+        <source>Please input an integer between 0 and 100!</source>
+        <translation>请输入 0 到 100 之间的整数！</translation>
+    </message>
+    <message>
+        <source>Interval (sec)</source>
+        <translation>间隔（秒）</translation>
+    </message>
+    <message>
+        <source>Please input an integer between 1 and 100!</source>
+        <translation>请输入 1 到 100 之间的整数！</translation>
+    </message>
+    <message>
+        <source>Images</source>
+        <translation>图片数</translation>
+    </message>
+    <message>
+        <source>Please input an integer between 1 and 1000!</source>
+        <translation>请输入 1 到 1000 之间的整数！</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>开始</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Interval capture</source>
+        <translation>间隔采集</translation>
+    </message>
+    <message>
+        <source>Current</source>
+        <translation>当前</translation>
+    </message>
+    <message>
+        <source>File Name</source>
+        <translation>文件名</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>序号</translation>
+    </message>
+</context>
+<context>
     <name>CMainFrame</name>
     <message>
         <source>Already having one instance running!</source>
@@ -308,6 +359,124 @@ Background</source>
     <message>
         <source>Blue:</source>
         <translation>蓝：</translation>
+    </message>
+</context>
+<context>
+    <name>CRecordDlg</name>
+    <message>
+        <source>Start to record</source>
+        <translation>准备录制</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>正在录制</translation>
+    </message>
+    <message>
+        <source>Record paused</source>
+        <translation>录制已暂停</translation>
+    </message>
+    <message>
+        <source>Record stoped</source>
+        <translation>录制已停止</translation>
+    </message>
+    <message>
+        <source>Browse</source>
+        <translation>浏览</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>开始</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>暂停</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>录像</translation>
+    </message>
+    <message>
+        <source>%1 already existed. Want to replace it?</source>
+        <translation>%1 已存在。要替换它吗？</translation>
+    </message>
+    <message>
+        <source>ended at %1</source>
+        <translation>结束于 %1</translation>
+    </message>
+</context>
+<context>
+    <name>CRgbDlg</name>
+    <message>
+        <source>No.,35;Name,130;Red,50;Green,50;Blue,50</source>
+        <translation>序号,35;名称,130;红,50;绿,50;蓝,50</translation>
+    </message>
+    <message>
+        <source>Enable</source>
+        <translation>启用</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>添加</translation>
+    </message>
+    <message>
+        <source>Apply</source>
+        <translation>应用</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Advanced -&gt;</source>
+        <translation>高级 -&gt;</translation>
+    </message>
+    <message>
+        <source>Rgb adjustment</source>
+        <translation>RGB 调节</translation>
+    </message>
+    <message>
+        <source>Red</source>
+        <translation>红</translation>
+    </message>
+    <message>
+        <source>Green</source>
+        <translation>绿</translation>
+    </message>
+    <message>
+        <source>Blue</source>
+        <translation>蓝</translation>
+    </message>
+    <message>
+        <source>Add current rgb values to list</source>
+        <translation>将当前 RGB 值添加到列表</translation>
+    </message>
+    <message>
+        <source>Apply selected item to camera parameter</source>
+        <translation>将所选项应用到相机参数</translation>
+    </message>
+    <message>
+        <source>Delete selected item from list</source>
+        <translation>从列表中删除所选项</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Select One item first</source>
+        <translation>请先选择一项</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Advanced &lt;-</source>
+        <translation>高级 &lt;-</translation>
     </message>
 </context>
 <context>
@@ -845,6 +1014,18 @@ Video capture will not function properly.</source>
     <message>
         <source>Show or hide the print and help bar</source>
         <translation>显示或隐藏打印和帮助栏</translation>
+    </message>
+    <message>
+        <source>&amp;Rgb</source>
+        <translation>RGB(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Rgb adjustment</source>
+        <translation>RGB 调节</translation>
+    </message>
+    <message>
+        <source>Record camera video to file</source>
+        <translation>将相机视频录制到文件</translation>
     </message>
 </context>
 <context>

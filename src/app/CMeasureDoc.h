@@ -2,10 +2,12 @@
 
 #include "app/CDocument.h"
 #include "capture/CXCapGraph.h"
+#include "capture/ILiveDocument.h"
 #include "image/FCObjImage.h"
 #include "image/ProcessSwitches.h"
 #include "measure/IMeasureDocument.h"
 
+#include <QPointer>
 #include <QSize>
 #include <QString>
 
@@ -30,7 +32,7 @@ class QWidget;
 // Threads: everything runs on the user-interface thread except the overlay
 // worker of the live document, which redraws the shapes every 30 ms into the
 // buffer the processing element does not read, then publishes it.
-class CMeasureDoc : public CDocument, public IMeasureDocument
+class CMeasureDoc : public CDocument, public IMeasureDocument, public ILiveDocument
 {
     Q_OBJECT
 
@@ -68,7 +70,14 @@ public:
     bool HasCamera() const { return m_bHasCamera; }
     bool IsPreviewRunning() const { return m_bPreviewRunning; }
     bool HasImage() const { return m_bHasImage; }
-    CXCapGraph& GetGraph() { return m_graph; }
+    // ILiveDocument: what the record, interval and colour-gain dialogs use.
+    CXCapGraph& GetGraph() override { return m_graph; }
+    QWidget* GetVideoOwner() override { return m_videoOwner; }
+    uchar* const* GetOverlayPointer() override { return &m_pCurrentOverlay; }
+    void ReadBackState() override;
+    void UpdateLiveView() override;
+    ProcessSwitches& LiveSwitches() override { return m_switches; }
+    QString GetSettingsFile() const override { return m_settingsFile; }
     // The live frame size for the live document, else the picture's.
     QSize QueryImageSize();
 
@@ -130,7 +139,10 @@ private:
     void UpdateCameraCommand(CCmdUI& ui, bool needsRunning) const;
     void DeleteAll();
     void ReapplyPicture();
-    void ReadBackState();
+    // The record (32902) and "&Rgb" (32914) dialogs.
+    void MapCaptureDialogs();
+    void OnRecord();
+    void OnRgb();
     void OnBinaryCommand();
     void OnMeasureSetting();
     void OnChangeDevice();
@@ -155,6 +167,7 @@ private:
     std::unique_ptr<CGVLElemMgr> m_pElemMgr;
     CXCapGraph m_graph;
     QString m_settingsFile;
+    QPointer<QWidget> m_videoOwner;
 
     int m_nCurTool = 0;
     bool m_bCrossSolid = false;

@@ -47,8 +47,10 @@ bool UsesSemicolonExport()
 
 bool CMeasureDoc::CanDraw() const
 {
+    // A picture document draws at 100 %, with or without a picture: without
+    // a camera the first document is an empty one, and shapes still work there.
     if (!m_bLive)
-        return m_bHasImage && m_nZoom == kZoomActualSize;
+        return m_nZoom == kZoomActualSize;
     return !m_bPreviewRunning || (m_bProcessEnabled && m_nZoom == kZoomActualSize);
 }
 
@@ -100,11 +102,11 @@ void CMeasureDoc::MapCommands()
     MapTool(ID_MEASURE_POLYGON, 5);
     MapTool(ID_MEASURE_CIRCLE, 6);
     MapTool(ID_MEASURE_TRICIRCLE, 7);
-    MapTool(ID_MEASURE_MOVE, CGVLElemMgr::kToolMove);
-    MapTool(ID_MEASURE_DELETE, CGVLElemMgr::kToolDeleteOne);
-    MapTool(ID_MEASURE_COUNTING, CGVLElemMgr::kToolCounting);
-    MapTool(ID_MEASURE_ARROW, CGVLElemMgr::kToolArrow);
-    MapTool(ID_MEASURE_TEXT, CGVLElemMgr::kToolText);
+    MapTool(ID_MEASURE_MOVE, CGVLShape::kToolMove);
+    MapTool(ID_MEASURE_DELETE, CGVLShape::kToolDeleteOne);
+    MapTool(ID_MEASURE_COUNTING, CGVLShape::kToolCounting);
+    MapTool(ID_MEASURE_ARROW, CGVLShape::kToolArrow);
+    MapTool(ID_MEASURE_TEXT, CGVLShape::kToolText);
     MapCommand(ID_MEASURE_DELETE_ALL, [this] { DeleteAll(); });
     MapUpdate(ID_MEASURE_DELETE_ALL, [this](CCmdUI& ui) { ui.Enable(CanDraw()); });
 
@@ -182,11 +184,12 @@ void CMeasureDoc::MapCommands()
     for (int id : { ID_VIEW_FULLSCREEN, ID_CAMERA_FULLSCREEN, ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION,
              ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST })
         MapUpdate(id, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
+    MapCaptureDialogs();
 }
 
 void CMeasureDoc::DeleteAll()
 {
-    m_nCurTool = CGVLElemMgr::kToolDeleteAll;
+    m_nCurTool = CGVLShape::kToolDeleteAll;
     m_pElemMgr->DeleteAll();
     m_nCurTool = 0;
     RepaintOverlayWindow();
@@ -285,6 +288,7 @@ void CMeasureDoc::OnMeasureSetting()
 void CMeasureDoc::ExportData()
 {
     {
+        // The ruler alone (also after "Delete all"): no dialog, no file.
         const auto lock = m_pElemMgr->Lock();
         if (m_pElemMgr->m_arShape.size() <= 1)
             return;
@@ -295,6 +299,7 @@ void CMeasureDoc::ExportData()
         = handler ? handler(DialogParent(), proposed) : RunExportDialog(DialogParent(), proposed);
     if (path.isEmpty())
         return;
+    // Safeguard: a file that cannot be opened or written is reported.
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         MessageBox(tr("Cannot write the measurement data to %1:\n%2").arg(path, file.errorString()),

@@ -26,6 +26,7 @@ bool CMeasureDoc::StartLive(QWidget* videoOwner)
     m_graph.GetVideoSize(&width, &height);
     m_nImageWidth = int(width);
     m_nImageHeight = int(height);
+    m_videoOwner = videoOwner;
     m_graph.SetParentWnd(videoOwner, 0, 0, int(width), int(height));
     m_graph.SetStreamErrorHandler([this](const QString&) {
         // The graph is down: the view shows the last frozen frame, if any.
@@ -108,6 +109,7 @@ void CMeasureDoc::MakeElemOverlay()
                 m_pElemMgr->DrawToBits(target, int(width), int(height));
                 std::atomic_ref<uchar*>(m_pCurrentOverlay).store(target);
                 ++m_nOverlayCount;
+                qCDebug(lcApp, "MakeElemOverlay");
             }
         }
         lock.lock();

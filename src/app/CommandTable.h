@@ -41,6 +41,7 @@ constexpr int ID_CAMERA_CAPTURE = 32842;
 constexpr int ID_CAMERA_PREVIEW = 32843;
 constexpr int ID_CAMERA_PAUSE = 32900;
 constexpr int ID_CAMERA_FULLSCREEN = 32901;
+constexpr int ID_CAMERA_RECORD = 32902;
 constexpr int ID_ZOOM = 32920;
 
 constexpr int ID_VIDEO_DEVICE = 32876;
@@ -56,6 +57,7 @@ constexpr int ID_PROCESS_EMBOSS = 32908;
 constexpr int ID_PROCESS_SHARPEN = 32909;
 constexpr int ID_PROCESS_ENABLE = 32911;
 constexpr int ID_PROCESS_BINARY = 32912;
+constexpr int ID_PROCESS_RGB = 32914;
 
 constexpr int ID_MEASURE_POINT = 32850;
 constexpr int ID_MEASURE_LINE = 32851;

@@ -96,6 +96,8 @@ QByteArray ToBytes(const SvrData& data)
 
 std::optional<SvrData> FromBytes(QByteArrayView bytes)
 {
+    // Safeguard: an empty file, or one with control bytes or over-long lines
+    // (a binary file), is refused; the dialog says so.
     if (bytes.isEmpty())
         return std::nullopt;
     QStringList lines;

@@ -1,5 +1,7 @@
 #include "capture/CDevicePropertiesDlg.h"
 
+#include "capture/CCameraControlStore.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -53,9 +55,11 @@ private:
 
 } // namespace
 
-CDevicePropertiesDlg::CDevicePropertiesDlg(GstElement* source, GstDevice* device, QWidget* parent)
+CDevicePropertiesDlg::CDevicePropertiesDlg(
+    GstElement* source, GstDevice* device, const QString& cameraKey, QWidget* parent)
     : QDialog(parent)
     , m_controls(std::make_unique<CCameraControls>(source, device))
+    , m_cameraKey(cameraKey)
 {
     setWindowTitle(tr("Video Properties"));
     auto* layout = new QVBoxLayout(this);
@@ -136,10 +140,13 @@ void CDevicePropertiesDlg::Apply(int row, int value)
     const CameraControl& c = m_shown[row];
     if (c.type != CameraControl::Type::Button)
         value = std::clamp(value, c.minimum, c.maximum);
-    if (m_controls->Set(c, value))
+    if (m_controls->Set(c, value)) {
         m_status->clear();
-    else
+        if (!m_cameraKey.isEmpty())
+            CCameraControlStore().Remember(m_cameraKey, c, value);
+    } else {
         m_status->setText(m_controls->Error());
+    }
     // One control may switch others on or off (automatic exposure).
     Refresh();
 }
@@ -148,7 +155,8 @@ void CDevicePropertiesDlg::RestoreDefaults()
 {
     for (int i = 0; i < m_shown.size(); ++i)
         if (m_shown[i].type != CameraControl::Type::Button && !m_shown[i].readOnly)
-            m_controls->Set(m_shown[i], m_shown[i].defaultValue);
+            if (m_controls->Set(m_shown[i], m_shown[i].defaultValue) && !m_cameraKey.isEmpty())
+                CCameraControlStore().Remember(m_cameraKey, m_shown[i], m_shown[i].defaultValue);
     Refresh();
 }
 

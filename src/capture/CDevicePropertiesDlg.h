@@ -12,12 +12,14 @@ class QWidget;
 
 // "Video &Properties": one row per control the camera lists, built from what
 // it reports; every change goes to the camera at once. "Default" puts every
-// control back to the camera's default.
+// control back to the camera's default. With a camera key every value set is
+// also kept for that camera (CCameraControlStore).
 class CDevicePropertiesDlg : public QDialog
 {
     Q_OBJECT
 public:
-    CDevicePropertiesDlg(GstElement* source, GstDevice* device, QWidget* parent = nullptr);
+    CDevicePropertiesDlg(
+        GstElement* source, GstDevice* device, const QString& cameraKey = {}, QWidget* parent = nullptr);
     ~CDevicePropertiesDlg() override;
 
     // The controls as shown (tests).
@@ -34,4 +36,5 @@ private:
     QList<CameraControl> m_shown;
     QList<QWidget*> m_editors;
     QLabel* m_status = nullptr;
+    QString m_cameraKey;
 };

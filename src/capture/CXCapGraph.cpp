@@ -1,6 +1,7 @@
 #include "capture/CXCapGraph.h"
 
 #include "capture/CCamProcess.h"
+#include "capture/CCameraControlStore.h"
 #include "capture/CDevicePropertiesDlg.h"
 #include "capture/CDlgFullScreen.h"
 #include "capture/CFormatDlg.h"
@@ -510,6 +511,9 @@ void CXCapGraph::BuildRecordGraph()
     }
     m_fileSink = writer;
     g_object_set(writer, "location", QFile::encodeName(m_recordFile).constData(), "async", FALSE, nullptr);
+    // Every chunk goes to the kernel at once: a program killed outright then
+    // loses none of what the multiplexer has written, only what was queued.
+    gst_util_set_object_arg(G_OBJECT(writer), "buffer-mode", "unbuffered");
     {
         // Find out now, not when the stream starts, whether the file can be made.
         QFile probe(m_recordFile);
@@ -567,7 +571,17 @@ int CXCapGraph::RunGraph()
     }
     m_handlingError = false;
     m_processState->GetStateB(&m_framesAtRun);
-    return gst_element_set_state(m_graph, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE ? E_FAIL : S_OK;
+    GstState before = GST_STATE_NULL;
+    gst_element_get_state(m_graph, &before, nullptr, 0);
+    if (gst_element_set_state(m_graph, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
+        return E_FAIL;
+    // A camera that starts (not one resuming from a pause) gets back what the
+    // user set for it last time.
+    if (before == GST_STATE_NULL && m_device) {
+        CCameraControls controls(m_device, m_boundDevice);
+        CCameraControlStore().ApplyTo(CCameraControlStore::CameraKey(m_deviceName, m_boundDevice), controls);
+    }
+    return S_OK;
 }
 
 int CXCapGraph::PauseGraph()
@@ -763,7 +777,8 @@ int CXCapGraph::ShowDeviceProperties()
 {
     if (!m_device)
         return E_FAIL;
-    CDevicePropertiesDlg dialog(m_device, m_boundDevice, m_owner);
+    CDevicePropertiesDlg dialog(
+        m_device, m_boundDevice, CCameraControlStore::CameraKey(m_deviceName, m_boundDevice), m_owner);
     dialog.setWindowTitle(QCoreApplication::translate("CXCapGraph", "%1 Properties").arg(m_deviceName));
     dialog.exec();
     return S_OK;

@@ -12,7 +12,7 @@ constexpr int kArcRadius = 20;
 } // namespace
 
 CGVLAngle::CGVLAngle(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
-    : CGVLThreeClick(unit, color, wnd, mgr, 3, 3)
+    : CGVLThreeClick(unit, color, wnd, mgr, 3, kToolAngle)
 {
 }
 

@@ -19,9 +19,9 @@ void CGVLAnoText::Draw(QPainter& dc, int hidden, int)
     if (hidden || CoordCount() != 1)
         return;
     // The label font's nominal cell, as the font is built for the size.
-    const int size = FontSize();
-    m_nCharHeight = size == 3 ? 36 : size == 2 ? 28 : 20;
-    m_nCharWidth = size == 3 ? 14 : size == 2 ? 10 : 8;
+    const QSize cell = LabelCell(FontSize());
+    m_nCharHeight = cell.height();
+    m_nCharWidth = cell.width();
     const QPoint& p = m_arCoord[0];
     for (int i = 0; i < m_arText.size(); ++i)
         DrawLabel(dc, { p.x(), p.y() + i * (m_nCharHeight + kLineGap) }, m_arText[i]);
@@ -29,30 +29,16 @@ void CGVLAnoText::Draw(QPainter& dc, int hidden, int)
 
 int CGVLAnoText::OnLButtonDown(unsigned, const QPoint& point, int tool)
 {
-    m_nHit = HitTest(point);
-    if (tool == kToolDeleteOne) {
-        if (m_bSelected || m_nHit != -1)
-            ClearCoords();
-        return -1; // the element may be gone
+    const int hit = StandardLButtonDown(point, tool, kToolText);
+    if (tool == kToolText) {
+        // Placed with the one click: no drag follows it.
+        m_bDown = false;
+    } else if (tool == kToolMove && hit != -1) {
+        // The text jumps to the press and then follows the drag.
+        SetCoord(0, point);
+        UpdateElem();
     }
-    if (tool == 205) {
-        AddOneCoord(point);
-        m_bSelected = true;
-        m_nHit = 0;
-    } else if (tool == kToolMove) {
-        if (m_nHit != -1) {
-            m_bDown = true;
-            m_bSelected = true;
-            m_ptDragFrom = point;
-            UpdateElem();
-            // The text jumps to the press and then follows the drag.
-            SetCoord(0, point);
-        } else {
-            m_bSelected = false;
-        }
-    }
-    UpdateElem();
-    return m_nHit;
+    return hit; // after the delete tool the element may be gone
 }
 
 int CGVLAnoText::OnMouseMove(unsigned, const QPoint& point, int)
@@ -66,7 +52,7 @@ int CGVLAnoText::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
     m_bDown = false;
     m_nHit = -1;
-    if (tool == 205)
+    if (tool == kToolText)
         m_bSelected = false;
     return -1;
 }

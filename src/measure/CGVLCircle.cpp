@@ -1,7 +1,6 @@
 #include "measure/CGVLCircle.h"
 
 #include "calibration/MeasureTables.h"
-#include "measure/WindowCalls.h"
 
 #include <algorithm>
 #include <climits>
@@ -68,7 +67,7 @@ void CGVLCircle::Draw(QPainter& dc, int hidden, int)
 
 int CGVLCircle::OnLButtonDown(unsigned, const QPoint& point, int tool)
 {
-    return StandardLButtonDown(point, tool, 6);
+    return StandardLButtonDown(point, tool, kToolCircle);
 }
 
 int CGVLCircle::OnMouseMove(unsigned, const QPoint& point, int)
@@ -86,16 +85,7 @@ int CGVLCircle::OnMouseMove(unsigned, const QPoint& point, int)
 
 int CGVLCircle::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
-    UpdateElem();
-    m_bDown = false;
-    m_nHit = -1;
-    if (tool == 6)
-        m_bSelected = false;
-    QWidget* const wnd = m_hWnd;
-    if (CoordCount() == 1 || (CoordCount() == 2 && PixelRadius() < kMinRadius))
-        ClearCoords(); // may leave the manager: only locals from here on
-    InvalidateWindow(wnd);
-    return -1;
+    return ReleaseOrDiscard(tool, kToolCircle, CoordCount() == 2 && PixelRadius() < kMinRadius);
 }
 
 void CGVLCircle::UpdateElem()

@@ -19,7 +19,7 @@ bool Within(double v)
 } // namespace
 
 CGVLCircleT::CGVLCircleT(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
-    : CGVLThreeClick(unit, color, wnd, mgr, 7, 7)
+    : CGVLThreeClick(unit, color, wnd, mgr, 7, kToolTriCircle)
 {
 }
 

@@ -16,7 +16,6 @@
 #include "measure/CInputTextDlg.h"
 #include "measure/GdiPainter.h"
 #include "measure/WindowCalls.h"
-#include "platform/DebugLog.h"
 
 #include <QDate>
 #include <QIODevice>
@@ -110,19 +109,19 @@ std::size_t CGVLElemMgr::BitsStride(int width)
 int CGVLElemMgr::TypeForTool(int tool)
 {
     switch (tool) {
-    case 1:
-    case 2:
-    case 3:
-    case 4:
-    case 5:
-    case 6:
-    case 7:
+    case CGVLShape::kToolPoint:
+    case CGVLShape::kToolLine:
+    case CGVLShape::kToolAngle:
+    case CGVLShape::kToolRect:
+    case CGVLShape::kToolPolygon:
+    case CGVLShape::kToolCircle:
+    case CGVLShape::kToolTriCircle:
         return tool;
-    case kToolCounting:
+    case CGVLShape::kToolCounting:
         return 11;
-    case kToolArrow:
+    case CGVLShape::kToolArrow:
         return 12;
-    case kToolText:
+    case CGVLShape::kToolText:
         return 14;
     default:
         return 0;
@@ -220,18 +219,19 @@ CGVLAnoText* CGVLElemMgr::Press(unsigned flags, const QPoint& point, int tool)
 
     CGVLShape* target = nullptr;
     switch (tool) {
-    case 1:
-    case 2:
-    case 4:
-    case 6:
-    case kToolCounting:
-    case kToolArrow:
-    case kToolText:
+    case CGVLShape::kToolPoint:
+    case CGVLShape::kToolLine:
+    case CGVLShape::kToolRect:
+    case CGVLShape::kToolCircle:
+    case CGVLShape::kToolCounting:
+    case CGVLShape::kToolArrow:
+    case CGVLShape::kToolText:
         target = Append(TypeForTool(tool));
         break;
-    case 3:
-    case 7:
-        // A second or third click continues the element still being placed.
+    case CGVLShape::kToolAngle:
+    case CGVLShape::kToolTriCircle:
+        // Safeguard: a second or third click continues the element still
+        // being placed (down), never an older one left half-placed.
         for (const auto& shape : m_arShape) {
             if (shape->m_bDown && shape->GetType() == tool) {
                 shape->OnLButtonDown(flags, point, tool);
@@ -239,19 +239,20 @@ CGVLAnoText* CGVLElemMgr::Press(unsigned flags, const QPoint& point, int tool)
                 return nullptr;
             }
         }
-        target = Append(tool);
+        target = Append(TypeForTool(tool));
         break;
-    case 5: {
-        // An open polygon at the end of the list takes the next vertex.
+    case CGVLShape::kToolPolygon: {
+        // Safeguard: only an open polygon at the end of the list takes the
+        // next vertex; one left open further up keeps what it has.
         const auto* last = dynamic_cast<const CGVLPolygon*>(LastShape());
-        target = last && !last->IsClosed() ? LastShape() : Append(5);
+        target = last && !last->IsClosed() ? LastShape() : Append(TypeForTool(tool));
         break;
     }
-    case kToolPressLast:
+    case CGVLShape::kToolPressLast:
         target = LastShape();
         break;
-    case kToolDeleteAll:
-    case kToolIgnore:
+    case CGVLShape::kToolDeleteAll:
+    case CGVLShape::kToolIgnore:
         return nullptr;
     default:
         // Topmost first; an element that deletes itself answers -1, so the
@@ -272,11 +273,11 @@ CGVLAnoText* CGVLElemMgr::Press(unsigned flags, const QPoint& point, int tool)
         return nullptr;
     target->SetRefPoint(m_ptOrigin);
     m_bMouseDown = 1;
-    if (tool == kToolCounting) {
+    if (tool == CGVLShape::kToolCounting) {
         if (auto* marker = dynamic_cast<CGVLNo*>(target))
             marker->SetNumber(++m_nCount);
     }
-    return tool == kToolText ? dynamic_cast<CGVLAnoText*>(target) : nullptr;
+    return tool == CGVLShape::kToolText ? dynamic_cast<CGVLAnoText*>(target) : nullptr;
 }
 
 void CGVLElemMgr::OnLButtonUp(unsigned flags, const QPoint& point, int tool)
@@ -427,7 +428,6 @@ void CGVLElemMgr::DrawToBits(uchar* buffer, int width, int height)
     if (!buffer || width <= 0 || height <= 0)
         return;
     const Call call(*this);
-    qCDebug(lcMeasure, "MakeElemOverlay");
     RenderBits(buffer, width, height, 1, [&](QPainter& dc) { DrawAll(dc, width, height); });
 }
 
@@ -438,15 +438,7 @@ void CGVLElemMgr::DrawToImage(uchar* buffer, int width, int height, bool element
         return;
     const Call call(*this);
     RenderBits(buffer, width, height, 0, [&](QPainter& dc) {
-        auto background = [&] {
-            if (m_nFontBackground == 1) {
-                Gdi::SetBkMode(dc, false);
-            } else {
-                Gdi::SetBkMode(dc, true);
-                Gdi::SetBkColor(dc, MeasureTables::kLabelGray);
-            }
-        };
-        background();
+        CGVLShape::SetLabelBackground(dc, m_nFontBackground);
         if (ruler && !m_arShape.empty())
             m_arShape.front()->Draw(dc, m_bHide, 0);
         if (elements) {
@@ -456,7 +448,7 @@ void CGVLElemMgr::DrawToImage(uchar* buffer, int width, int height, bool element
         DrawCrossLines(dc, width, height);
 
         dc.setFont(Gdi::MakeFont(12, 7, 100));
-        background();
+        CGVLShape::SetLabelBackground(dc, m_nFontBackground);
         const QColor textColor = MeasureTables::PaletteColor(m_color.m_ctText);
         const int x = width - 100;
         if (date) {
@@ -503,6 +495,8 @@ double AngleOf(const CGVLShape& shape)
 QByteArray CGVLElemMgr::CsvBytes() const
 {
     QByteArray out;
+    // Safeguard: the ruler alone, as "Delete all" leaves it, writes nothing,
+    // not even the header.
     if (m_arShape.size() < 2)
         return out;
     out += "No.,Type,Result,Unit\n";

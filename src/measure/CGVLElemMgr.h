@@ -35,17 +35,6 @@ class QWidget;
 class CGVLElemMgr
 {
 public:
-    // Tool codes that are not shape types.
-    static constexpr int kToolNone = 0;
-    static constexpr int kToolPressLast = 8;
-    static constexpr int kToolMove = 9;
-    static constexpr int kToolDeleteOne = 200;
-    static constexpr int kToolDeleteAll = 201;
-    static constexpr int kToolCounting = 202;
-    static constexpr int kToolArrow = 203;
-    static constexpr int kToolIgnore = 204;
-    static constexpr int kToolText = 205;
-
     CGVLElemMgr();
     ~CGVLElemMgr();
     CGVLElemMgr(const CGVLElemMgr&) = delete;

@@ -1,14 +1,13 @@
 #include "measure/CGVLLine.h"
 
 #include "calibration/MeasureTables.h"
-#include "measure/WindowCalls.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
 CGVLLine::CGVLLine(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
-    : CGVLLine(unit, color, wnd, mgr, 2, 2, 5)
+    : CGVLLine(unit, color, wnd, mgr, 2, kToolLine, 5)
 {
 }
 
@@ -85,18 +84,9 @@ int CGVLLine::OnMouseMove(unsigned, const QPoint& point, int)
 
 int CGVLLine::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
-    UpdateElem();
-    m_bDown = false;
-    m_nHit = -1;
-    if (tool == m_nOwnTool)
-        m_bSelected = false;
-    QWidget* const wnd = m_hWnd;
     const bool tooShort = CoordCount() == 2 && std::abs(m_arCoord[0].x() - m_arCoord[1].x()) < m_nMinSize
         && std::abs(m_arCoord[0].y() - m_arCoord[1].y()) < m_nMinSize;
-    if (CoordCount() == 1 || tooShort)
-        ClearCoords(); // may leave the manager: only locals from here on
-    InvalidateWindow(wnd);
-    return -1;
+    return ReleaseOrDiscard(tool, m_nOwnTool, tooShort);
 }
 
 void CGVLLine::UpdateElem()

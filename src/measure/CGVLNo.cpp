@@ -40,7 +40,7 @@ void CGVLNo::Draw(QPainter& dc, int hidden, int)
 
 int CGVLNo::OnLButtonDown(unsigned, const QPoint& point, int tool)
 {
-    return StandardLButtonDown(point, tool, 202);
+    return StandardLButtonDown(point, tool, kToolCounting);
 }
 
 int CGVLNo::OnMouseMove(unsigned, const QPoint& point, int)
@@ -55,7 +55,7 @@ int CGVLNo::OnLButtonUp(unsigned, const QPoint&, int tool)
     UpdateElem();
     m_bDown = false;
     m_nHit = -1;
-    if (tool == 202)
+    if (tool == kToolCounting)
         m_bSelected = false;
     return -1;
 }

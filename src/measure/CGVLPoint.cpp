@@ -27,20 +27,7 @@ void CGVLPoint::Draw(QPainter& dc, int hidden, int)
 
 int CGVLPoint::OnLButtonDown(unsigned, const QPoint& point, int tool)
 {
-    m_nHit = HitTest(point);
-    if (tool == kToolDeleteOne) {
-        if (m_nHit != -1)
-            ClearCoords();
-        return -1;
-    }
-    if (tool == 1) {
-        AddOneCoord(point);
-        m_bDown = true;
-    } else if (tool == kToolMove && m_nHit != -1) {
-        m_bDown = true;
-        UpdateElem();
-    }
-    return m_nHit;
+    return StandardLButtonDown(point, tool, kToolPoint);
 }
 
 int CGVLPoint::OnMouseMove(unsigned, const QPoint& point, int)

@@ -2,14 +2,12 @@
 
 #include "measure/CGVLElemMgr.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
 CGVLPolygon::CGVLPolygon(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
-    : CGVLShape(unit, color, wnd, mgr)
+    : CGVLMultiClick(unit, color, wnd, mgr, 5, kToolPolygon)
 {
-    m_nType = 5;
 }
 
 bool CGVLPolygon::IsLastElement() const
@@ -49,31 +47,15 @@ void CGVLPolygon::Draw(QPainter& dc, int hidden, int)
     DrawLabel(dc, AreaLabelPos(), AreaText());
 }
 
-int CGVLPolygon::OnLButtonDown(unsigned, const QPoint& point, int tool)
-{
-    if (tool != kOwnTool) {
-        const int hit = StandardLButtonDown(point, tool, kOwnTool);
-        if (tool == kToolMove)
-            m_bDragging = hit != -1;
-        return hit; // after tool 200 the element may be gone
-    }
-    m_bSelected = true;
-    m_nHit = m_nUpCount;
-    if (m_nUpCount == 0) {
-        m_bDown = true;
-        m_ptRubber = point;
-    }
-    return m_nHit;
-}
-
 int CGVLPolygon::OnLButtonUp(unsigned, const QPoint& point, int tool)
 {
-    if (tool == kOwnTool && IsLastElement()) {
+    // Safeguard: only the polygon being placed, the last element, takes the click.
+    if (tool == m_nOwnTool && IsLastElement()) {
         if (!m_bClosed) {
             AddOneCoord(point);
             UpdateElem();
         }
-        ++m_nUpCount;
+        ++m_nClick;
         m_bSelected = false;
     } else if (tool == kToolMove && m_bDragging) {
         // An open polygon is still being placed: it stays down and its
@@ -90,14 +72,10 @@ int CGVLPolygon::OnMouseMove(unsigned, const QPoint& point, int tool)
 {
     if (!m_bDown)
         return -1;
-    if (tool == kOwnTool) {
+    if (tool == m_nOwnTool) {
         if (m_bClosed || !IsLastElement())
             return m_nHit;
-        m_nHit = std::max(m_nUpCount - 1, 0);
-        UpdateElem();
-        m_ptRubber = point;
-        UpdateElem();
-        return m_nHit;
+        return FollowRubber(point);
     }
     if (tool != kToolMove || !m_bDragging)
         return -1;
@@ -106,7 +84,7 @@ int CGVLPolygon::OnMouseMove(unsigned, const QPoint& point, int tool)
 
 int CGVLPolygon::OnRButtonDown(unsigned, const QPoint&, int tool)
 {
-    if (tool != kOwnTool)
+    if (tool != m_nOwnTool)
         return -1;
     UpdateElem();
     m_bClosed = true;
@@ -122,11 +100,6 @@ void CGVLPolygon::UpdateElem()
     if (m_arCoord.empty())
         return;
     InvalidateWithAreaLabel(GdiRect::Around(m_arCoord).With(m_ptRubber));
-}
-
-void CGVLPolygon::ClearCoords()
-{
-    LeaveManager();
 }
 
 int CGVLPolygon::GetHit() const

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "measure/CGVLShape.h"
+#include "measure/CGVLMultiClick.h"
 
 #include <QString>
 
@@ -14,23 +14,19 @@
 // band: a polygon left open when another element was made after it keeps
 // what it has (until a right click closes it) instead of growing along with
 // the new one.
-class CGVLPolygon : public CGVLShape
+class CGVLPolygon : public CGVLMultiClick
 {
 public:
-    static constexpr int kOwnTool = 5;
-
     CGVLPolygon(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
 
     // Shoelace rule on integer products, in calibrated units, made positive;
     // 0 with fewer than three vertices.
     double GetArea() const override;
     void Draw(QPainter& dc, int hidden, int reserved) override;
-    int OnLButtonDown(unsigned flags, const QPoint& point, int tool) override;
     int OnRButtonDown(unsigned flags, const QPoint& point, int tool) override;
     int OnLButtonUp(unsigned flags, const QPoint& point, int tool) override;
     int OnMouseMove(unsigned flags, const QPoint& point, int tool) override;
     void UpdateElem() override;
-    void ClearCoords() override;
 
     virtual int GetHit() const;
     // 1 when the point lies within 10 pixels (both ways) of a vertex of a
@@ -38,16 +34,11 @@ public:
     virtual int HitVertex(const QPoint& point) const;
 
     bool IsClosed() const { return m_bClosed; }
-    int UpCount() const { return m_nUpCount; }
-    QPoint RubberPoint() const { return m_ptRubber; }
+    // Releases taken with the polygon tool.
+    int UpCount() const { return m_nClick; }
 
 private:
     bool IsLastElement() const;
 
-    // A press of the move tool took a handle; an open polygon is down for
-    // all of its placement, so being down alone does not mean a drag.
-    bool m_bDragging = false;
     bool m_bClosed = false;
-    int m_nUpCount = 0;
-    QPoint m_ptRubber;
 };

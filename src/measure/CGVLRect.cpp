@@ -1,7 +1,5 @@
 #include "measure/CGVLRect.h"
 
-#include "measure/WindowCalls.h"
-
 #include <cstdlib>
 
 CGVLRect::CGVLRect(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
@@ -52,7 +50,7 @@ void CGVLRect::Draw(QPainter& dc, int hidden, int)
 
 int CGVLRect::OnLButtonDown(unsigned, const QPoint& point, int tool)
 {
-    return StandardLButtonDown(point, tool, 4);
+    return StandardLButtonDown(point, tool, kToolRect);
 }
 
 int CGVLRect::OnMouseMove(unsigned, const QPoint& point, int)
@@ -72,18 +70,9 @@ int CGVLRect::OnMouseMove(unsigned, const QPoint& point, int)
 
 int CGVLRect::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
-    UpdateElem();
-    m_bDown = false;
-    m_nHit = -1;
-    if (tool == 4)
-        m_bSelected = false;
-    QWidget* const wnd = m_hWnd;
     const bool tooSmall = CoordCount() == 4 && std::abs(m_arCoord[3].x() - m_arCoord[0].x()) < kMinSide
         && std::abs(m_arCoord[3].y() - m_arCoord[0].y()) < kMinSide;
-    if (CoordCount() == 1 || tooSmall)
-        ClearCoords(); // may leave the manager: only locals from here on
-    InvalidateWindow(wnd);
-    return -1;
+    return ReleaseOrDiscard(tool, kToolRect, tooSmall);
 }
 
 int CGVLRect::SetCoord(int index, const QPoint& point)

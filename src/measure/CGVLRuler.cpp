@@ -82,8 +82,9 @@ int CGVLRuler::HitTest(const QPoint& point) const
 
 int CGVLRuler::OnLButtonDown(unsigned, const QPoint& point, int)
 {
-    // A ruler that is not on screen takes nothing: dragging a shape's handle
-    // near an invisible arm end must not recalibrate behind the user's back.
+    // Safeguard: a ruler that is not on screen takes nothing, so dragging a
+    // shape's handle near an invisible arm end cannot recalibrate behind the
+    // user's back.
     if (m_pMgr && !m_pMgr->m_bShowRuler) {
         m_nRulerHit = kHitNone;
         return -1;
@@ -107,7 +108,7 @@ int CGVLRuler::OnLButtonDown(unsigned, const QPoint& point, int)
 
 int CGVLRuler::OnMouseMove(unsigned, const QPoint& point, int tool)
 {
-    if (tool != CGVLElemMgr::kToolNone && tool != kToolMove)
+    if (tool != kToolNone && tool != kToolMove)
         return -1;
     switch (m_nRulerHit) {
     case kHitWhole:

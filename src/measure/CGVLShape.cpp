@@ -11,6 +11,12 @@
 #include <algorithm>
 #include <cmath>
 
+namespace {
+
+constexpr qint64 kLabelLimit = 1 << 24;
+
+} // namespace
+
 CGVLShape::CGVLShape(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
     : m_hWnd(wnd)
     , m_pMgr(mgr)
@@ -218,14 +224,19 @@ QPoint CGVLShape::AreaLabelPos() const
 {
     if (m_arCoord.empty())
         return {};
-    const int size = FontSize() >= 1 && FontSize() <= 3 ? FontSize() : 1;
-    return m_arCoord[0] - QPoint(0, (size + 1) * 10);
+    // The stored size, not the one the font falls back to: a hand-edited 7
+    // puts the label 80 pixels up, in Small letters.
+    // Clamped only so that absurd settings cannot overflow the arithmetic.
+    const qint64 y = m_arCoord[0].y() - (qint64(FontSize()) + 1) * 10;
+    return { m_arCoord[0].x(), int(std::clamp<qint64>(y, -kLabelLimit, kLabelLimit)) };
 }
 
 void CGVLShape::InvalidateWithAreaLabel(const GdiRect& box) const
 {
-    Invalidate(
-        { box.left - 10, box.top - 90, std::max(box.right, m_arCoord[0].x() + 300) + 10, box.bottom + 10 });
+    const QPoint label = AreaLabelPos();
+    const int labelBottom = label.y() + LabelCell(FontSize()).height();
+    Invalidate({ box.left - 10, std::min(box.top - 90, label.y() - 10),
+        std::max(box.right, m_arCoord[0].x() + 300) + 10, std::max(box.bottom, labelBottom) + 10 });
 }
 
 int CGVLShape::StandardLButtonDown(const QPoint& point, int tool, int ownTool)
@@ -253,6 +264,20 @@ int CGVLShape::StandardLButtonDown(const QPoint& point, int tool, int ownTool)
     }
     UpdateElem();
     return m_nHit;
+}
+
+int CGVLShape::ReleaseOrDiscard(int tool, int ownTool, bool tooSmall)
+{
+    UpdateElem();
+    m_bDown = false;
+    m_nHit = -1;
+    if (tool == ownTool)
+        m_bSelected = false;
+    QWidget* const wnd = m_hWnd;
+    if (CoordCount() == 1 || tooSmall)
+        ClearCoords(); // may leave the manager: only locals from here on
+    InvalidateWindow(wnd);
+    return -1;
 }
 
 int CGVLShape::StandardMouseMove(const QPoint& point)
@@ -325,26 +350,37 @@ const char* CGVLShape::UnitText() const
     return MeasureTables::UnitText(Unit().m_rtUnit);
 }
 
-QFont CGVLShape::LabelFont() const
+QSize CGVLShape::LabelCell(int fontSize)
 {
-    switch (FontSize()) {
+    switch (fontSize) {
     case 3:
-        return Gdi::MakeFont(36, 14, 400);
+        return { 14, 36 };
     case 2:
-        return Gdi::MakeFont(28, 10, 400);
+        return { 10, 28 };
     default:
-        return Gdi::MakeFont(20, 8, 400);
+        return { 8, 20 };
     }
 }
 
-void CGVLShape::SetLabelBackground(QPainter& dc) const
+QFont CGVLShape::LabelFont() const
 {
-    if (FontBackground() == 1) {
+    const QSize cell = LabelCell(FontSize());
+    return Gdi::MakeFont(cell.height(), cell.width(), 400);
+}
+
+void CGVLShape::SetLabelBackground(QPainter& dc, int fontBackground)
+{
+    if (fontBackground == 1) {
         Gdi::SetBkMode(dc, false);
     } else {
         Gdi::SetBkMode(dc, true);
         Gdi::SetBkColor(dc, MeasureTables::kLabelGray);
     }
+}
+
+void CGVLShape::SetLabelBackground(QPainter& dc) const
+{
+    SetLabelBackground(dc, FontBackground());
 }
 
 void CGVLShape::DrawLabel(QPainter& dc, const QPoint& topLeft, const QString& text) const

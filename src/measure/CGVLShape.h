@@ -8,6 +8,7 @@
 #include <QColor>
 #include <QFont>
 #include <QPoint>
+#include <QSize>
 
 #include <cstdint>
 #include <vector>
@@ -29,9 +30,24 @@ class CGVLShape
 public:
     // Result of a hit on the body (drag the whole element) rather than a handle.
     static constexpr int kHitBody = 10000;
-    // Tool codes every element answers to, whatever its kind.
+    // Tool codes: the document's current tool, read by the manager and the
+    // elements. A shape's own tool is its type number.
+    static constexpr int kToolNone = 0;
+    static constexpr int kToolPoint = 1;
+    static constexpr int kToolLine = 2;
+    static constexpr int kToolAngle = 3;
+    static constexpr int kToolRect = 4;
+    static constexpr int kToolPolygon = 5;
+    static constexpr int kToolCircle = 6;
+    static constexpr int kToolTriCircle = 7;
+    static constexpr int kToolPressLast = 8;
     static constexpr int kToolMove = 9;
     static constexpr int kToolDeleteOne = 200;
+    static constexpr int kToolDeleteAll = 201;
+    static constexpr int kToolCounting = 202;
+    static constexpr int kToolArrow = 203;
+    static constexpr int kToolIgnore = 204;
+    static constexpr int kToolText = 205;
 
     CGVLShape(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
     CGVLShape(const CGVLShape&) = delete;
@@ -80,6 +96,12 @@ public:
     // "S=" with GetArea(); empty outside precision 1..5.
     QString AreaText() const;
 
+    // The label font's cell for a font size setting: 8 x 20, 10 x 28 or
+    // 14 x 36 (width x height); any other size gives the Small cell.
+    static QSize LabelCell(int fontSize);
+    // Background of labels: transparent for FontBackground 1, else opaque gray.
+    static void SetLabelBackground(QPainter& dc, int fontBackground);
+
     QWidget* m_hWnd;
     QPoint m_ptRef;
     CGVLElemMgr* m_pMgr;
@@ -100,6 +122,10 @@ protected:
     // The usual move while the button is down: the handle being dragged
     // follows the mouse, or the whole shape moves.
     int StandardMouseMove(const QPoint& point);
+    // The usual release of a shape dragged out with `ownTool`: the drag ends,
+    // the own tool deselects, and a shape with one point or `tooSmall` is
+    // discarded. `this` may be gone afterwards. Returns -1.
+    int ReleaseOrDiscard(int tool, int ownTool, bool tooSmall);
     // ClearCoords of an element that can be emptied: drop the points and leave
     // the manager. `this` may be gone afterwards.
     void LeaveManager();
@@ -117,18 +143,19 @@ protected:
     QColor TextColor() const;
     const char* UnitText() const;
 
-    // The label font of the font size setting: 20 x 8, 28 x 10 or 36 x 14.
+    // The label font of the font size setting, sized by LabelCell.
     QFont LabelFont() const;
-    // Background of labels: transparent for FontBackground 1, else opaque gray.
+    // The label background of the FontBackground setting.
     void SetLabelBackground(QPainter& dc) const;
     // Label font, text colour and background on the painter, then the text
     // with its cell's top-left at `topLeft`.
     void DrawLabel(QPainter& dc, const QPoint& topLeft, const QString& text) const;
-    // Where rectangles and polygons put their area label: 20, 30 or 40 pixels
-    // above point 0 by font size (any other size draws Small labels).
+    // Where rectangles and polygons put their area label: (FontSize + 1) * 10
+    // pixels above point 0 with the setting as stored, so 20, 30 or 40 for the
+    // listed sizes; only the font falls back to Small for another size.
     QPoint AreaLabelPos() const;
-    // Repaints the shape's box and the area label, which rises up to 40
-    // pixels above point 0 and runs to its right. Needs at least one point.
+    // Repaints the shape's box and the area label, which sits at AreaLabelPos
+    // and runs to its right. Needs at least one point.
     void InvalidateWithAreaLabel(const GdiRect& box) const;
     // Repaint a rectangle, or the whole window, of m_hWnd.
     void Invalidate(const GdiRect& rect) const;

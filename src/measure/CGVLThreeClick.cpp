@@ -1,35 +1,8 @@
 #include "measure/CGVLThreeClick.h"
 
-#include <algorithm>
-
-CGVLThreeClick::CGVLThreeClick(
-    CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr, int type, int ownTool)
-    : CGVLShape(unit, color, wnd, mgr)
-    , m_nOwnTool(ownTool)
-{
-    m_nType = type;
-}
-
-int CGVLThreeClick::OnLButtonDown(unsigned, const QPoint& point, int tool)
-{
-    if (tool != m_nOwnTool) {
-        const int hit = StandardLButtonDown(point, tool, m_nOwnTool);
-        if (tool == kToolMove)
-            m_bDragging = hit != -1;
-        return hit; // after tool 200 the element may be gone
-    }
-    m_bSelected = true;
-    m_nHit = m_nClick;
-    if (m_nClick == 0) {
-        m_bDown = true;
-        m_ptRubber = point;
-    }
-    UpdateElem();
-    return m_nHit;
-}
-
 int CGVLThreeClick::OnLButtonUp(unsigned, const QPoint& point, int tool)
 {
+    // Safeguard: only the shape still being placed takes the click.
     if (tool == m_nOwnTool && m_bDown) {
         if (m_nClick < 3)
             AddOneCoord(point);
@@ -52,21 +25,12 @@ int CGVLThreeClick::OnMouseMove(unsigned, const QPoint& point, int tool)
 {
     if (!m_bDown)
         return -1;
-    if (tool == kRubberTool && CoordCount() < 3) {
-        m_nHit = std::max(m_nClick - 1, 0);
-        UpdateElem();
-        m_ptRubber = point;
-        UpdateElem();
-    } else if (tool == kToolMove && m_bDragging) {
+    if (tool == kRubberTool && CoordCount() < 3)
+        FollowRubber(point);
+    else if (tool == kToolMove && m_bDragging)
         StandardMouseMove(point);
-    }
     m_bSelected = true;
     return m_nHit;
-}
-
-void CGVLThreeClick::ClearCoords()
-{
-    LeaveManager();
 }
 
 void CGVLThreeClick::InvalidateAround(GdiRect box) const

@@ -130,7 +130,7 @@ void CGVLWnd::UpdateCursor()
     const int tool = m_document.GetCurrentTool();
     if (tool >= 1 && tool <= 8)
         setCursor(m_hDrawCursor);
-    else if (tool == CGVLElemMgr::kToolMove)
+    else if (tool == CGVLShape::kToolMove)
         setCursor(m_hMoveCursor);
     else
         setCursor(Qt::ArrowCursor);

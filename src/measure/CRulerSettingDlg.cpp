@@ -103,17 +103,18 @@ CRulerSettingDlg::CRulerSettingDlg(IMeasureDocument& owner, QWidget* parent)
         m_cbUnit->addItem(QString::fromLatin1(MeasureTables::kUnitTexts[std::size_t(unit)]));
     for (const char* m : { "10X", "20X", "40X", "60X", "100X" })
         m_cbMagnification->addItem(QString::fromLatin1(m));
-    m_cbUnit->setCurrentIndex(0);
     m_cbMagnification->setCurrentIndex(kInitialMagnification);
 
-    // The real lengths start as the record has them, so that OK before any
-    // typing keeps the calibration's scale.
+    // Safeguard: the real lengths and their unit start as the record has
+    // them, so that OK before any typing keeps the calibration as it is.
     {
         CGVLElemMgr& mgr = m_owner.GetElemMgr();
         const auto lock = mgr.Lock();
         m_data.m_strXReal = MeasureTables::FormatC("%g", mgr.m_unit.m_dcxReal);
         m_data.m_strYReal = MeasureTables::FormatC("%g", mgr.m_unit.m_dcyReal);
+        m_data.m_nUnit = MeasureTables::ClampUnit(mgr.m_unit.m_rtUnit);
     }
+    m_cbUnit->setCurrentIndex(m_data.m_nUnit);
     UpdateUnitLabels();
     Recompute();
     PlaceOnScreen();
@@ -198,8 +199,8 @@ void CRulerSettingDlg::BuildControls()
         imageGrid->addWidget(extents[std::size_t(i)].second, row, column + 1);
     }
 
-    // Shown, unlike the first program's dialog: it picks an objective's
-    // factory calibration.
+    // Safeguard: the magnification list is shown, since it picks an
+    // objective's factory calibration.
     auto* pause = new QGroupBox(QCoreApplication::translate("CRulerSettingDlg", "Pause mode measure"));
     auto* pauseRow = new QHBoxLayout(pause);
     pauseRow->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "Magnification")));

@@ -75,11 +75,12 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
     EXPECT_EQ(Texts(Menu("&Help")), (QStringList { "&Help", "-", "&About..." }));
     EXPECT_EQ(Texts(Menu("&Process")),
         (QStringList { "&Enable", "-", "Flip &Horizontal", "Flip &Vertical", "-", "&Gray", "&Negative",
-            "&Emboss", "&Sharpen", "&Binary" }));
+            "&Emboss", "&Sharpen", "&Binary", "&Rgb" }));
     EXPECT_EQ(frame->FindAction(ID_FILE_NEW)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_N));
     EXPECT_EQ(frame->FindAction(ID_MEASURE_ANGLE)->statusTip(), "Draw angle ");
     // Toolbar-only commands show their prompt as the button's text.
     EXPECT_EQ(frame->FindAction(ID_CAMERA_CAPTURE)->toolTip(), "Capture picture to an active view");
+    EXPECT_EQ(frame->FindAction(ID_CAMERA_RECORD)->toolTip(), "Record camera video to file");
     EXPECT_TRUE(frame->FindAction(ID_MEASURE_LINE)->isCheckable());
     EXPECT_FALSE(frame->FindAction(ID_MEASURE_DELETE_ALL)->isCheckable());
 

@@ -9,10 +9,14 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLoggingCategory>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QTest>
 #include <QTimer>
+
+#include <cmath>
 
 namespace {
 
@@ -63,9 +67,20 @@ TEST_F(MeasureFrameTest, LiveVideoComesUpALineDrawnOnItIsExportedAndCaptureMakes
     Drag(ActiveView()->GetOverlayWnd(), QPoint(200, 300), QPoint(400, 300));
     ASSERT_EQ(ShapeTypes(*live), (std::vector<int> { 9, 2 }));
 
-    // The worker keeps publishing overlays while the video runs.
+    // The worker keeps publishing overlays while the video runs, and says so
+    // in the debug output.
+    static std::atomic<int> passesLogged { 0 };
+    QLoggingCategory::setFilterRules(QStringLiteral("oculix.app.debug=true"));
+    const QtMessageHandler previous
+        = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+              if (text == QLatin1String("MakeElemOverlay"))
+                  ++passesLogged;
+          });
     const unsigned drawn = live->OverlaysDrawn();
     EXPECT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= drawn + 2; }, 2000));
+    EXPECT_TRUE(WaitFor([] { return passesLogged >= 2; }, 2000));
+    qInstallMessageHandler(previous);
+    QLoggingCategory::setFilterRules(QString());
 
     ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_EXPORT));
     EXPECT_EQ(dialogs, 1);
@@ -239,6 +254,45 @@ TEST_F(MeasureFrameTest, PictureViewZoomCrossLinesAndCalibrationDialog)
     EXPECT_EQ(doc->GetCurrentTool(), 0);
     frame->RouteCommand(ID_MEASURE_CALIBRATION);
     EXPECT_FALSE(dialog->isVisible());
+}
+
+// Without a camera the first document is an empty one: its tools work at
+// 100 % all the same, and the calibration dialog, shown and closed with OK
+// at once, keeps the calibration in its unit (mm here, as by default).
+TEST_F(MeasureFrameTest, EmptyDocumentMeasuresAndImmediateCalibrationOkChangesNothing)
+{
+    QDir().mkpath(home.filePath("data"));
+    // 0.2 mm over the ruler's 50 pixels.
+    for (const char* key : { "m_unit.m_dcxPerPixel", "m_unit.m_dcyPerPixel" })
+        WritePrivateProfileString("Measure", key, "0.004", SettingsFile());
+    Start(false);
+    CMeasureDoc* doc = ActiveDoc();
+    ASSERT_NE(doc, nullptr);
+    EXPECT_EQ(doc->GetPicture(), nullptr);
+    EXPECT_TRUE(frame->QueryCommand(ID_MEASURE_LINE).IsEnabled());
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(100, 100), QPoint(200, 100));
+    EXPECT_EQ(ShapeTypes(*doc), (std::vector<int> { 9, 2 }));
+    doc->SetZoomIndex(2);
+    EXPECT_FALSE(frame->QueryCommand(ID_MEASURE_LINE).IsEnabled());
+    doc->SetZoomIndex(4);
+
+    // The settings keep single precision.
+    CGVLElemMgr& mgr = doc->GetElemMgr();
+    const auto isMillimetreCalibration = [&mgr] {
+        const CalibrationRecord& u = mgr.m_unit;
+        return u.m_rtUnit == 1 && std::abs(u.m_dcxPerPixel - 0.004) < 1e-8
+            && std::abs(u.m_dcyPerPixel - 0.004) < 1e-8 && std::abs(u.m_dcxReal - 0.2) < 1e-7
+            && std::abs(u.m_dcyReal - 0.2) < 1e-7;
+    };
+    EXPECT_TRUE(isMillimetreCalibration());
+    frame->RouteCommand(ID_MEASURE_CALIBRATION);
+    CRulerSettingDlg* dialog = doc->GetCalibrationDialog();
+    ASSERT_TRUE(dialog->isVisible());
+    EXPECT_EQ(dialog->UnitLabel(), "mm");
+    QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("ok")), Qt::LeftButton);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_TRUE(isMillimetreCalibration());
 }
 
 // A picture that cannot be read is reported, not opened. "&Open..." previews

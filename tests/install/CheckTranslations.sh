@@ -12,7 +12,7 @@ status=0
 for ts in "$src"/resources/translations/oculix_*.ts; do
   copy=$work/$(basename "$ts")
   cp "$ts" "$copy"
-  "$bin/lupdate" -silent -locations none -no-obsolete -extensions cpp,h "$src/src" -ts "$copy" >/dev/null
+  "$src/tools/lupdate-src.sh" "$src" "$copy"
   report=$("$bin/lrelease" "$copy" -qm "$work/out.qm" 2>&1)
   echo "$(basename "$ts"): $(echo "$report" | tr '\n' ' ')"
   if ! echo "$report" | grep -q "(.* finished and 0 unfinished)" || echo "$report" | grep -q "untranslated"; then

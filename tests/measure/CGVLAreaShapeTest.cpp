@@ -82,12 +82,17 @@ TEST_F(AreaShapeTest, RectangleIsDottedWhileSelectedAndItsLabelRisesWithTheFont)
     EXPECT_EQ(DrawBits(mgr).Extent(kKeyBits), QRect(QPoint(50, 50), QPoint(150, 120)));
     mgr.m_nPrecision = 1;
     mgr.m_nFontBackground = 2;
-    for (const auto& [size, rise] : { std::pair { 1, 20 }, { 2, 30 }, { 3, 40 }, { 7, 20 } }) {
+    // A size outside the list rises by its stored value, in Small letters.
+    for (QPoint& p : Last<CGVLRect>(mgr)->m_arCoord)
+        p += QPoint(0, 100);
+    for (const auto& [size, rise] : { std::pair { 1, 20 }, { 2, 30 }, { 3, 40 }, { 7, 80 } }) {
         mgr.m_nFontSize = size;
         const Bits bits = DrawBits(mgr);
-        EXPECT_EQ(bits.At(50, 50 - rise), kGray) << size;
-        EXPECT_EQ(bits.At(50, 50 - rise - 1), kKeyBits) << size;
+        EXPECT_EQ(bits.At(50, 150 - rise), kGray) << size;
+        EXPECT_EQ(bits.At(50, 150 - rise - 1), kKeyBits) << size;
     }
+    const Bits small = DrawBits(mgr);
+    EXPECT_TRUE(small.At(50, 70 + 19) == kGray && small.At(50, 70 + 20) == kKeyBits) << "the Small cell";
 }
 
 TEST_F(AreaShapeTest, PolygonAreaByTheShoelaceWhicheverWayItWasDrawnAndALabelOnceClosed)

@@ -1,6 +1,7 @@
 #include "measure/CRulerSettingDlg.h"
 
 #include "TestFiles.h"
+#include "calibration/MeasureTables.h"
 #include "measure/FakeMeasureDocument.h"
 #include "platform/AppPaths.h"
 #include "platform/MessageBox.h"
@@ -85,7 +86,7 @@ struct DialogFixture : ::testing::Test
 
 } // namespace
 
-TEST_F(DialogFixture, StartsWithTheRulerReadTheRecordsLengthsAndUnitZeroAndShowsTheRuler)
+TEST_F(DialogFixture, StartsWithTheRulerReadTheRecordsLengthsAndUnitAndShowsTheRuler)
 {
     EXPECT_EQ(Dlg().windowTitle(), "Ruler Setting");
     EXPECT_FALSE(Dlg().isVisible());
@@ -314,4 +315,24 @@ TEST(CRulerSettingDlg, CalibrationCommandTogglesDialogAndRulerTogether)
         EXPECT_TRUE(doc.calibrationShown);
     }
     EXPECT_EQ(doc.dialog.get(), dialog) << "created once";
+}
+
+// As a user meets it: the ruler on the picture says 0.2 mm, so does the
+// dialog, and OK straight away leaves the calibration as it was.
+TEST(CRulerSettingDlg, ImmediateOkKeepsTheCalibrationAndItsUnit)
+{
+    for (int unit : { 1, 4 }) {
+        FakeMeasureDocument doc;
+        FakeView view(doc); // the ruler's arms are 50 pixels long
+        doc.mgr.m_unit = { unit, 0.004, 0.004, 0.2, 0.2 };
+        const CalibrationRecord before = doc.mgr.m_unit;
+        CRulerSettingDlg::ToggleCalibration(doc, doc.dialog, doc.calibrationShown);
+        CRulerSettingDlg::ToggleCalibration(doc, doc.dialog, doc.calibrationShown);
+        ASSERT_TRUE(doc.dialog->isVisible());
+        EXPECT_EQ(doc.dialog->UnitLabel(), QString::fromLatin1(MeasureTables::UnitText(unit)));
+        EXPECT_EQ(doc.dialog->findChild<QLineEdit*>(QStringLiteral("xReal"))->text(), "0.2");
+        QTest::mouseClick(doc.dialog->findChild<QPushButton*>(QStringLiteral("ok")), Qt::LeftButton);
+        EXPECT_FALSE(doc.dialog->isVisible());
+        EXPECT_EQ(doc.mgr.m_unit, before) << unit;
+    }
 }

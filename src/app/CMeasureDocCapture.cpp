@@ -1,0 +1,53 @@
+#include "app/CMeasureDoc.h"
+
+#include "app/CommandTable.h"
+#include "capture/CRecordDlg.h"
+#include "capture/CRgbDlg.h"
+
+#include <gst/gst.h>
+
+// The capture dialogs act on the live document, whichever document is active.
+void CMeasureDoc::MapCaptureDialogs()
+{
+    const auto onLive = [](void (CMeasureDoc::*open)()) {
+        return [open] {
+            if (CMeasureDoc* live = GetLiveDocument())
+                (live->*open)();
+        };
+    };
+    MapCommand(ID_CAMERA_RECORD, onLive(&CMeasureDoc::OnRecord));
+    MapCommand(ID_PROCESS_RGB, onLive(&CMeasureDoc::OnRgb));
+    MapUpdate(ID_CAMERA_RECORD, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
+    MapUpdate(ID_PROCESS_RGB, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
+}
+
+// Each dialog is told when this document goes away under it (the program is
+// ended while it is open); nothing touches the document after exec returns.
+void CMeasureDoc::OnRecord()
+{
+    CRecordDlg dialog(this, DialogParent());
+    connect(this, &QObject::destroyed, &dialog, &CRecordDlg::OnDocumentClosed);
+    dialog.exec();
+}
+
+void CMeasureDoc::OnRgb()
+{
+    CRgbDlg dialog(this, DialogParent());
+    dialog.exec();
+}
+
+void CMeasureDoc::UpdateLiveView()
+{
+    // A graph that runs again after a failure (a camera plugged back in, a
+    // recording ended on a full disk) gets its overlay worker back.
+    if (m_bLive && m_graph.Pipeline()) {
+        GstState state = GST_STATE_NULL, pending = GST_STATE_VOID_PENDING;
+        gst_element_get_state(m_graph.Pipeline(), &state, &pending, 0);
+        if ((pending == GST_STATE_VOID_PENDING ? state : pending) == GST_STATE_PLAYING) {
+            m_bPreviewRunning = true;
+            StartOverlayWorker();
+        }
+    }
+    emit layoutNeeded();
+}
+

@@ -1,0 +1,121 @@
+#include "MeasureFrameFixture.h"
+#include "app/CommandTable.h"
+#include "capture/CDialogTimers.h"
+#include "capture/CRecordDlg.h"
+#include "capture/CRgbDlg.h"
+#include "platform/SettingsKeys.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QProcess>
+#include <QPushButton>
+#include <QSlider>
+#include <QStandardPaths>
+#include <QTimer>
+
+#include <functional>
+
+namespace {
+
+// Runs body on the modal dialog of type D once the command has opened it;
+// body closes it. False when no such dialog came up.
+template <typename D> bool OnModal(std::function<void(D&)> body, bool* seen)
+{
+    *seen = false;
+    auto poll = std::make_shared<std::function<void()>>();
+    *poll = [body, seen, poll] {
+        if (auto* d = qobject_cast<D*>(QApplication::activeModalWidget())) {
+            *seen = true;
+            body(*d);
+            if (d->isVisible())
+                d->reject();
+            return;
+        }
+        QTimer::singleShot(20, *poll);
+    };
+    QTimer::singleShot(0, *poll);
+    return true;
+}
+
+int PlayableFrames(const QString& file)
+{
+    QProcess ffprobe;
+    ffprobe.start(QStringLiteral("ffprobe"),
+        QStringLiteral("-v error -count_frames -select_streams v:0 -show_entries stream=nb_read_frames "
+                       "-of default=nw=1:nk=1")
+                .split(' ')
+            << file);
+    if (!ffprobe.waitForFinished(30000) || ffprobe.exitCode() != 0)
+        return -1;
+    return QString::fromUtf8(ffprobe.readAllStandardOutput()).trimmed().toInt();
+}
+
+} // namespace
+
+// "Record camera video to file" from the toolbar: the live graph records with
+// the shapes burnt in and comes back to a running preview whose overlay
+// worker, processing and gains are as before.
+TEST_F(MeasureFrameTest, RecordCommandRecordsTheLiveVideoAndReturnsToThePreview)
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("ffprobe")).isEmpty())
+        GTEST_SKIP() << "ffprobe is not installed";
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    for (int id : { ID_CAMERA_RECORD, ID_PROCESS_RGB })
+        EXPECT_TRUE(frame->QueryCommand(id).IsEnabled()) << id;
+    const QString file = home.filePath("clip.avi");
+    const auto previous = CRecordDlg::SetBrowseHandler([&](QWidget*, const QString&) { return file; });
+    bool seen = false;
+    OnModal<CRecordDlg>(
+        [&](CRecordDlg& d) {
+            d.Timers().UseManualClock();
+            d.OnBrowse();
+            d.OnStart();
+            EXPECT_TRUE(live->GetGraph().IsRecordGraph());
+            WaitFor([] { return false; }, 1500);
+            d.Timers().Advance(6000);
+            ASSERT_TRUE(d.StopButton()->isEnabled());
+            d.OnStop();
+        },
+        &seen);
+    ASSERT_TRUE(frame->RouteCommand(ID_CAMERA_RECORD));
+    CRecordDlg::SetBrowseHandler(previous);
+    ASSERT_TRUE(seen);
+    EXPECT_FALSE(live->GetGraph().IsRecordGraph());
+    EXPECT_TRUE(live->IsPreviewRunning());
+    EXPECT_TRUE(live->IsProcessingEnabled());
+    EXPECT_TRUE(live->IsOverlayWorkerRunning());
+    const unsigned drawn = live->OverlaysDrawn();
+    EXPECT_TRUE(WaitFor([&] { return HasFrame(*live) && live->OverlaysDrawn() > drawn + 2; }, 10000));
+    // The demo camera's large frames make the count depend on the machine's
+    // load; the capture tests check counts on small ones.
+    EXPECT_GT(PlayableFrames(file), 5);
+    EXPECT_TRUE(messages.isEmpty()) << messages.join('|').toStdString();
+}
+
+// "&Rgb" keeps its gains in the live document and the graph; the presets go
+// to the settings file.
+TEST_F(MeasureFrameTest, RgbCommandSetsTheLiveGainsAndKeepsPresets)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    bool seen = false;
+    OnModal<CRgbDlg>(
+        [&](CRgbDlg& d) {
+            d.EnableBox()->setChecked(true);
+            d.Slider(1)->setValue(60);
+            d.NameEdit()->setText(QStringLiteral("Green"));
+            d.OnAdd();
+            d.accept();
+        },
+        &seen);
+    ASSERT_TRUE(frame->RouteCommand(ID_PROCESS_RGB));
+    ASSERT_TRUE(seen);
+    EXPECT_TRUE(live->GetSwitches().rgb);
+    EXPECT_EQ(live->GetSwitches().green, 60);
+    int on = 0, r = 0, g = 0, b = 0;
+    ASSERT_EQ(live->GetGraph().GetRgbGain(&on, &r, &g, &b), 0);
+    EXPECT_EQ(on, 1);
+    EXPECT_EQ(g, 60);
+    EXPECT_EQ(SettingsKeys::ReadString(SettingsKeys::RgbGainName(0), SettingsFile()), QStringLiteral("Green"));
+}
