@@ -26,6 +26,13 @@ for index, name in ((0, "oculix_fr.ts"), (1, "oculix_zh_CN.ts")):
                 text = T[(cname, source)][index]
                 for child in list(translation):
                     translation.remove(child)
+                if message.get("numerus") == "yes":
+                    # One form per plural form of the language: a list.
+                    translation.text = None
+                    for form in text if isinstance(text, list) else [text]:
+                        ET.SubElement(translation, "numerusform").text = form
+                    translation.attrib.pop("type", None)
+                    continue
                 parts = text.split("\r")
                 translation.text = parts[0]
                 for part in parts[1:]:

@@ -83,6 +83,41 @@
     </message>
 </context>
 <context>
+    <name>CGraticuleDlg</name>
+    <message>
+        <source>Detect from micrometer</source>
+        <translation>Détecter depuis le micromètre</translation>
+    </message>
+    <message>
+        <source>Search only inside the ruler</source>
+        <translation>Chercher seulement dans la règle</translation>
+    </message>
+    <message>
+        <source>Detect</source>
+        <translation>Détecter</translation>
+    </message>
+    <message>
+        <source>Accept</source>
+        <translation>Accepter</translation>
+    </message>
+    <message>
+        <source>Division value</source>
+        <translation>Valeur d'une division</translation>
+    </message>
+    <message>
+        <source>1 px = %1 µm ± %2</source>
+        <translation>1 px = %1 µm ± %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n ticks, scale at %1°</source>
+        <translation><numerusform>%n graduation, échelle à %1°</numerusform><numerusform>%n graduations, échelle à %1°</numerusform></translation>
+    </message>
+    <message>
+        <source>No picture</source>
+        <translation>Pas d'image</translation>
+    </message>
+</context>
+<context>
     <name>CInputTextDlg</name>
     <message>
         <source>Input Text</source>
@@ -532,6 +567,14 @@ texte</translation>
     <message>
         <source>Open</source>
         <translation>Ouvrir</translation>
+    </message>
+    <message>
+        <source>Detect from micrometer</source>
+        <translation>Détecter depuis le micromètre</translation>
+    </message>
+    <message>
+        <source>There is no picture to look for a micrometer in.</source>
+        <translation>Il n'y a pas d'image dans laquelle chercher un micromètre.</translation>
     </message>
 </context>
 <context>

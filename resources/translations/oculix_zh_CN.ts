@@ -83,6 +83,41 @@
     </message>
 </context>
 <context>
+    <name>CGraticuleDlg</name>
+    <message>
+        <source>Detect from micrometer</source>
+        <translation>从测微尺检测</translation>
+    </message>
+    <message>
+        <source>Search only inside the ruler</source>
+        <translation>仅在标尺范围内查找</translation>
+    </message>
+    <message>
+        <source>Detect</source>
+        <translation>检测</translation>
+    </message>
+    <message>
+        <source>Accept</source>
+        <translation>接受</translation>
+    </message>
+    <message>
+        <source>Division value</source>
+        <translation>分度值</translation>
+    </message>
+    <message>
+        <source>1 px = %1 µm ± %2</source>
+        <translation>1 像素 = %1 µm ± %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n ticks, scale at %1°</source>
+        <translation><numerusform>%n 个刻度，标尺角度 %1°</numerusform></translation>
+    </message>
+    <message>
+        <source>No picture</source>
+        <translation>没有图片</translation>
+    </message>
+</context>
+<context>
     <name>CInputTextDlg</name>
     <message>
         <source>Input Text</source>
@@ -532,6 +567,14 @@ Background</source>
     <message>
         <source>Open</source>
         <translation>打开</translation>
+    </message>
+    <message>
+        <source>Detect from micrometer</source>
+        <translation>从测微尺检测</translation>
+    </message>
+    <message>
+        <source>There is no picture to look for a micrometer in.</source>
+        <translation>没有可用于查找测微尺的图片。</translation>
     </message>
 </context>
 <context>

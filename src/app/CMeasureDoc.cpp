@@ -151,6 +151,15 @@ const FCObjImage* CMeasureDoc::GetPicture() const
     return &m_image;
 }
 
+QImage CMeasureDoc::GetMeasuringPicture()
+{
+    if (m_bLive && m_bPreviewRunning) {
+        FCObjImage frame;
+        return Snapshot(frame) ? frame.ToQImage() : QImage();
+    }
+    return IMeasureDocument::GetMeasuringPicture();
+}
+
 bool CMeasureDoc::Snapshot(FCObjImage& picture)
 {
     long size = 0;

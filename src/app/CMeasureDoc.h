@@ -62,6 +62,8 @@ public:
     QSize GetImageSize() const override { return QSize(m_nImageWidth, m_nImageHeight); }
     CRulerSettingDlg* GetCalibrationDialog() override { return m_pCalibrationDlg.get(); }
     void OnVideoDoubleClick() override;
+    // The live frame while the video runs, else the picture.
+    QImage GetMeasuringPicture() override;
 
     // The view's part of becoming live: builds and runs the preview into
     // videoOwner, allocates the overlay buffers, starts the worker. False

@@ -7,6 +7,8 @@
 #include <QPainterPath>
 #include <QRadialGradient>
 
+#include <opencv2/imgproc.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -70,8 +72,9 @@ CSimScene::CSimScene(unsigned width, unsigned height)
     , m_umPerPixel(MicrometresPerPixel(m_width))
 {
     DrawSlide();
-    BuildTables();
-    SetControls(Controls());
+    BuildNoise();
+    BuildGains();
+    AdjustSlide();
 }
 
 void CSimScene::DrawSlide()
@@ -88,7 +91,13 @@ void CSimScene::DrawSlide()
     p.setRenderHint(QPainter::Antialiasing);
     p.scale(1.0 / m_umPerPixel, 1.0 / m_umPerPixel);
     // Content is laid out around the slide's centre (1000, 900) um.
-    p.translate(0, (slideHeightUm - kSlideHeightUm) / 2);
+    m_slideShiftUm = (slideHeightUm - kSlideHeightUm) / 2;
+    p.translate(0, m_slideShiftUm);
+    if (m_controls.rotation != 0.0) {
+        p.translate(kSlideWidthUm / 2, kSlideHeightUm / 2);
+        p.rotate(m_controls.rotation);
+        p.translate(-kSlideWidthUm / 2, -kSlideHeightUm / 2);
+    }
 
     // Uneven illumination and mounting medium: a few faint blotches.
     std::minstd_rand blotchRng(7);
@@ -164,6 +173,10 @@ void CSimScene::DrawSlide()
     p.end();
 
     m_slide = canvas.convertToFormat(QImage::Format_RGB888);
+    if (m_controls.blur > 0.0) {
+        cv::Mat rgb(m_slide.height(), m_slide.width(), CV_8UC3, m_slide.bits(), m_slide.bytesPerLine());
+        cv::GaussianBlur(rgb, rgb, cv::Size(), m_controls.blur, m_controls.blur, cv::BORDER_REPLICATE);
+    }
 
     // The same slide in YUY2 (BT.601, limited range), chroma of each pair averaged.
     m_slideYuy2Stride = std::size_t(w) * 2;
@@ -188,54 +201,96 @@ void CSimScene::DrawSlide()
     }
 }
 
-void CSimScene::BuildTables()
+void CSimScene::BuildNoise()
 {
-    // Vignetting exp(-k r^2) is separable; the corners get about 75 %.
-    const double k = -std::log(0.75);
-    auto fill = [k](std::vector<std::uint16_t>& table, unsigned n, double halfDiagonalShare) {
-        table.resize(n);
-        for (unsigned i = 0; i < n; ++i) {
-            const double t = (i + 0.5 - n / 2.0) / (n / 2.0);
-            table[i] = std::uint16_t(std::lround(32768.0 * std::exp(-k * halfDiagonalShare * t * t)));
-        }
-    };
-    const double diag2 = double(m_width) * m_width + double(m_height) * m_height;
-    fill(m_vigX, m_width, double(m_width) * m_width / diag2);
-    fill(m_vigY, m_height, double(m_height) * m_height / diag2);
-
-    // Mild sensor noise, roughly normal with a spread of about 1.5 levels.
-    std::minstd_rand rng(12345);
     m_noise.resize(kNoiseSize + m_width);
-    for (int i = 0; i < kNoiseSize; ++i) {
-        int sum = 0;
-        for (int k = 0; k < 4; ++k)
-            sum += int(rng() % 5) - 2;
-        m_noise[std::size_t(i)] = std::int16_t(sum / 2);
+    std::minstd_rand rng(12345);
+    if (m_controls.noiseLevel > 0.0) {
+        std::normal_distribution<double> normal(0.0, m_controls.noiseLevel);
+        for (int i = 0; i < kNoiseSize; ++i)
+            m_noise[std::size_t(i)] = std::int16_t(std::clamp(std::lround(normal(rng)), -255L, 255L));
+    } else {
+        // Mild sensor noise, roughly normal with a spread of about 1.5 levels.
+        for (int i = 0; i < kNoiseSize; ++i) {
+            int sum = 0;
+            for (int k = 0; k < 4; ++k)
+                sum += int(rng() % 5) - 2;
+            m_noise[std::size_t(i)] = std::int16_t(sum / 2);
+        }
     }
     for (unsigned i = 0; i < m_width; ++i)
         m_noise[kNoiseSize + i] = m_noise[i];
 }
 
+void CSimScene::BuildGains()
+{
+    m_gainX.clear();
+    m_gainY.clear();
+    const bool vignette = m_controls.vignetting;
+    const double uneven = std::clamp(m_controls.unevenLight, 0, 100) / 100.0;
+    if (!vignette && uneven == 0.0)
+        return;
+    // Vignetting exp(-k r^2) is separable (the corners get about 75 %), and
+    // so is the light falling off along each axis.
+    const double k = vignette ? -std::log(0.75) : 0.0;
+    auto fill = [k, uneven](std::vector<std::uint16_t>& table, unsigned n, double halfDiagonalShare) {
+        table.resize(n);
+        for (unsigned i = 0; i < n; ++i) {
+            const double t = (i + 0.5 - n / 2.0) / (n / 2.0);
+            double gain = std::exp(-k * halfDiagonalShare * t * t);
+            if (uneven > 0.0)
+                gain *= 1.0 - uneven * (i + 0.5) / n;
+            table[i] = std::uint16_t(std::lround(32768.0 * gain));
+        }
+    };
+    const double diag2 = double(m_width) * m_width + double(m_height) * m_height;
+    fill(m_gainX, m_width, double(m_width) * m_width / diag2);
+    fill(m_gainY, m_height, double(m_height) * m_height / diag2);
+}
+
 void CSimScene::SetControls(const Controls& controls)
 {
-    const bool lutChanged = m_adjusted.empty() || controls.brightness != m_controls.brightness
-        || controls.contrast != m_controls.contrast || controls.saturation != m_controls.saturation;
+    const Controls old = m_controls;
     m_controls = controls;
-    if (!lutChanged)
-        return;
+    const bool redraw = controls.rotation != old.rotation || controls.blur != old.blur;
+    if (redraw)
+        DrawSlide();
+    if (controls.noiseLevel != old.noiseLevel)
+        BuildNoise();
+    if (controls.vignetting != old.vignetting || controls.unevenLight != old.unevenLight)
+        BuildGains();
+    if (redraw || controls.brightness != old.brightness || controls.contrast != old.contrast
+        || controls.saturation != old.saturation)
+        AdjustSlide();
+}
+
+void CSimScene::AdjustSlide()
+{
     // Brightness, contrast and saturation act on the slide once here, not on
     // every frame.
     uchar luma[256];
     uchar chroma[256];
     for (int i = 0; i < 256; ++i) {
-        luma[i] = Clamp255((i - 128) * controls.contrast / 100 + 128 + controls.brightness);
-        chroma[i] = Clamp255((i - 128) * controls.saturation / 100 + 128);
+        luma[i] = Clamp255((i - 128) * m_controls.contrast / 100 + 128 + m_controls.brightness);
+        chroma[i] = Clamp255((i - 128) * m_controls.saturation / 100 + 128);
     }
     m_adjusted.resize(m_slideYuy2.size());
     for (std::size_t i = 0; i < m_slideYuy2.size(); i += 2) {
         m_adjusted[i] = luma[m_slideYuy2[i]];
         m_adjusted[i + 1] = chroma[m_slideYuy2[i + 1]];
     }
+}
+
+QPointF CSimScene::FramePoint(const QPointF& slideUm, std::uint64_t frame) const
+{
+    const double a = m_controls.rotation * kPi / 180.0;
+    const QPointF c(kSlideWidthUm / 2, kSlideHeightUm / 2);
+    const QPointF d = slideUm - c;
+    const QPointF turned(c.x() + d.x() * std::cos(a) - d.y() * std::sin(a),
+        c.y() + d.x() * std::sin(a) + d.y() * std::cos(a) + m_slideShiftUm);
+    const QPoint off = Offset(m_controls.drift ? frame : 0);
+    // Pixel i covers [i, i + 1) of the painted slide, so its centre is i + 0.5.
+    return turned / m_umPerPixel - QPointF(off) - QPointF(0.5, 0.5);
 }
 
 QPoint CSimScene::Offset(std::uint64_t frame) const
@@ -264,7 +319,7 @@ int CSimScene::NoiseStart(std::uint64_t frame) const
 void CSimScene::RenderYuy2(std::uint64_t frame, uchar* dst, std::size_t stride) const
 {
     const QPoint off = Offset(m_controls.drift ? frame : 0);
-    const bool vignette = m_controls.vignetting;
+    const bool shaded = !m_gainX.empty();
     const bool noisy = m_controls.noise;
     int noise = NoiseStart(frame);
     const unsigned rowsAvailable = unsigned(m_slide.height() - off.y());
@@ -278,8 +333,8 @@ void CSimScene::RenderYuy2(std::uint64_t frame, uchar* dst, std::size_t stride) 
         unsigned x = 0;
         if (y < rowsAvailable) {
             const uchar* s = m_adjusted.data() + (off.y() + y) * m_slideYuy2Stride + std::size_t(off.x()) * 2;
-            const std::uint16_t* gain = vignette ? m_vigX.data() : flat.data();
-            const std::int32_t rowGain = vignette ? m_vigY[y] : 32768;
+            const std::uint16_t* gain = shaded ? m_gainX.data() : flat.data();
+            const std::int32_t rowGain = shaded ? m_gainY[y] : 32768;
             const std::int16_t* n = noisy ? m_noise.data() + noise : silence.data();
             ShadeRow(s, gain, rowGain, n, d, pixels);
             x = pixels;

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QImage>
 #include <QPoint>
+#include <QPointF>
 
 #include <cstdint>
 #include <vector>
@@ -10,7 +11,8 @@
 // The picture of the simulated microscope camera: a slide with a stage
 // micrometer and test objects of known size, seen through a field of view
 // 1600 um wide whatever the frame size, drifting slowly, with mild noise and
-// vignetting. The slide is drawn once per frame size; a frame is a window into
+// vignetting; for judging measurements it can also turn the slide, blur it
+// (defocus), add strong noise and light the field unevenly. The slide is drawn once per frame size; a frame is a window into
 // it, so a frame costs a copy and a few table look-ups per pixel.
 //
 // Everything is a function of the frame number, so two cameras of the same
@@ -45,6 +47,17 @@ public:
         bool noise = true;
         // Off: the slide stands still at its first position.
         bool drift = true;
+        // The slide turned clockwise on the screen about its centre
+        // (1000, 900) um, in degrees.
+        double rotation = 0.0;
+        // Defocus: a Gaussian blur of this spread in frame pixels.
+        double blur = 0.0;
+        // With noise on: normal noise of this spread in luma levels instead
+        // of the mild default (0).
+        double noiseLevel = 0.0;
+        // Light falling off linearly by this many percent from the left edge
+        // to the right one and again from the top edge to the bottom one.
+        int unevenLight = 0;
     };
     void SetControls(const Controls& controls);
 
@@ -58,20 +71,29 @@ public:
     // The slide as drawn, before noise and vignetting (tests, documentation).
     const QImage& Slide() const { return m_slide; }
 
+    // Where a point of the slide (micrometres) appears in frame n, in pixel
+    // coordinates whose integers are pixel centres: the ground truth that
+    // measurements on the frames are judged by.
+    QPointF FramePoint(const QPointF& slideUm, std::uint64_t frame) const;
+
 private:
     void DrawSlide();
-    void BuildTables();
+    void BuildNoise();
+    void BuildGains();
+    void AdjustSlide();
     int NoiseStart(std::uint64_t frame) const;
 
     unsigned m_width;
     unsigned m_height;
     double m_umPerPixel;
+    double m_slideShiftUm = 0.0; // the content's downward shift on a tall slide
     QImage m_slide; // RGB888
     std::vector<uchar> m_slideYuy2; // the slide in YUY2, m_slide.width() * 2 per row
     std::vector<uchar> m_adjusted; // the same with the controls applied
     std::size_t m_slideYuy2Stride = 0;
-    std::vector<std::uint16_t> m_vigX; // 1.15 fixed point
-    std::vector<std::uint16_t> m_vigY;
+    // Vignetting and uneven light, 1.15 fixed point; empty when both are off.
+    std::vector<std::uint16_t> m_gainX;
+    std::vector<std::uint16_t> m_gainY;
     // Noise added to luma, repeated once per kNoiseSize values; one frame row
     // more than that is kept so a row never wraps.
     std::vector<std::int16_t> m_noise;

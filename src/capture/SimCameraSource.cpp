@@ -77,6 +77,10 @@ enum {
     PROP_NOISE,
     PROP_DRIFT,
     PROP_FRAMES,
+    PROP_ROTATION,
+    PROP_BLUR,
+    PROP_NOISE_LEVEL,
+    PROP_UNEVEN_LIGHT,
 };
 
 SimState* State(gpointer object)
@@ -128,6 +132,22 @@ void SetProperty(GObject* object, guint id, const GValue* value, GParamSpec* psp
         s->controls.drift = g_value_get_boolean(value);
         s->controlsChanged = true;
         break;
+    case PROP_ROTATION:
+        s->controls.rotation = g_value_get_double(value);
+        s->controlsChanged = true;
+        break;
+    case PROP_BLUR:
+        s->controls.blur = g_value_get_double(value);
+        s->controlsChanged = true;
+        break;
+    case PROP_NOISE_LEVEL:
+        s->controls.noiseLevel = g_value_get_double(value);
+        s->controlsChanged = true;
+        break;
+    case PROP_UNEVEN_LIGHT:
+        s->controls.unevenLight = g_value_get_int(value);
+        s->controlsChanged = true;
+        break;
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, pspec);
     }
@@ -164,6 +184,18 @@ void GetProperty(GObject* object, guint id, GValue* value, GParamSpec* pspec)
         break;
     case PROP_FRAMES:
         g_value_set_int(value, s->framesDelivered);
+        break;
+    case PROP_ROTATION:
+        g_value_set_double(value, s->controls.rotation);
+        break;
+    case PROP_BLUR:
+        g_value_set_double(value, s->controls.blur);
+        break;
+    case PROP_NOISE_LEVEL:
+        g_value_set_double(value, s->controls.noiseLevel);
+        break;
+    case PROP_UNEVEN_LIGHT:
+        g_value_set_int(value, s->controls.unevenLight);
         break;
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, pspec);
@@ -372,6 +404,16 @@ static void oculix_sim_src_class_init(OculixSimSrcClass* klass)
         object, PROP_NOISE, g_param_spec_boolean("noise", "Noise", "Sensor noise", TRUE, flags));
     g_object_class_install_property(
         object, PROP_DRIFT, g_param_spec_boolean("drift", "Drift", "The slide drifts slowly", TRUE, flags));
+    g_object_class_install_property(object, PROP_ROTATION,
+        g_param_spec_double("rotation", "Rotation", "Slide turned clockwise, degrees", -360, 360, 0, flags));
+    g_object_class_install_property(object, PROP_BLUR,
+        g_param_spec_double("blur", "Blur", "Defocus: Gaussian spread in pixels", 0, 20, 0, flags));
+    g_object_class_install_property(object, PROP_NOISE_LEVEL,
+        g_param_spec_double(
+            "noise-level", "Noise level", "Spread of the noise in levels (0: mild)", 0, 64, 0, flags));
+    g_object_class_install_property(object, PROP_UNEVEN_LIGHT,
+        g_param_spec_int(
+            "uneven-light", "Uneven light", "Light falling off across the field, percent", 0, 90, 0, flags));
     g_object_class_install_property(object, PROP_FRAMES,
         g_param_spec_int("frames", "Frames", "Frames delivered since start", 0, G_MAXINT, 0,
             GParamFlags(G_PARAM_READABLE | G_PARAM_STATIC_STRINGS)));

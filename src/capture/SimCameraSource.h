@@ -12,8 +12,10 @@
 // Properties: "camera-name" (string, selects the fault settings below),
 // "device-caps" (GstCaps), "brightness" (-64..64), "contrast" (0..200),
 // "saturation" (0..200), "vignetting", "noise", "drift" (bools; with noise
-// and drift off every frame is the same), "frames" (read-only count of frames
-// delivered since the last start).
+// and drift off every frame is the same), "rotation" (degrees), "blur"
+// (pixels), "noise-level" (levels, 0 for the mild default), "uneven-light"
+// (0..90 percent), "frames" (read-only count of frames delivered since the
+// last start).
 
 // Registers the element type in this process (no plugin file). Idempotent.
 void RegisterSimCameraSource();

@@ -1,8 +1,11 @@
 #include "measure/CRulerSettingDlg.h"
 
+#include "calibration/GraticuleDetector.h"
 #include "calibration/MeasureTables.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLRuler.h"
+#include "measure/CGVLWnd.h"
+#include "measure/CGraticuleDlg.h"
 #include "measure/IMeasureDocument.h"
 #include "measure/WindowCalls.h"
 #include "platform/AppPaths.h"
@@ -25,6 +28,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 const QString CRulerSettingDlg::kFileFilter = QStringLiteral("Ruler Data Files(*.svr)");
 
@@ -35,6 +39,15 @@ CRulerSettingDlg::FileDialogHandler& FileDialogHook()
     static CRulerSettingDlg::FileDialogHandler handler;
     return handler;
 }
+
+CRulerSettingDlg::GraticuleDialogRunner& GraticuleHook()
+{
+    static CRulerSettingDlg::GraticuleDialogRunner runner;
+    return runner;
+}
+
+// Micrometres in one of each unit of the unit list.
+constexpr double kMicrometresPer[] = { 1.0, 1000.0, 10000.0, 100000.0, 25400.0 };
 
 // A file's coordinates may be anything; the ruler stays where its arithmetic
 // cannot overflow.
@@ -160,6 +173,9 @@ void CRulerSettingDlg::BuildControls()
     QPushButton* loadFrom = button("LoadFrom", "loadFrom");
     QPushButton* yEqualX = button("Y = X", "yEqualX");
     QPushButton* byDefault = button("Default", "default");
+    QPushButton* detect = new QPushButton(tr("Detect from micrometer"));
+    detect->setObjectName(QStringLiteral("detectMicrometer"));
+    detect->setAutoDefault(false);
 
     auto* results = new QGroupBox(QCoreApplication::translate("CRulerSettingDlg", "Real Results"));
     auto* resultsGrid = new QGridLayout(results);
@@ -181,6 +197,7 @@ void CRulerSettingDlg::BuildControls()
     physicalGrid->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "Ruler Unit")), 2, 0);
     physicalGrid->addWidget(m_cbUnit, 2, 1);
     physicalGrid->addWidget(yEqualX, 2, 2);
+    physicalGrid->addWidget(detect, 3, 0, 1, 3);
 
     auto* image = new QGroupBox(QCoreApplication::translate("CRulerSettingDlg", "Image Ruler(pixel)"));
     auto* imageGrid = new QGridLayout(image);
@@ -227,6 +244,7 @@ void CRulerSettingDlg::BuildControls()
     connect(loadFrom, &QPushButton::clicked, this, &CRulerSettingDlg::OnLoadFrom);
     connect(yEqualX, &QPushButton::clicked, this, &CRulerSettingDlg::OnYEqualX);
     connect(byDefault, &QPushButton::clicked, this, &CRulerSettingDlg::LoadDefault);
+    connect(detect, &QPushButton::clicked, this, &CRulerSettingDlg::DetectFromMicrometer);
     connect(m_edXReal, &QLineEdit::textEdited, this, [this] { OnRealEdited(true); });
     connect(m_edYReal, &QLineEdit::textEdited, this, [this] { OnRealEdited(false); });
     connect(m_cbUnit, &QComboBox::currentIndexChanged, this, [this](int index) {
@@ -382,6 +400,67 @@ void CRulerSettingDlg::Commit()
         mgr.m_unit = unit;
     }
     InvalidateWindow(mgr.m_hWnd);
+}
+
+CRulerSettingDlg::GraticuleDialogRunner CRulerSettingDlg::SetGraticuleDialogRunner(GraticuleDialogRunner runner)
+{
+    return std::exchange(GraticuleHook(), std::move(runner));
+}
+
+double CRulerSettingDlg::OverlayScale() const
+{
+    const QSize picture = m_owner.GetImageSize();
+    const QSize shown = CGVLWnd::DisplayedSize(picture, m_owner.GetZoomIndex());
+    return picture.width() > 0 && shown.width() > 0 ? double(shown.width()) / picture.width() : 1.0;
+}
+
+bool CRulerSettingDlg::DetectFromMicrometer()
+{
+    const QImage picture = m_owner.GetMeasuringPicture();
+    if (picture.isNull()) {
+        MessageBox(tr("There is no picture to look for a micrometer in."), tr("Detect from micrometer"),
+            MB_OK | MB_ICONWARNING);
+        return false;
+    }
+    // The ruler's box, in picture pixels, is offered as the region to search.
+    Recompute();
+    const double scale = OverlayScale();
+    const QRect box = QRect(QPoint(m_data.m_nXStart, m_data.m_nYStart), QPoint(m_data.m_nXEnd, m_data.m_nYEnd))
+                          .normalized();
+    const QRect rulerBox(QPoint(int(box.left() / scale), int(box.top() / scale)),
+        QPoint(int(box.right() / scale), int(box.bottom() / scale)));
+    CGraticuleDlg dialog(picture, rulerBox, this);
+    const GraticuleDialogRunner& hook = GraticuleHook();
+    const bool accepted = hook ? hook(dialog) : dialog.exec() == QDialog::Accepted;
+    if (!accepted || !dialog.Fit().found)
+        return false;
+    ApplyGraticule(dialog.Fit());
+    return true;
+}
+
+void CRulerSettingDlg::ApplyGraticule(const GraticuleFit& fit)
+{
+    if (!fit.found || !(fit.perPixel > 0))
+        return;
+    const double umPerOverlayPixel = fit.perPixel / OverlayScale();
+    int unit = MeasureTables::ClampUnit(m_cbUnit->currentIndex());
+    // The record keeps four decimals of the pixel size; below 0.1 that is
+    // fewer than four digits, so the calibration goes into micrometres.
+    if (umPerOverlayPixel / kMicrometresPer[unit] < 0.1)
+        unit = 0;
+    const double perPixel = umPerOverlayPixel / kMicrometresPer[unit];
+    Recompute();
+    if (m_data.m_nXLenth <= 0 || m_data.m_nYLenth <= 0) {
+        // A folded ruler has no length to scale: lay it out afresh.
+        MoveRuler(QPoint(100, 300), QPoint(300, 100));
+        Recompute();
+    }
+    m_data.m_nUnit = unit;
+    m_data.m_strXReal = QString::number(perPixel * m_data.m_nXLenth, 'f', 6);
+    m_data.m_strYReal = QString::number(perPixel * m_data.m_nYLenth, 'f', 6);
+    UpdateData(false);
+    UpdateUnitLabels();
+    Commit();
 }
 
 void CRulerSettingDlg::MoveRuler(const QPoint& a, const QPoint& b)

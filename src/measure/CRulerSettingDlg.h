@@ -9,6 +9,8 @@
 #include <functional>
 #include <memory>
 
+class CGraticuleDlg;
+struct GraticuleFit;
 class IMeasureDocument;
 class QComboBox;
 class QLabel;
@@ -57,6 +59,19 @@ public:
     // The factory calibration of the magnification list's entry, scaled to
     // the document's frame size, then commits (also when the file is missing).
     void LoadDefault();
+    // "Detect from micrometer": finds the micrometer in the document's
+    // picture or live frame and, when the user accepts what it shows,
+    // calibrates from it. True when a calibration was accepted.
+    bool DetectFromMicrometer();
+    // Calibrates from a found micrometer (perPixel in micrometres per picture
+    // pixel): the ruler keeps its arms, their real lengths become the pixel
+    // size times their lengths in the selected unit, or in um when that unit
+    // would keep fewer than four digits of it; then commits.
+    void ApplyGraticule(const GraticuleFit& fit);
+    // Runs the detection dialog; replaceable as a whole (tests). Returns
+    // whether the user accepted.
+    using GraticuleDialogRunner = std::function<bool(CGraticuleDlg&)>;
+    static GraticuleDialogRunner SetGraticuleDialogRunner(GraticuleDialogRunner runner);
 
     int UnitSelection() const;
     void SetUnitSelection(int unit);
@@ -103,6 +118,8 @@ private:
     void OnSaveTo();
     void OnLoadFrom();
     void ApplyFile(const SvrData& data);
+    // Overlay pixels per picture pixel at the document's zoom.
+    double OverlayScale() const;
     // Puts the ruler's vertical arm end at A and its horizontal arm end at B.
     void MoveRuler(const QPoint& a, const QPoint& b);
     QString ChooseFile(bool save, const QString& folder);

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "image/FCObjImage.h"
+
+#include <QImage>
 #include <QSize>
 
 class CGVLElemMgr;
 class CRulerSettingDlg;
-class FCObjImage;
 
 // What the overlay window and the calibration dialog need from the document
 // they belong to. The measuring document implements it; tests stand in for it.
@@ -32,6 +34,13 @@ public:
     virtual CRulerSettingDlg* GetCalibrationDialog() = 0;
     // A double click on the live video; the capture graph decides what it does.
     virtual void OnVideoDoubleClick() { }
+    // The picture to measure on as the user sees it: the still picture, or
+    // the live frame; null when there is none yet.
+    virtual QImage GetMeasuringPicture()
+    {
+        const FCObjImage* picture = GetPicture();
+        return picture && picture->IsValidImage() ? picture->ToQImage() : QImage();
+    }
 
 protected:
     ~IMeasureDocument() = default;

@@ -398,14 +398,4 @@ TEST_F(MeasureAppTest, CommandTableFrameAndApplicationCommands)
     CMeasureApp::SetRestartLauncher({});
 }
 
-TEST(MeasureAppFilters, ClassicFilterFirstThenEveryReadableFormat)
-{
-    const QStringList filters = CMeasureApp::PictureOpenFilters();
-    ASSERT_GE(filters.size(), 8);
-    EXPECT_EQ(filters.front(), "Image File (*.bmp, *.jpg) (*.bmp *.jpg *.jpeg)");
-    for (const char* extension : { "*.png", "*.tif", "*.tga", "*.gif", "*.pcx" }) {
-        EXPECT_EQ(filters.filter(QString::fromLatin1(extension)).size(), 2) << extension; // its own and "All"
-    }
-}
-
 #include "CMeasureAppTest.moc"

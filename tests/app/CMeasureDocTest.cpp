@@ -352,6 +352,8 @@ TEST_F(MeasureFrameTest, UnreadablePicturesAreReportedAndOpenDialogPreviewsAndOp
     ASSERT_EQ(frame->GetChildFrames().size(), 1u);
     EXPECT_EQ(ActiveDoc()->GetImageSize(), QSize(300, 200));
     EXPECT_EQ(firstFilters.value(0), "Image File (*.bmp, *.jpg) (*.bmp *.jpg *.jpeg)");
+    for (const char* extension : { "*.png", "*.tif", "*.tga", "*.gif", "*.pcx" })
+        EXPECT_EQ(firstFilters.filter(QString::fromLatin1(extension)).size(), 2) << extension; // own, "All"
 
     answer(false);
     frame->RouteCommand(ID_FILE_OPEN);

@@ -3,12 +3,6 @@
 #include "calibration/CalibrationRecord.h"
 #include "calibration/ColorRecord.h"
 
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
-
-#include <clocale>
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 using namespace MeasureTables;
@@ -39,25 +33,4 @@ TEST(MeasureTables, LabelsByPrecisionAndEmptyOutsideOneToFive)
     EXPECT_EQ(FormatLabel(kValueFormats, 1, 10.0, SpacedUnitText(1)), "10.0 mm");
     for (int precision : { 0, 6 })
         EXPECT_TRUE(FormatLabel(kLengthFormats, precision, 1.0, "mm").isEmpty()) << precision;
-}
-
-TEST(MeasureTables, NumbersKeepAPeriodInACommaLocale)
-{
-    // The installed German locale, or one compiled from the locale sources.
-    QTemporaryDir dir;
-    bool comma = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
-    if (!comma && dir.isValid() && QFile::exists("/usr/share/i18n/locales/de_DE")
-        && QProcess::execute("localedef", { "-i", "de_DE", "-f", "UTF-8", dir.filePath("de_DE.UTF-8") })
-            == 0) {
-        setenv("LOCPATH", QFile::encodeName(dir.path()).constData(), 1);
-        comma = std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr;
-    }
-    if (!comma)
-        GTEST_SKIP() << "no locale with a decimal comma here (Debian package 'locales')";
-    char probe[8];
-    std::snprintf(probe, sizeof probe, "%.1f", 1.5);
-    ASSERT_STREQ(probe, "1,5");
-    EXPECT_EQ(FormatLabel(kLengthFormats, 2, 1.5, "mm"), "L=1.50mm");
-    EXPECT_EQ(FormatC("%d,%.3f", 7, 0.25), "7,0.250");
-    std::setlocale(LC_NUMERIC, "C");
 }

@@ -1,4 +1,5 @@
 #include "MeasureTestSupport.h"
+#include "calibration/MeasureTables.h"
 
 #include <clocale>
 #include <cstdio>
@@ -35,6 +36,7 @@ TEST_F(CsvFixture, EveryMeasuringShapeGivesItsRowsInCreationOrderAndNoneNothing)
     Annotate({ 100, 100 });
     EXPECT_EQ(Csv(true), "No.;Type;Result;Unit\n") << "only elements that measure nothing";
     mgr.DeleteAll();
+    EXPECT_EQ(Csv(), "") << "after Delete all, not even the header";
     mgr.m_unit = { 1, 0.1, 0.1, 0, 0 };
     mgr.m_nPrecision = 3;
     AddLine(mgr, { 0, 0 }, { 30, 40 });
@@ -102,7 +104,12 @@ TEST_F(CsvFixture, NumbersKeepAPeriodUnderACommaLocale)
     Clicks(mgr, 3, { { 150, 100 }, { 100, 100 }, { 150, 150 } });
     const QByteArray semicolon = Csv(true);
     const QByteArray comma = Csv();
+    // The labels on the picture keep it too.
+    const QString label = MeasureTables::FormatLabel(MeasureTables::kLengthFormats, 2, 1.5, "mm");
+    const QString formatted = MeasureTables::FormatC("%d,%.3f", 7, 0.25);
     std::setlocale(LC_NUMERIC, "C");
+    EXPECT_EQ(label, "L=1.50mm");
+    EXPECT_EQ(formatted, "7,0.250");
     EXPECT_EQ(semicolon, "No.;Type;Result;Unit\n1;Angle;45.00;degree\n");
     EXPECT_EQ(comma, "No.,Type,Result,Unit\n1,Angle,45.00,degree\n");
 }

@@ -1,0 +1,70 @@
+#include "measure/CGraticuleDlg.h"
+
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Dark ticks every 8 pixels along y = 200, from x = 80 to 560.
+QImage ScalePicture()
+{
+    QImage image(640, 400, QImage::Format_RGB32);
+    image.fill(QColor(220, 220, 210));
+    QPainter p(&image);
+    for (int x = 80; x <= 560; x += 8)
+        p.fillRect(QRect(x - 1, 160, 3, 40), QColor(30, 30, 30));
+    p.fillRect(QRect(79, 200, 483, 3), QColor(30, 30, 30));
+    return image;
+}
+
+} // namespace
+
+TEST(GraticuleDialog, ShowsThePixelSizeWithItsUncertaintyAndOnlyAcceptsAFoundScale)
+{
+    CGraticuleDlg dialog(ScalePicture(), QRect(0, 0, 200, 100));
+    // 0.01 mm per 8 pixels.
+    ASSERT_TRUE(dialog.CanAccept()) << dialog.ShownResult().toStdString();
+    EXPECT_NEAR(dialog.Fit().perPixel, 1.25, 1e-3);
+    EXPECT_TRUE(dialog.ShownResult().startsWith(QStringLiteral("1 px = 1.250")));
+    EXPECT_TRUE(dialog.ShownResult().contains(QStringLiteral(" µm ± ")));
+    // Of the 61 ticks, those whose surroundings are cut by the scale's ends may go.
+    const int ticks = int(dialog.Fit().ticks.size());
+    EXPECT_GE(ticks, 57);
+    EXPECT_TRUE(dialog.ShownResult().contains(QStringLiteral("%1 ticks, scale at 0.0°").arg(ticks)))
+        << dialog.ShownResult().toStdString();
+
+    // Another division value scales the result; a word is no value.
+    dialog.SetDivisionMm(QStringLiteral("0.002"));
+    EXPECT_NEAR(dialog.Fit().perPixel, 0.25, 1e-3);
+    dialog.SetDivisionMm(QStringLiteral("ten"));
+    EXPECT_FALSE(dialog.CanAccept());
+    dialog.SetDivisionMm(QStringLiteral("0.01"));
+    EXPECT_TRUE(dialog.CanAccept());
+
+    // Only inside the ruler, which lies away from the scale: nothing.
+    dialog.SetInsideRuler(true);
+    EXPECT_FALSE(dialog.CanAccept());
+    EXPECT_EQ(dialog.ShownResult(), dialog.Fit().reason);
+    dialog.SetInsideRuler(false);
+    EXPECT_TRUE(dialog.CanAccept());
+
+    QImage blank(640, 400, QImage::Format_RGB32);
+    blank.fill(Qt::white);
+    CGraticuleDlg nothing(blank, QRect());
+    EXPECT_FALSE(nothing.CanAccept());
+    EXPECT_FALSE(nothing.ShownResult().isEmpty());
+}
+
+TEST(GraticuleDialog, ResultTextKeepsASignificantDigitOfTheUncertainty)
+{
+    GraticuleFit fit;
+    fit.found = true;
+    fit.perPixel = 1.250312;
+    fit.perPixelU = 0.0008;
+    fit.ticks.resize(93);
+    fit.angleDeg = 3.04;
+    EXPECT_EQ(CGraticuleDlg::ResultText(fit), QStringLiteral("1 px = 1.2503 µm ± 0.0008\n93 ticks, scale at 3.0°"));
+    fit.perPixelU = 0.00004;
+    EXPECT_TRUE(CGraticuleDlg::ResultText(fit).startsWith(QStringLiteral("1 px = 1.25031 µm ± 0.00004")));
+}
