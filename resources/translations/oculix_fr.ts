@@ -244,6 +244,10 @@
         <source>No file manager could show %1.</source>
         <translation>Aucun gestionnaire de fichiers n'a pu afficher %1.</translation>
     </message>
+    <message>
+        <source>Camera connected: %1. "New Preview" shows its video.</source>
+        <translation type="unfinished" />
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -332,13 +336,17 @@ texte</translation>
         <source>Export</source>
         <translation>Exporter</translation>
     </message>
+    <message>
+        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation type="unfinished" />
+    </message>
 </context>
 <context>
     <name>CProcessPropertiesDlg</name>
-    <message>
-        <source>Adjust</source>
-        <translation>Réglage</translation>
-    </message>
     <message>
         <source>&amp;Enable realtime process</source>
         <translation>&amp;Activer le traitement en temps réel</translation>
@@ -394,6 +402,10 @@ texte</translation>
     <message>
         <source>Blue:</source>
         <translation>Bleu :</translation>
+    </message>
+    <message>
+        <source>Real-time Processing</source>
+        <translation type="unfinished" />
     </message>
 </context>
 <context>
@@ -575,105 +587,6 @@ texte</translation>
     <message>
         <source>There is no picture to look for a micrometer in.</source>
         <translation>Il n'y a pas d'image dans laquelle chercher un micromètre.</translation>
-    </message>
-</context>
-<context>
-    <name>CXCapGraph</name>
-    <message>
-        <source>Could not create filter graph</source>
-        <translation>Impossible de créer le graphe de capture</translation>
-    </message>
-    <message>
-        <source>Try to connect capture device failed.</source>
-        <translation>La connexion au périphérique de capture a échoué.</translation>
-    </message>
-    <message>
-        <source>Try to find capture device failed.</source>
-        <translation>La recherche du périphérique de capture a échoué.</translation>
-    </message>
-    <message>
-        <source>Could not create smart tee</source>
-        <translation>Impossible de créer le répartiteur</translation>
-    </message>
-    <message>
-        <source>Could not create SampleGrabber (is qedit.dll registered?)</source>
-        <translation>Impossible de créer le capteur d'images (qedit.dll est-il enregistré ?)</translation>
-    </message>
-    <message>
-        <source>Could not create CamProcess (is OCULIXPro.dll registered?)</source>
-        <translation>Impossible de créer CamProcess (OCULIXPro.dll est-il enregistré ?)</translation>
-    </message>
-    <message>
-        <source>Could not put CamProcess filter in graph</source>
-        <translation>Impossible de placer le filtre CamProcess dans le graphe</translation>
-    </message>
-    <message>
-        <source>Could not get sample grabber filter</source>
-        <translation>Impossible d'obtenir le filtre de capture d'images</translation>
-    </message>
-    <message>
-        <source>Could not set media type</source>
-        <translation>Impossible de définir le type de média</translation>
-    </message>
-    <message>
-        <source>Unable to make a VM7 renderer</source>
-        <translation>Impossible de créer l'afficheur vidéo</translation>
-    </message>
-    <message>
-        <source>Could not put sample grabber in graph</source>
-        <translation>Impossible de placer le capteur d'images dans le graphe</translation>
-    </message>
-    <message>
-        <source>Could not put smart tee in graph</source>
-        <translation>Impossible de placer le répartiteur dans le graphe</translation>
-    </message>
-    <message>
-        <source>Find capture device failed.</source>
-        <translation>Périphérique de capture introuvable.</translation>
-    </message>
-    <message>
-        <source>Could not create CamProcess (is CamProcess.dll registered?)</source>
-        <translation>Impossible de créer CamProcess (CamProcess.dll est-il enregistré ?)</translation>
-    </message>
-    <message>
-        <source>Could not put OculixPro filter in graph</source>
-        <translation>Impossible de placer le filtre OculixPro dans le graphe</translation>
-    </message>
-    <message>
-        <source>Could not create compressor </source>
-        <translation>Impossible de créer le compresseur </translation>
-    </message>
-    <message>
-        <source>Could not create AVI Mux Filter (is qcap.dll registered?)</source>
-        <translation>Impossible de créer le multiplexeur AVI (qcap.dll est-il enregistré ?)</translation>
-    </message>
-    <message>
-        <source>Unable to make a FileWriter</source>
-        <translation>Impossible de créer l'écriture du fichier</translation>
-    </message>
-    <message>
-        <source>Unable to get IFileSinkFilter</source>
-        <translation>Impossible d'obtenir la sortie fichier</translation>
-    </message>
-    <message>
-        <source>Could not get video window interface</source>
-        <translation>Impossible d'obtenir la fenêtre vidéo</translation>
-    </message>
-    <message>
-        <source>%1 Properties</source>
-        <translation>Propriétés de %1</translation>
-    </message>
-    <message>
-        <source>Error Creating Device Enumerator</source>
-        <translation>Erreur lors de l'énumération des périphériques</translation>
-    </message>
-    <message>
-        <source>Sorry, you have no video capture hardware.<byte value="xd" />
-<byte value="xd" />
-Video capture will not function properly.</source>
-        <translation>Désolé, vous n'avez aucun matériel de capture vidéo.<byte value="xd" />
-<byte value="xd" />
-La capture vidéo ne fonctionnera pas correctement.</translation>
     </message>
 </context>
 <context>
@@ -1069,6 +982,10 @@ La capture vidéo ne fonctionnera pas correctement.</translation>
     <message>
         <source>Record camera video to file</source>
         <translation>Enregistrer la vidéo de la caméra dans un fichier</translation>
+    </message>
+    <message>
+        <source>Show the real-time processing settings</source>
+        <translation type="unfinished" />
     </message>
 </context>
 <context>

@@ -244,6 +244,10 @@
         <source>No file manager could show %1.</source>
         <translation>没有文件管理器可以显示 %1。</translation>
     </message>
+    <message>
+        <source>Camera connected: %1. "New Preview" shows its video.</source>
+        <translation type="unfinished" />
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -332,13 +336,17 @@ Background</source>
         <source>Export</source>
         <translation>导出</translation>
     </message>
+    <message>
+        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
+        <translation type="unfinished" />
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation type="unfinished" />
+    </message>
 </context>
 <context>
     <name>CProcessPropertiesDlg</name>
-    <message>
-        <source>Adjust</source>
-        <translation>调节</translation>
-    </message>
     <message>
         <source>&amp;Enable realtime process</source>
         <translation>启用实时处理(&amp;E)</translation>
@@ -394,6 +402,10 @@ Background</source>
     <message>
         <source>Blue:</source>
         <translation>蓝：</translation>
+    </message>
+    <message>
+        <source>Real-time Processing</source>
+        <translation type="unfinished" />
     </message>
 </context>
 <context>
@@ -575,105 +587,6 @@ Background</source>
     <message>
         <source>There is no picture to look for a micrometer in.</source>
         <translation>没有可用于查找测微尺的图片。</translation>
-    </message>
-</context>
-<context>
-    <name>CXCapGraph</name>
-    <message>
-        <source>Could not create filter graph</source>
-        <translation>无法创建采集图</translation>
-    </message>
-    <message>
-        <source>Try to connect capture device failed.</source>
-        <translation>连接采集设备失败。</translation>
-    </message>
-    <message>
-        <source>Try to find capture device failed.</source>
-        <translation>查找采集设备失败。</translation>
-    </message>
-    <message>
-        <source>Could not create smart tee</source>
-        <translation>无法创建分流器</translation>
-    </message>
-    <message>
-        <source>Could not create SampleGrabber (is qedit.dll registered?)</source>
-        <translation>无法创建帧抓取器（qedit.dll 是否已注册？）</translation>
-    </message>
-    <message>
-        <source>Could not create CamProcess (is OCULIXPro.dll registered?)</source>
-        <translation>无法创建 CamProcess（OCULIXPro.dll 是否已注册？）</translation>
-    </message>
-    <message>
-        <source>Could not put CamProcess filter in graph</source>
-        <translation>无法将 CamProcess 滤镜加入采集图</translation>
-    </message>
-    <message>
-        <source>Could not get sample grabber filter</source>
-        <translation>无法获取帧抓取滤镜</translation>
-    </message>
-    <message>
-        <source>Could not set media type</source>
-        <translation>无法设置媒体类型</translation>
-    </message>
-    <message>
-        <source>Unable to make a VM7 renderer</source>
-        <translation>无法创建视频渲染器</translation>
-    </message>
-    <message>
-        <source>Could not put sample grabber in graph</source>
-        <translation>无法将帧抓取器加入采集图</translation>
-    </message>
-    <message>
-        <source>Could not put smart tee in graph</source>
-        <translation>无法将分流器加入采集图</translation>
-    </message>
-    <message>
-        <source>Find capture device failed.</source>
-        <translation>未找到采集设备。</translation>
-    </message>
-    <message>
-        <source>Could not create CamProcess (is CamProcess.dll registered?)</source>
-        <translation>无法创建 CamProcess（CamProcess.dll 是否已注册？）</translation>
-    </message>
-    <message>
-        <source>Could not put OculixPro filter in graph</source>
-        <translation>无法将 OculixPro 滤镜加入采集图</translation>
-    </message>
-    <message>
-        <source>Could not create compressor </source>
-        <translation>无法创建压缩器 </translation>
-    </message>
-    <message>
-        <source>Could not create AVI Mux Filter (is qcap.dll registered?)</source>
-        <translation>无法创建 AVI 复用器（qcap.dll 是否已注册？）</translation>
-    </message>
-    <message>
-        <source>Unable to make a FileWriter</source>
-        <translation>无法创建文件写入器</translation>
-    </message>
-    <message>
-        <source>Unable to get IFileSinkFilter</source>
-        <translation>无法获取文件输出</translation>
-    </message>
-    <message>
-        <source>Could not get video window interface</source>
-        <translation>无法获取视频窗口</translation>
-    </message>
-    <message>
-        <source>%1 Properties</source>
-        <translation>%1 属性</translation>
-    </message>
-    <message>
-        <source>Error Creating Device Enumerator</source>
-        <translation>创建设备枚举器时出错</translation>
-    </message>
-    <message>
-        <source>Sorry, you have no video capture hardware.<byte value="xd" />
-<byte value="xd" />
-Video capture will not function properly.</source>
-        <translation>抱歉，您没有视频采集硬件。<byte value="xd" />
-<byte value="xd" />
-视频采集将无法正常工作。</translation>
     </message>
 </context>
 <context>
@@ -1069,6 +982,10 @@ Video capture will not function properly.</source>
     <message>
         <source>Record camera video to file</source>
         <translation>将相机视频录制到文件</translation>
+    </message>
+    <message>
+        <source>Show the real-time processing settings</source>
+        <translation type="unfinished" />
     </message>
 </context>
 <context>

@@ -8,6 +8,7 @@
 #include "app/CommandTable.h"
 #include "app/CSingleInstance.h"
 #include "app/DlgSelectFile.h"
+#include "capture/CDeviceWatcher.h"
 #include "capture/CameraModels.h"
 #include "capture/SimDeviceProvider.h"
 #include "platform/DebugLog.h"
@@ -26,6 +27,7 @@
 #include <QSettings>
 #include <QTranslator>
 #include <QUrl>
+#include <QStatusBar>
 
 #include <cstdio>
 
@@ -122,6 +124,7 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
         qCInfo(lcApp) << "another copy runs: asked it to come forward";
         return false;
     }
+    ScanAttachedCameras();
     LoadCameraModelSizes(m_paths.m_settingsFile);
 
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/oculix.svg")));
@@ -158,6 +161,7 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
     });
 
     ProcessShellCommand();
+    WatchCameras();
 
     if (m_exitRequested)
         return false;
@@ -170,6 +174,25 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
     qCInfo(lcApp) << "started in" << (TranslationLocale(m_language).isEmpty() ? QStringLiteral("en") : TranslationLocale(m_language))
                   << "with data folder" << m_paths.m_dataFolder;
     return true;
+}
+
+// Cameras plugged in or out while the program runs: the live document loses
+// or regains its own; any other camera can be opened with "&New Preview"
+// while no document is live.
+void CMeasureApp::WatchCameras()
+{
+    m_deviceWatcher = new CDeviceWatcher(this);
+    connect(m_deviceWatcher, &CDeviceWatcher::DeviceRemoved, this, [](const QString& name) {
+        if (CMeasureDoc* live = CMeasureDoc::GetLiveDocument())
+            live->OnCameraUnplugged(name);
+    });
+    connect(m_deviceWatcher, &CDeviceWatcher::DeviceAdded, this, [this](const QString& name) {
+        if (CMeasureDoc* live = CMeasureDoc::GetLiveDocument())
+            live->OnCameraPlugged(name);
+        else if (m_mainFrame)
+            m_mainFrame->statusBar()->showMessage(
+                tr("Camera connected: %1. \"New Preview\" shows its video.").arg(name));
+    });
 }
 
 // The interface language is the user's choice from the language commands, or
@@ -391,6 +414,8 @@ int CMeasureApp::ExitInstance(int code)
     }
     delete m_signals;
     m_signals = nullptr;
+    delete m_deviceWatcher;
+    m_deviceWatcher = nullptr;
     // The bar layout is never saved, so each start begins with the default
     // one and there is no workspace state to erase here.
     // The new copy starts before this one gives up the instance: it then

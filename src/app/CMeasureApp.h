@@ -17,6 +17,7 @@
 
 class CDocTemplate;
 class CDocument;
+class CDeviceWatcher;
 class CExitSignalWatcher;
 class CSingleInstance;
 class QTranslator;
@@ -97,10 +98,12 @@ private:
     void MapAppCommands();
     void ProcessShellCommand();
     void Restart();
+    void WatchCameras();
 
     std::vector<std::unique_ptr<CDocTemplate>> m_templates;
     QPointer<CMainFrame> m_mainFrame;
     CExitSignalWatcher* m_signals = nullptr;
+    CDeviceWatcher* m_deviceWatcher = nullptr;
     AppPaths m_paths;
     CCommandLineInfo m_cmdInfo;
     int m_langId = kLangIdEnglish;

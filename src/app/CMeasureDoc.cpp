@@ -3,6 +3,7 @@
 // CMeasureDocCommands.cpp.
 #include "app/CMeasureDoc.h"
 
+#include "capture/CameraModels.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CRulerSettingDlg.h"
 #include "measure/WindowCalls.h"
@@ -48,6 +49,8 @@ CMeasureDoc* CMeasureDoc::GetLiveDocument()
 void CMeasureDoc::ReadSettings()
 {
     const SettingsKeys::DocumentSettings s = SettingsKeys::ReadDocumentSettings(m_settingsFile);
+    // No operation depends on the camera type; it is kept so that it goes
+    // back into the file as it came.
     m_nCameraType = s.m_cameraType;
     m_strDevice = s.m_device;
     m_nZoom = s.m_curSel;
@@ -73,7 +76,12 @@ void CMeasureDoc::WriteSettings() const
     SettingsKeys::DocumentSettings s;
     s.m_cameraType = m_nCameraType;
     s.m_displayMode = m_nDisplayMode;
-    s.m_device = m_strDevice;
+    // Once the user picked a camera by hand, only the live document speaks
+    // for it: a picture document's copy was read before the change and would
+    // put the old camera back if it happened to close last.
+    s.m_device = IsDeviceChosenByHand() && !m_bHasCamera
+        ? SettingsKeys::ReadString(SettingsKeys::VideoDevice, m_settingsFile)
+        : m_strDevice;
     s.m_curSel = m_nZoom;
     s.m_bFlip = m_switches.flip ? 1 : 0;
     s.m_bMirror = m_switches.mirror ? 1 : 0;

@@ -99,6 +99,13 @@ public:
     // stay picture pixels.
     bool CanDraw() const;
 
+    // Hot plug, from the application's device watcher. A pulled camera of
+    // the live document leaves it paused on the last frame; the same camera
+    // plugged back in runs the preview again.
+    void OnCameraUnplugged(const QString& name);
+    void OnCameraPlugged(const QString& name);
+    bool IsCameraLost() const { return m_bCameraLost; }
+
     // Commands, callable directly (tests) or through the command route.
     void Pause();
     void Preview();
@@ -185,6 +192,7 @@ private:
     bool m_bOpeningFile = false;
     std::atomic<bool> m_bLive { false };
     bool m_bHasCamera = false;
+    bool m_bCameraLost = false;
     std::atomic<bool> m_bPreviewRunning { false };
     bool m_bHasImage = false;
     FCObjImage m_image;

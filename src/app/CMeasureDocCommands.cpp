@@ -173,16 +173,19 @@ void CMeasureDoc::MapCommands()
     MapCommand(ID_CAMERA_FULLSCREEN, onLive(&CMeasureDoc::OnFullScreen));
     MapCommand(ID_VIDEO_DEVICE, onLive(&CMeasureDoc::OnChangeDevice));
     MapCommand(ID_VIDEO_RESOLUTION, onLive(&CMeasureDoc::OnVideoResolution));
-    MapCommand(ID_VIDEO_PROPERTIES, [] {
-        if (CMeasureDoc* live = s_pLiveDocument)
-            live->m_graph.ShowDeviceProperties();
-    });
-    MapCommand(ID_VIDEO_ADJUST, [] {
+    // "&Adjust" and "Video &Properties" both open the camera's own settings;
+    // the processing element's are a command of the processing bar.
+    for (int id : { ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST })
+        MapCommand(id, [] {
+            if (CMeasureDoc* live = s_pLiveDocument)
+                live->m_graph.ShowDeviceProperties();
+        });
+    MapCommand(ID_PROCESS_PROPERTIES, [] {
         if (CMeasureDoc* live = s_pLiveDocument)
             live->m_graph.ShowProcessProperties();
     });
     for (int id : { ID_VIEW_FULLSCREEN, ID_CAMERA_FULLSCREEN, ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION,
-             ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST })
+             ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST, ID_PROCESS_PROPERTIES })
         MapUpdate(id, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
     MapCaptureDialogs();
 }

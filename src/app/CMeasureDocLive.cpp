@@ -3,6 +3,7 @@
 #include "capture/CChooseDeviceDlg.h"
 #include "measure/CGVLElemMgr.h"
 #include "platform/DebugLog.h"
+#include "platform/MessageBox.h"
 
 namespace {
 
@@ -29,9 +30,14 @@ bool CMeasureDoc::StartLive(QWidget* videoOwner)
     m_videoOwner = videoOwner;
     m_graph.SetParentWnd(videoOwner, 0, 0, int(width), int(height));
     m_graph.SetStreamErrorHandler([this](const QString&) {
-        // The graph is down: the view shows the last frozen frame, if any.
+        // The graph is down: as when paused, the last frame stays to measure on.
         StopOverlayWorker();
         m_bPreviewRunning = false;
+        if (Snapshot(m_image)) {
+            m_unprocessed = m_image;
+            m_bHasImage = true;
+        }
+        m_graph.ShowVideoWindow(0);
         RepaintOverlayWindow();
     });
     AllocateOverlays(width, height);
@@ -187,14 +193,46 @@ void CMeasureDoc::Pause()
     RepaintOverlayWindow();
 }
 
+void CMeasureDoc::OnCameraUnplugged(const QString& name)
+{
+    if (!m_bLive || name != m_graph.DeviceName())
+        return;
+    m_bCameraLost = true;
+    // Takes the graph down through the error handler, unless the camera's
+    // read error already did.
+    m_graph.OnDeviceRemoved(name);
+}
+
+void CMeasureDoc::OnCameraPlugged(const QString& name)
+{
+    if (!m_bLive || !m_bCameraLost || name != m_graph.DeviceName())
+        return;
+    StopOverlayWorker();
+    if (m_graph.Reconnect() != S_OK)
+        return; // shown by the graph; the next plug-in tries again
+    m_bCameraLost = false;
+    AfterGraphRebuilt();
+}
+
 void CMeasureDoc::Preview()
 {
     if (!m_bLive || m_bPreviewRunning)
         return;
+    if (m_bCameraLost) {
+        MessageBox(tr("The camera \"%1\" is not connected. Plug it in again to go on with the live video.")
+                       .arg(m_graph.DeviceName()),
+            tr("Preview"), MB_OK | MB_ICONWARNING);
+        return;
+    }
     m_bPreviewRunning = true;
     m_graph.StopGraph();
     m_graph.RunGraph();
     m_graph.ShowVideoWindow(1);
+    // After a camera failure the worker was stopped and the overlay taken off.
+    if (!m_overlayThread.joinable()) {
+        m_graph.SetOverlay(1, &m_pCurrentOverlay);
+        StartOverlayWorker();
+    }
 }
 
 void CMeasureDoc::OnVideoDoubleClick()

@@ -33,6 +33,8 @@ const CommandInfo kCommands[] = {
     { ID_PROCESS_SHARPEN, CMD("&Sharpen"), CMD("Sharpen image"), ":/icons/sharpen.svg", true },
     { ID_PROCESS_BINARY, CMD("&Binary"), CMD("Binary image"), ":/icons/binary.svg", false },
     { ID_PROCESS_RGB, CMD("&Rgb"), CMD("Rgb adjustment"), ":/icons/rgb.svg", false },
+    { ID_PROCESS_PROPERTIES, "", CMD("Show the real-time processing settings"), ":/icons/processadjust.svg",
+        false },
     { ID_MEASURE_MOVE, CMD("Mo&ve"), CMD("Move elements"), ":/icons/move.svg", true },
     { ID_MEASURE_POINT, "", "", ":/icons/point.svg", true, CMD("Point") },
     { ID_MEASURE_LINE, CMD("&Line"), CMD("Draw line"), ":/icons/line.svg", true },
@@ -123,7 +125,7 @@ constexpr std::array kMeasureBar { ID_MEASURE_MOVE, S, ID_MEASURE_POINT, ID_MEAS
     ID_VIEW_DASHED_CROSSLINE, S, ID_MEASURE_CALIBRATION, ID_MEASURE_SETTING, ID_MEASURE_EXPORT };
 constexpr std::array kProcessBar { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_PROCESS_FLIP, S,
     ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY, ID_PROCESS_RGB, S,
-    ID_VIDEO_ADJUST };
+    ID_PROCESS_PROPERTIES };
 
 #define BAR(text) QT_TRANSLATE_NOOP("ToolBar", text)
 

@@ -57,6 +57,7 @@ constexpr int ID_PROCESS_EMBOSS = 32908;
 constexpr int ID_PROCESS_SHARPEN = 32909;
 constexpr int ID_PROCESS_ENABLE = 32911;
 constexpr int ID_PROCESS_BINARY = 32912;
+constexpr int ID_PROCESS_PROPERTIES = 32913;
 constexpr int ID_PROCESS_RGB = 32914;
 
 constexpr int ID_MEASURE_POINT = 32850;

@@ -18,13 +18,16 @@ CDeviceWatcher::CDeviceWatcher(QObject* parent)
     if (!gst_device_monitor_start(m_monitor)) {
         gst_object_unref(m_monitor);
         m_monitor = nullptr;
+        return;
     }
+    ShareDeviceMonitor(m_monitor);
 }
 
 CDeviceWatcher::~CDeviceWatcher()
 {
     if (!m_monitor)
         return;
+    ShareDeviceMonitor(nullptr);
     gst_device_monitor_stop(m_monitor);
     GstBus* bus = gst_device_monitor_get_bus(m_monitor);
     gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
@@ -45,9 +48,7 @@ GstBusSyncReply CDeviceWatcher::BusSync(GstBus*, GstMessage* message, gpointer s
     else
         gst_message_parse_device_removed(message, &device);
     if (device && IsCaptureDevice(device)) {
-        gchar* display = gst_device_get_display_name(device);
-        const QString name = QString::fromUtf8(display);
-        g_free(display);
+        const QString name = DeviceDisplayName(device);
         watcher->m_published.fetch_add(1, std::memory_order_release);
         QMetaObject::invokeMethod(
             watcher,

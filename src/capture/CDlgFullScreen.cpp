@@ -1,13 +1,11 @@
 #include "capture/CDlgFullScreen.h"
 
-#include "capture/CXCapGraph.h"
-
 #include <QCloseEvent>
 #include <QKeyEvent>
 
-CDlgFullScreen::CDlgFullScreen(CXCapGraph* graph, QWidget* parent)
+CDlgFullScreen::CDlgFullScreen(std::function<void()> onLeave, QWidget* parent)
     : QDialog(parent, Qt::Window | Qt::FramelessWindowHint)
-    , m_graph(graph)
+    , m_onLeave(std::move(onLeave))
 {
     setWindowTitle(tr("Full Screen"));
     QPalette pal = palette();
@@ -18,8 +16,8 @@ CDlgFullScreen::CDlgFullScreen(CXCapGraph* graph, QWidget* parent)
 
 void CDlgFullScreen::Leave()
 {
-    if (m_graph && m_graph->IsFullScreen())
-        m_graph->ToggleFullScreen(this);
+    if (m_onLeave)
+        m_onLeave();
 }
 
 void CDlgFullScreen::keyPressEvent(QKeyEvent* event)

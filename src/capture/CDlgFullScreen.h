@@ -2,16 +2,16 @@
 
 #include <QDialog>
 
-class CXCapGraph;
+#include <functional>
 
 // The full-screen window of the live video: black, frameless, covering the
-// screen. Escape, a double click or closing it returns the video to its
-// owner through the graph's ToggleFullScreen.
+// screen. Escape, a double click or closing it asks its owner to take the
+// video back; the dialog knows nothing of where the video came from.
 class CDlgFullScreen : public QDialog
 {
     Q_OBJECT
 public:
-    explicit CDlgFullScreen(CXCapGraph* graph, QWidget* parent = nullptr);
+    explicit CDlgFullScreen(std::function<void()> onLeave, QWidget* parent = nullptr);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -20,5 +20,5 @@ protected:
 
 private:
     void Leave();
-    CXCapGraph* m_graph;
+    std::function<void()> m_onLeave;
 };

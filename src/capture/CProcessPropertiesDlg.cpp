@@ -44,7 +44,7 @@ CProcessPropertiesDlg::CProcessPropertiesDlg(ICamProcess* process, QWidget* pare
     : QDialog(parent)
     , m_process(process)
 {
-    setWindowTitle(tr("Adjust"));
+    setWindowTitle(tr("Real-time Processing"));
     auto* layout = new QVBoxLayout(this);
     m_enable = new QCheckBox(tr("&Enable realtime process"), this);
     layout->addWidget(m_enable);

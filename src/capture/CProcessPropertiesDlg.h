@@ -6,9 +6,9 @@ class ICamProcess;
 class QCheckBox;
 class QSlider;
 
-// "&Adjust": every switch of the processing element, applied as it changes:
-// processing on/off, the flips, gray, negative, binary with its level,
-// emboss, sharpen, and the RGB gains.
+// The processing bar's settings: every switch of the processing element,
+// applied as it changes: processing on/off, the flips, gray, negative, binary
+// with its level, emboss, sharpen, and the RGB gains.
 class CProcessPropertiesDlg : public QDialog
 {
     Q_OBJECT

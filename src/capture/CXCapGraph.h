@@ -36,6 +36,12 @@ class QWidget;
 // Threads: every operation runs on the user-interface thread, except
 // GetVideoSize and WaitOverlayUnused, which any thread may call. Failures are
 // shown through MessageBox() with the caption "Error!".
+//
+// The sources are split by concern: CXCapGraph.cpp (life of the pipeline,
+// run states, teardown, processing switches), CXCapGraphBuild.cpp (the two
+// topologies), CXCapGraphStream.cpp (grabber, renderer samples, bus errors),
+// CXCapGraphWindow.cpp (video window, full screen, dialogs) and
+// CXCapGraphDevices.cpp (listing and binding cameras).
 class CXCapGraph
 {
 public:
@@ -148,6 +154,14 @@ public:
     // formats, preview at the current size and run. The new size comes back.
     int ChangeDevice(int index, unsigned* width, unsigned* height);
 
+    // Hot plug. A removed device that is the bound one takes the pipeline
+    // down as a camera failure does (recording finished, message, error
+    // handler), unless its read error did so already; true when it was the
+    // bound one. Reconnect binds the device of the kept name again after it
+    // came back and runs the preview at the size it had.
+    bool OnDeviceRemoved(const QString& name);
+    int Reconnect();
+
     const std::vector<CaptureFormat>& Formats() const { return m_formats; }
     int SelectedFormat() const { return m_selectedFormat; }
     void SetSelectedFormat(int index) { m_selectedFormat = index; }
@@ -170,7 +184,12 @@ private:
     int AddDevice();
     int Bind(GstDevice* device, GstElement** filter);
     void ReleaseDeviceList();
-    std::vector<GstDevice*> ListDevices(bool* monitorFailed) const;
+    // Steps both topologies share: the processing element (failure: its
+    // topology's message) and the camera's capture pin.
+    bool MakeProcessElement(const QString& failure);
+    bool HasCapturePin();
+    // A format list and a selected format in it; nothing is built otherwise.
+    bool CanBuild() const;
     // Sets the source format for the next build; false when nothing to build.
     bool ChooseDeviceFormat(bool preview);
     // Source -> caps filter -> decoder -> converter -> BGR; returns the last

@@ -1,6 +1,6 @@
 #include "capture/SimDeviceProvider.h"
 
-#include "capture/GstInit.h"
+#include "platform/DebugLog.h"
 #include "capture/SimCameraSource.h"
 
 #include <atomic>
@@ -54,6 +54,16 @@ GstDevice* MakeDevice(const QString& name, GstCaps* caps)
     return device;
 }
 
+// GStreamer is started (EnsureGStreamer) before anything here is used; a
+// caller that forgot gets nothing rather than a crash.
+bool GStreamerStarted()
+{
+    if (gst_is_initialized())
+        return true;
+    qCWarning(lcCapture) << "simulated cameras used before GStreamer was started";
+    return false;
+}
+
 bool DemoFromEnvironment()
 {
     return qEnvironmentVariableIntValue("OCULIX_DEMO_CAMERA") == 1;
@@ -89,8 +99,9 @@ GstDeviceProvider* RunningProvider()
 void Announce(GstDevice* device, bool added)
 {
     if (GstDeviceProvider* provider = RunningProvider()) {
+        // Adding takes a reference over (transfer floating); removing does not.
         if (added)
-            gst_device_provider_device_add(provider, device);
+            gst_device_provider_device_add(provider, GST_DEVICE(gst_object_ref(device)));
         else
             gst_device_provider_device_remove(provider, device);
         gst_object_unref(provider);
@@ -127,10 +138,9 @@ gboolean StartProvider(GstDeviceProvider* provider)
         g_started = true;
         devices = ListedLocked();
     }
-    for (GstDevice* d : devices) {
+    // Each listed reference goes over to the provider.
+    for (GstDevice* d : devices)
         gst_device_provider_device_add(provider, d);
-        gst_object_unref(d);
-    }
     return TRUE;
 }
 
@@ -197,7 +207,8 @@ bool IsDemoCameraEnabled()
 
 GstCaps* DemoCameraCaps()
 {
-    EnsureGStreamer();
+    if (!GStreamerStarted())
+        return nullptr;
     return gst_caps_from_string(
         "video/x-raw, format=(string)YUY2, width=(int)640, height=(int)480, "
         "pixel-aspect-ratio=(fraction)1/1, "
@@ -212,7 +223,8 @@ GstCaps* DemoCameraCaps()
 
 void AddSimDevice(const QString& name, GstCaps* caps)
 {
-    EnsureGStreamer();
+    if (!GStreamerStarted())
+        return;
     GstCaps* own = caps ? gst_caps_ref(caps) : DemoCameraCaps();
     GstDevice* device = MakeDevice(name, own);
     gst_caps_unref(own);
@@ -245,6 +257,21 @@ bool RemoveSimDevice(const QString& name)
     Announce(device, false);
     gst_object_unref(device);
     return true;
+}
+
+bool PullSimDevice(const QString& name)
+{
+    // The stream fails first, as the driver does when the device goes.
+    SimCameraFault gone;
+    gone.failAfterFrames = 1;
+    SetSimCameraFault(name, gone);
+    return RemoveSimDevice(name);
+}
+
+void ReplugSimDevice(const QString& name, GstCaps* caps)
+{
+    SetSimCameraFault(name, SimCameraFault());
+    AddSimDevice(name, caps);
 }
 
 void RemoveAllSimDevices()

@@ -7,6 +7,8 @@
 // An in-process GStreamer device provider ("oculixsimdeviceprovider") that
 // lists simulated cameras beside the real ones: the demo camera when it is
 // enabled, and any cameras a test adds. Each creates an "oculixsimcamsrc".
+// GStreamer's start-up (EnsureGStreamer) registers the provider; the calls
+// below that make devices or caps expect it to have run.
 
 // The display name of the demo camera.
 inline constexpr const char* kDemoCameraName = "Simulated Microscope Camera";
@@ -28,6 +30,13 @@ void AddSimDevice(const QString& name, GstCaps* caps = nullptr);
 // Removes the last added camera of that name; false when there is none.
 bool RemoveSimDevice(const QString& name);
 void RemoveAllSimDevices();
+
+// Pulls a camera out as a user does: it leaves the device list and, if it is
+// streaming, fails with the read error of a vanished V4L2 device. False when
+// no camera of that name is listed.
+bool PullSimDevice(const QString& name);
+// Plugs it back in (or any camera of that name): listed again, streaming again.
+void ReplugSimDevice(const QString& name, GstCaps* caps = nullptr);
 
 // Registers the provider and the device type in this process. Idempotent.
 void RegisterSimDeviceProvider();

@@ -116,6 +116,10 @@ QString ReadString(const Key& key, const QString& file);
 // calibration never carries more than float precision.
 double ReadReal(const Key& key, const QString& file);
 QSize ReadCameraSize(const CameraSection& camera, const QString& file);
+inline QSize DefaultCameraSize(const CameraSection& camera)
+{
+    return { camera.m_width.m_intDefault, camera.m_height.m_intDefault };
+}
 
 bool WriteInt(const Key& key, int value, const QString& file);
 bool WriteReal(const Key& key, double value, const QString& file);

@@ -140,7 +140,7 @@ TEST_F(MeasureFrameTest, FullScreenAndPauseAndPausedVideoKeepsItsShapesWhenItRun
     EXPECT_TRUE(live->GetPicture()->IsValidImage());
     // Paused, the camera commands wait for the video to run again.
     for (int id : { ID_CAMERA_PAUSE, ID_VIEW_FULLSCREEN, ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION,
-             ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST })
+             ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST, ID_PROCESS_PROPERTIES })
         EXPECT_FALSE(frame->QueryCommand(id).IsEnabled()) << id;
     EXPECT_TRUE(frame->QueryCommand(ID_CAMERA_CAPTURE).IsEnabled());
 

@@ -1,4 +1,5 @@
 #include "CaptureTestSupport.h"
+#include "TestFiles.h"
 #include "image/FusedProcess.h"
 #include "measure/CGVLElemMgr.h"
 
@@ -14,24 +15,6 @@
 namespace {
 
 const QString kCamera = QStringLiteral("Record Camera");
-
-// What ffprobe finds in the file, counting the frames it can decode: empty
-// when the file does not play.
-QMap<QString, QString> ProbeVideo(const QString& file)
-{
-    QProcess ffprobe;
-    ffprobe.start(QStringLiteral("ffprobe"),
-        QStringLiteral("-v error -count_frames -select_streams v:0 -show_entries "
-                       "stream=codec_name,width,height,nb_read_frames,avg_frame_rate -of default=nw=1")
-                .split(' ')
-            << file);
-    QMap<QString, QString> found;
-    if (ffprobe.waitForFinished(30000) && ffprobe.exitCode() == 0)
-        for (const QString& line : QString::fromUtf8(ffprobe.readAllStandardOutput()).split('\n'))
-            if (line.contains('='))
-                found[line.section('=', 0, 0)] = line.section('=', 1);
-    return found;
-}
 
 // One decoded frame of the file as top-down RGB.
 QByteArray DecodeFrame(const QString& file, int index)
@@ -175,51 +158,40 @@ TEST_F(Recording, PausedRecordingResumesIntoTheSameFileAndStopsCleanly)
     EXPECT_TRUE(messages.Texts().isEmpty()) << Shown(messages);
 }
 
-TEST_F(Recording, PulledCameraKeepsTheFramesSoFarInAPlayableFile)
+// A camera pulled out while recording is reported once, with the driver's
+// words behind the message, and the frames so far stay in a playable file;
+// a camera held by another program cannot start. (The program's own answer
+// to a pull, in preview too, is tested with the live document.)
+TEST_F(Recording, PulledCameraKeepsAPlayableFileAndABusyOneCannotStart)
 {
-    QString reported;
-    graph.SetStreamErrorHandler([&](const QString& m) { reported = m; });
+    int reports = 0;
+    graph.SetStreamErrorHandler([&](const QString& m) {
+        ++reports;
+        EXPECT_EQ(m, CXCapGraph::kCameraLostMessage);
+    });
     const QString file = dir.filePath(QStringLiteral("pulled.avi"));
     // The camera has sent some frames for the preview already; it dies 40
     // frames into the recording.
     SetSimCameraFault(kCamera, SimCameraFault { 40, 0, 0 });
     ASSERT_EQ(StartRecording(file), S_OK);
-    ASSERT_TRUE(PumpUntil([&] { return !reported.isEmpty(); }, 10000));
-    EXPECT_EQ(reported, CXCapGraph::kCameraLostMessage);
+    ASSERT_TRUE(PumpUntil([&] { return reports > 0; }, 10000));
+    Pump(300);
+    EXPECT_EQ(reports, 1);
     ASSERT_EQ(messages.Requests().size(), 1u);
     EXPECT_EQ(messages.Requests()[0].text, CXCapGraph::kCameraLostMessage);
-    EXPECT_EQ(messages.Requests()[0].caption, QStringLiteral("Error!"));
     EXPECT_TRUE(messages.Requests()[0].details.contains(QStringLiteral("No such device")));
     GstState state = GST_STATE_VOID_PENDING;
     gst_element_get_state(graph.Pipeline(), &state, nullptr, GST_SECOND);
     EXPECT_EQ(state, GST_STATE_NULL);
-
     const auto p = ProbeVideo(file);
     ASSERT_FALSE(p.isEmpty()) << "the partial recording does not play";
     EXPECT_NEAR(p.value(QStringLiteral("nb_read_frames")).toInt(), 40, 6);
-
-    // Plugged in again: the program carries on.
     ClearSimCameraFaults();
     StopRecording();
     EXPECT_TRUE(WaitFreshFrames(graph));
-}
-
-TEST_F(Recording, PulledCameraInPreviewIsReportedOnceAndABusyOneCannotStart)
-{
-    int reports = 0;
-    graph.SetStreamErrorHandler([&](const QString&) { ++reports; });
-    SetSimCameraFault(kCamera, SimCameraFault { 1, 0, 0 });
-    ASSERT_TRUE(PumpUntil([&] { return reports > 0; }));
-    Pump(300);
-    EXPECT_EQ(reports, 1);
-    EXPECT_EQ(messages.Texts(), QStringList({ CXCapGraph::kCameraLostMessage }));
-    // The last frame stays available to a snapshot.
-    EXPECT_EQ(Snapshot(graph).size(), 320u * 240 * 3);
-    ClearSimCameraFaults();
-    ASSERT_EQ(graph.RunGraph(), S_OK);
-    EXPECT_TRUE(WaitFreshFrames(graph));
 
     messages.Clear();
+    graph.SetStreamErrorHandler({});
     graph.StopGraph();
     SimCameraFault busy;
     busy.busy = true;

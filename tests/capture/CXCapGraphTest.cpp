@@ -236,6 +236,12 @@ TEST_F(CaptureGraph, FormatsAreListedAndAMissingSizeFallsBack)
     EXPECT_EQ(f[3].fourcc, "MJPG");
     EXPECT_EQ(f[3].height, 1024u);
 
+    // An index outside the list is a caller's mistake: nothing is built.
+    graph.SetSelectedFormat(4);
+    EXPECT_DEBUG_DEATH(graph.BuildPreviewGraph(), "format index outside the list");
+    EXPECT_FALSE(graph.HasProcess());
+    graph.SetSelectedFormat(0);
+
     // No usable format: nothing is built and nothing said.
     AddCapsCamera(QStringLiteral("H264 Camera"), "video/x-h264, width=(int)640, height=(int)480");
     ASSERT_TRUE(BindCamera(graph, QStringLiteral("H264 Camera")));
@@ -353,8 +359,10 @@ TEST(CaptureMessages, NoCameraAndNoWindowAreReported)
             QStringLiteral("Try to find capture device failed."),
             QStringLiteral("Could not get video window interface") }));
     ASSERT_EQ(messages.Requests().size(), 3u);
-    EXPECT_EQ(messages.Requests()[1].caption, QStringLiteral("Error!"));
-    EXPECT_EQ(messages.Requests()[2].caption, QStringLiteral("Error!"));
+    for (std::size_t i : { 1u, 2u }) {
+        EXPECT_EQ(messages.Requests()[i].caption, QStringLiteral("Error!"));
+        EXPECT_EQ(messages.Requests()[i].flags, unsigned(MB_OK | MB_TASKMODAL | MB_SETFOREGROUND)) << "no icon";
+    }
 }
 
 namespace {
