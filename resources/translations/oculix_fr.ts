@@ -246,7 +246,7 @@
     </message>
     <message>
         <source>Camera connected: %1. "New Preview" shows its video.</source>
-        <translation type="unfinished" />
+        <translation>Caméra connectée : %1. « Nouvel aperçu » affiche sa vidéo.</translation>
     </message>
 </context>
 <context>
@@ -338,11 +338,11 @@ texte</translation>
     </message>
     <message>
         <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
-        <translation type="unfinished" />
+        <translation>La caméra « %1 » n'est pas connectée. Rebranchez-la pour reprendre la vidéo en direct.</translation>
     </message>
     <message>
         <source>Preview</source>
-        <translation type="unfinished" />
+        <translation>Aperçu</translation>
     </message>
 </context>
 <context>
@@ -405,7 +405,7 @@ texte</translation>
     </message>
     <message>
         <source>Real-time Processing</source>
-        <translation type="unfinished" />
+        <translation>Traitement en temps réel</translation>
     </message>
 </context>
 <context>
@@ -985,7 +985,7 @@ texte</translation>
     </message>
     <message>
         <source>Show the real-time processing settings</source>
-        <translation type="unfinished" />
+        <translation>Afficher les réglages du traitement en temps réel</translation>
     </message>
 </context>
 <context>

@@ -246,7 +246,7 @@
     </message>
     <message>
         <source>Camera connected: %1. "New Preview" shows its video.</source>
-        <translation type="unfinished" />
+        <translation>相机已连接：%1。“新建预览”可显示其视频。</translation>
     </message>
 </context>
 <context>
@@ -338,11 +338,11 @@ Background</source>
     </message>
     <message>
         <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
-        <translation type="unfinished" />
+        <translation>相机“%1”未连接。请重新插入以继续实时视频。</translation>
     </message>
     <message>
         <source>Preview</source>
-        <translation type="unfinished" />
+        <translation>预览</translation>
     </message>
 </context>
 <context>
@@ -405,7 +405,7 @@ Background</source>
     </message>
     <message>
         <source>Real-time Processing</source>
-        <translation type="unfinished" />
+        <translation>实时处理</translation>
     </message>
 </context>
 <context>
@@ -985,7 +985,7 @@ Background</source>
     </message>
     <message>
         <source>Show the real-time processing settings</source>
-        <translation type="unfinished" />
+        <translation>显示实时处理设置</translation>
     </message>
 </context>
 <context>
