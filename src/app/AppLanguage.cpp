@@ -1,5 +1,9 @@
 #include "app/AppLanguage.h"
 
+#include "platform/AppPaths.h"
+
+#include <QSettings>
+
 #include <algorithm>
 #include <array>
 
@@ -155,4 +159,36 @@ int LanguageIdFromLocale(const QLocale& locale)
     auto it = std::find_if(std::begin(kPrimary), std::end(kPrimary),
         [&locale](const PrimaryId& p) { return p.language == locale.language(); });
     return it == std::end(kPrimary) ? kCustomLocale : (kSubDefault | it->primary);
+}
+
+namespace {
+
+const QString kChoiceKey = QStringLiteral("Interface/LangId");
+
+
+} // namespace
+
+int StoredLanguageChoice()
+{
+    const QSettings settings(UserSettingsFilePath(), QSettings::IniFormat);
+    return settings.value(kChoiceKey, 0).toInt();
+}
+
+void StoreLanguageChoice(int langId)
+{
+    QSettings settings(UserSettingsFilePath(), QSettings::IniFormat);
+    settings.setValue(kChoiceKey, langId);
+}
+
+QString TranslationLocale(InterfaceLanguage language)
+{
+    switch (language) {
+    case InterfaceLanguage::Chinese:
+        return QStringLiteral("zh_CN");
+    case InterfaceLanguage::French:
+        return QStringLiteral("fr");
+    case InterfaceLanguage::English:
+        break;
+    }
+    return {};
 }

@@ -22,3 +22,13 @@ int LanguageIdFromLocale(const QLocale& locale);
 constexpr int kLangIdEnglish = 1033;
 constexpr int kLangIdFrench = 1036;
 constexpr int kLangIdChinese = 2052;
+
+// The identifier a language command stored, kept in the program's own user
+// settings ($XDG_CONFIG_HOME/Oculix/Oculix.conf), not in the data folder's
+// Setting.ini; 0 when the user never chose (the system language decides).
+int StoredLanguageChoice();
+void StoreLanguageChoice(int langId);
+
+// The locale name of an interface language's translations ("fr", "zh_CN";
+// empty for English, the language of the source texts).
+QString TranslationLocale(InterfaceLanguage language);

@@ -3,9 +3,9 @@
 #include "app/CChildFrame.h"
 #include "app/CDocument.h"
 #include "app/CommandTable.h"
-#include "platform/AppPaths.h"
+#include "platform/DebugLog.h"
 #include "platform/KeyLockState.h"
-#include "platform/SettingsKeys.h"
+#include "platform/MessageBox.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -19,8 +19,15 @@
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
+#include <QFileInfo>
+#include <QPainter>
+#include <QPixmap>
 #include <QPointer>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
+#include <QProxyStyle>
 #include <QStatusBar>
+#include <QToolButton>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
@@ -38,6 +45,20 @@ constexpr int kSimplifiedChinese = 2052;
 // How often buttons follow the state of the documents when nothing else
 // asks; menus are brought up to date as they open.
 constexpr int kIdleUpdateMs = 200;
+constexpr int kMenuImageSize = 24;
+constexpr int kToolButtonSize = 30;
+
+// Menu images of 24 x 24 rather than the style's small icons.
+class MenuImageStyle : public QProxyStyle
+{
+public:
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
+    {
+        if (metric == PM_SmallIconSize)
+            return kMenuImageSize;
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
 
 // The status bar's panes after the message pane, in their order.
 constexpr struct
@@ -134,8 +155,12 @@ void CMainFrame::CreateActions()
 
 void CMainFrame::CreateMenus()
 {
+    // One style for every menu, owned by the frame.
+    auto* menuStyle = new MenuImageStyle;
+    menuStyle->setParent(this);
     for (const MenuInfo& info : Menus()) {
         QMenu* menu = menuBar()->addMenu(QCoreApplication::translate("Menu", info.title));
+        menu->setStyle(menuStyle);
         for (int id : info.ids) {
             if (id == ID_SEPARATOR)
                 menu->addSeparator();
@@ -180,6 +205,8 @@ void CMainFrame::CreateToolBars()
                 bar->addAction(action);
             }
         }
+        for (QToolButton* button : bar->findChildren<QToolButton*>())
+            button->setFixedSize(kToolButtonSize, kToolButtonSize);
         addToolBar(Qt::TopToolBarArea, bar);
         m_toolBars[info.toggleId] = bar;
     }
@@ -252,15 +279,9 @@ void CMainFrame::MapFrameCommands()
 
     MapCommand(ID_APP_EXIT, [this] { close(); });
 
-    MapCommand(ID_OPEN_PICTURE_FOLDER, [] {
-        const AppPaths& paths = CurrentAppPaths();
-        QString folder = SettingsKeys::ReadString(SettingsKeys::SaveFilePath, paths.m_settingsFile);
-        if (folder.isEmpty())
-            folder = paths.m_pictureFolder;
-        // The file manager cannot show a folder that is not there yet.
-        QDir().mkpath(folder);
-        QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
-    });
+    MapCommand(ID_FILE_PRINT_PREVIEW, [this] { OnFilePrintPreview(); });
+    MapUpdate(ID_FILE_PRINT_PREVIEW, [this](CCmdUI& ui) { ui.Enable(MDIGetActive() != nullptr); });
+    SetRecentFiles({});
 }
 
 // Horizontal: full-width windows one above the other; vertical: full-height
@@ -444,6 +465,56 @@ void CMainFrame::FillWindowMenu(QMenu* menu)
         });
         m_windowListActions.push_back(action);
     }
+}
+
+void CMainFrame::OnActivateInstance()
+{
+    showMaximized();
+    raise();
+    activateWindow();
+    qCInfo(lcApp) << "a second copy started: brought to the front";
+    MessageBox(tr("Already having one instance running!"), m_strTitle, MB_OK | MB_ICONINFORMATION);
+}
+
+void CMainFrame::SetRecentFiles(const QStringList& paths)
+{
+    for (int i = 0; i < kRecentFileCount; ++i) {
+        QAction* action = FindAction(ID_FILE_MRU_FILE1 + i);
+        if (!action)
+            continue;
+        const bool used = i < paths.size();
+        action->setVisible(used);
+        if (used) {
+            action->setText(QStringLiteral("&%1 %2").arg(i + 1).arg(QFileInfo(paths[i]).fileName()));
+            action->setToolTip(paths[i]);
+        }
+    }
+}
+
+QPixmap CMainFrame::GrabActiveView() const
+{
+    CChildFrame* child = MDIGetActive();
+    QWidget* view = child ? child->widget() : nullptr;
+    return view ? view->grab() : QPixmap();
+}
+
+void CMainFrame::OnFilePrintPreview()
+{
+    QPrinter printer(QPrinter::HighResolution);
+    QPrintPreviewDialog preview(&printer, this);
+    preview.setObjectName(QStringLiteral("PrintPreview"));
+    connect(&preview, &QPrintPreviewDialog::paintRequested, this, [this](QPrinter* target) {
+        const QPixmap picture = GrabActiveView();
+        if (picture.isNull())
+            return;
+        QPainter painter(target);
+        const QRect page = painter.viewport();
+        const QSize fitted = picture.size().scaled(page.size(), Qt::KeepAspectRatio);
+        painter.setViewport(QRect(page.topLeft(), fitted));
+        painter.setWindow(picture.rect());
+        painter.drawPixmap(0, 0, picture);
+    });
+    preview.exec();
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event)

@@ -16,6 +16,7 @@ class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
 class QMenu;
+class QPixmap;
 class QTimer;
 class QToolBar;
 
@@ -65,6 +66,17 @@ public:
 
     bool OnCmdMsg(int id) override;
     bool OnUpdateCmdMsg(CCmdUI& ui) override;
+
+    // A second copy started: come forward, maximised, and say so.
+    void OnActivateInstance();
+    // The recent-file entries of the File menu, most recent first; entries
+    // beyond the list are hidden.
+    void SetRecentFiles(const QStringList& paths);
+    // The print preview of the active view, as it prints: the picture with
+    // its shapes, fitted to the page.
+    void OnFilePrintPreview();
+    // What the active child's view shows; null without one.
+    QPixmap GrabActiveView() const;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

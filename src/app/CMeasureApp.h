@@ -9,7 +9,9 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QProcessEnvironment>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -17,6 +19,8 @@ class CDocTemplate;
 class CDocument;
 class CDeviceWatcher;
 class CExitSignalWatcher;
+class CSingleInstance;
+class QTranslator;
 
 // The program as a whole: start-up (brand, folders, language, the main
 // frame, the first document), the commands that belong to no document, and
@@ -61,9 +65,39 @@ public:
     // The name of the chosen language's resource module, as the settings give it.
     const QString& GetResourceModule() const { return m_resourceModule; }
 
+    // The language commands: the identifier becomes the language of this
+    // user's later starts, and the program closes to start again in it.
+    void SetLanguage(int langId);
+    bool GetRestartFlag() const { return m_restart; }
+    // What a restart starts: the file named after the brand folder in the
+    // program folder when there is one, else this executable.
+    static QString RestartTarget(const AppPaths& paths);
+    // Starts the restarted copy; replaceable so tests see the request instead.
+    using RestartLauncher = std::function<bool(const QString& program, const QProcessEnvironment& env)>;
+    static RestartLauncher SetRestartLauncher(RestartLauncher launcher);
+
+    // The recent-file list (four, most recent first), kept in the user's
+    // own settings; a picture opened or saved goes to its top.
+    void AddToRecentFileList(const QString& path);
+    const QStringList& GetRecentFiles() const { return m_recentFiles; }
+    void OnOpenRecentFile(int index);
+    // "Save"/"FilePath", or the picture folder when it is empty, shown by
+    // the desktop's file manager.
+    QString PictureFolderToOpen() const;
+    void OnOpenPictureFolder();
+
+    // The user manual in the interface language, beside the program.
+    QString HelpFilePath() const;
+    void OnHelp();
+    void OnAppAbout();
+
 private:
     void ChooseLanguage();
+    void InstallTranslators();
+    void RemoveTranslators();
+    void MapAppCommands();
     void ProcessShellCommand();
+    void Restart();
     void WatchCameras();
 
     std::vector<std::unique_ptr<CDocTemplate>> m_templates;
@@ -76,5 +110,10 @@ private:
     InterfaceLanguage m_language = InterfaceLanguage::English;
     QString m_resourceModule;
     QString m_lastOpenedFile;
+    QStringList m_recentFiles;
+    CSingleInstance* m_instance = nullptr;
+    std::vector<QTranslator*> m_translators;
+    bool m_restart = false;
+    bool m_exitRequested = false;
     int m_exitCode = 0;
 };

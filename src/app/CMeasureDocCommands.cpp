@@ -81,6 +81,12 @@ void CMeasureDoc::MapToggle(int id, bool ProcessSwitches::*flag, int (CXCapGraph
     });
 }
 
+// The rule the camera commands share: there must be a live document (a camera
+// is attached and its preview window is open), whichever document is active;
+// the commands that act on moving video (pause, full screen, the device,
+// format, property and adjusting dialogs) also need the preview running,
+// while capture works on the frozen picture too. Preview is the reverse:
+// only while paused.
 void CMeasureDoc::UpdateCameraCommand(CCmdUI& ui, bool needsRunning) const
 {
     const CMeasureDoc* live = s_pLiveDocument;

@@ -22,7 +22,6 @@ const CommandInfo kCommands[] = {
     { ID_FILE_SAVE_ONLY_IMAGE, CMD("Save only image"), "", nullptr, false },
     { ID_FILE_SAVE_AS_ONLY_IMAGE, CMD("Save As only image"), "", nullptr, false },
     { ID_FILE_SAVE_AS_PLUS_MEASURE, CMD("Save As plus measure"), "", nullptr, false },
-    { ID_OPEN_PICTURE_FOLDER, CMD("Open &Picture Folder"), CMD("Open pictures' saved folder"), nullptr, false },
     { ID_SAVE_OPTION, CMD("Save &Option"), CMD("Setting save options"), nullptr, false },
     { ID_SAVE_RESOLUTION, "", CMD("Set resolution"), ":/icons/resolution.svg", false },
     { ID_APP_EXIT, CMD("E&xit"), "", nullptr, false },
@@ -79,13 +78,29 @@ const CommandInfo kCommands[] = {
     { ID_WINDOW_CASCADE, CMD("&Cascade"), "", nullptr, false },
     { ID_WINDOW_TILE_HORZ, CMD("Tile &Horizontal"), "", nullptr, false },
     { ID_WINDOW_TILE_VERT, CMD("Tile &Vertical"), "", nullptr, false },
+    { ID_FILE_OPEN_PICTURE_FOLDER, CMD("Open &Picture Folder"), CMD("Open pictures' saved folder"), nullptr, false },
+    { ID_FILE_MRU_FILE1, CMD("Recent File"), CMD("Open this document"), nullptr, false },
+    { ID_FILE_MRU_FILE1 + 1, CMD("Recent File"), CMD("Open this document"), nullptr, false },
+    { ID_FILE_MRU_FILE1 + 2, CMD("Recent File"), CMD("Open this document"), nullptr, false },
+    { ID_FILE_MRU_FILE1 + 3, CMD("Recent File"), CMD("Open this document"), nullptr, false },
+    { ID_FILE_PRINT_PREVIEW, "", CMD("Display full pages"), ":/icons/printpreview.svg", false },
+    { ID_HELP_CONTENT, "", CMD("Help content"), ":/icons/help.svg", false },
+    { ID_VIEW_PRINTHELPBAR, CMD("Print and &Help Bar"), CMD("Show or hide the print and help bar"), nullptr, true },
+    { ID_HELP_MANUAL, CMD("&Help"), CMD("How to use"), nullptr, false },
+    { ID_APP_ABOUT, CMD("&About..."), "", nullptr, false },
+    // Each language by its own name, the same in every language.
+    { ID_LANGUAGE_ENGLISH, "English", "", nullptr, true },
+    { ID_LANGUAGE_FRENCH, "Français", "", nullptr, true },
+    { ID_LANGUAGE_CHINESE, "中文(简体)", "", nullptr, true },
 };
 
 constexpr int S = ID_SEPARATOR;
 
 constexpr std::array kFileMenu { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_CLOSE, ID_FILE_SAVE, ID_FILE_SAVE_AS, S,
-    ID_SAVE_OPTION, ID_OPEN_PICTURE_FOLDER, S, ID_APP_EXIT };
-constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR, ID_VIEW_STATUS_BAR,
+    ID_SAVE_OPTION, ID_FILE_OPEN_PICTURE_FOLDER, S, ID_FILE_MRU_FILE1, ID_FILE_MRU_FILE1 + 1, ID_FILE_MRU_FILE1 + 2,
+    ID_FILE_MRU_FILE1 + 3, S, ID_APP_EXIT };
+constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR, ID_VIEW_PRINTHELPBAR,
+    ID_VIEW_STATUS_BAR,
     S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE, ID_VIEW_DASHED_CROSSLINE };
 constexpr std::array kMeasureMenu { ID_MEASURE_MOVE, S, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT,
     ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S, ID_MEASURE_ARROW,
@@ -97,6 +112,8 @@ constexpr std::array kProcessMenu { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_
 constexpr std::array kVideoMenu { ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES,
     ID_VIDEO_ADJUST };
 constexpr std::array kWindowMenu { ID_WINDOW_CASCADE, ID_WINDOW_TILE_HORZ, ID_WINDOW_TILE_VERT };
+constexpr std::array kLanguageMenu { ID_LANGUAGE_ENGLISH, ID_LANGUAGE_FRENCH, ID_LANGUAGE_CHINESE };
+constexpr std::array kHelpMenu { ID_HELP_MANUAL, S, ID_APP_ABOUT };
 
 #define MENU(text) QT_TRANSLATE_NOOP("Menu", text)
 
@@ -107,6 +124,8 @@ const MenuInfo kMenus[] = {
     { MENU("&Process"), kProcessMenu, false },
     { MENU("V&ideo"), kVideoMenu, false },
     { MENU("&Window"), kWindowMenu, true },
+    { MENU("&Language"), kLanguageMenu, false },
+    { MENU("&Help"), kHelpMenu, false },
 };
 
 constexpr std::array kStandardBar { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_SAVE, ID_FILE_SAVE_AS, S,
@@ -122,10 +141,13 @@ constexpr std::array kProcessBar { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_P
 
 #define BAR(text) QT_TRANSLATE_NOOP("ToolBar", text)
 
+constexpr std::array kPrintHelpBar { ID_FILE_PRINT_PREVIEW, S, ID_HELP_CONTENT };
+
 const ToolBarInfo kToolBars[] = {
     { ID_VIEW_TOOLBAR, "StandardBar", BAR("Standard"), kStandardBar },
     { ID_VIEW_MEASUREBAR, "MeasureBar", BAR("Measure"), kMeasureBar },
     { ID_VIEW_PROCESSBAR, "ProcessBar", BAR("Process"), kProcessBar },
+    { ID_VIEW_PRINTHELPBAR, "PrintHelpBar", BAR("Print and Help"), kPrintHelpBar },
 };
 
 constexpr std::array<const char*, 10> kZoomLabels { "250%", "200%", "150%", "125%", "100%", "75%", "67%",

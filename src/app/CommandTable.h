@@ -17,11 +17,25 @@ constexpr int ID_FILE_SAVE_AS_ONLY_IMAGE = 32859;
 constexpr int ID_FILE_SAVE_AS_PLUS_MEASURE = 32860;
 constexpr int ID_SAVE_OPTION = 32877;
 constexpr int ID_SAVE_RESOLUTION = 32926;
-constexpr int ID_OPEN_PICTURE_FOLDER = 32938;
 constexpr int ID_APP_EXIT = 57665;
 constexpr int ID_WINDOW_CASCADE = 57650;
 constexpr int ID_WINDOW_TILE_HORZ = 57651;
 constexpr int ID_WINDOW_TILE_VERT = 57652;
+constexpr int ID_APP_ABOUT = 57664;
+constexpr int ID_FILE_PRINT_PREVIEW = 57609;
+// The recent-file list: four entries from the first.
+constexpr int ID_FILE_MRU_FILE1 = 57616;
+constexpr int kRecentFileCount = 4;
+constexpr int ID_FILE_OPEN_PICTURE_FOLDER = 32938;
+constexpr int ID_HELP_CONTENT = 32883; // a button without an action
+// The fourth toolbar's toggle; the other three have ids of their own.
+constexpr int ID_VIEW_PRINTHELPBAR = 32990;
+constexpr int ID_HELP_MANUAL = 32939;
+
+// Each sets the interface language and restarts the program.
+constexpr int ID_LANGUAGE_ENGLISH = 32929;
+constexpr int ID_LANGUAGE_FRENCH = 32930;
+constexpr int ID_LANGUAGE_CHINESE = 32931;
 
 constexpr int ID_VIEW_TOOLBAR = 59392;
 constexpr int ID_VIEW_STATUS_BAR = 59393;

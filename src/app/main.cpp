@@ -11,6 +11,6 @@ int main(int argc, char** argv)
     CMeasureApp app;
     app.AddDocTemplate(CMeasureView::CreateDocTemplate());
     if (!app.InitInstance(QApplication::arguments()))
-        return app.GetExitCode();
+        return app.ExitInstance(app.GetExitCode());
     return app.ExitInstance(QApplication::exec());
 }

@@ -2,6 +2,7 @@
 
 #include "platform/NumberText.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QSaveFile>
 #include <QStringDecoder>
@@ -118,7 +119,7 @@ Status Read(const QString& path, SvrData& data, QString* error)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (error)
-            *error = QStringLiteral("Cannot open %1.\n%2").arg(path, file.errorString());
+            *error = QCoreApplication::translate("SvrFile", "Cannot open %1.\n%2").arg(path, file.errorString());
         return Status::CannotOpen;
     }
     // Enough for eleven lines of the longest allowed length with their line
@@ -127,7 +128,7 @@ Status Read(const QString& path, SvrData& data, QString* error)
     const QByteArray head = file.read(kHeadBytes);
     if (file.error() != QFileDevice::NoError) {
         if (error)
-            *error = QStringLiteral("Cannot read %1.\n%2").arg(path, file.errorString());
+            *error = QCoreApplication::translate("SvrFile", "Cannot read %1.\n%2").arg(path, file.errorString());
         return Status::CannotOpen;
     }
     const std::optional<SvrData> read = FromBytes(head);
@@ -145,13 +146,13 @@ Status Write(const QString& path, const SvrData& data, QString* error)
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         if (error)
-            *error = QStringLiteral("Cannot create %1.\n%2").arg(path, file.errorString());
+            *error = QCoreApplication::translate("SvrFile", "Cannot create %1.\n%2").arg(path, file.errorString());
         return Status::CannotWrite;
     }
     const QByteArray bytes = ToBytes(data);
     if (file.write(bytes) != bytes.size() || !file.commit()) {
         if (error)
-            *error = QStringLiteral("Cannot write %1.\n%2").arg(path, file.errorString());
+            *error = QCoreApplication::translate("SvrFile", "Cannot write %1.\n%2").arg(path, file.errorString());
         file.cancelWriting();
         return Status::CannotWrite;
     }

@@ -1,5 +1,6 @@
 #include "capture/CCameraControls.h"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <cerrno>
@@ -64,7 +65,7 @@ CCameraControls::CCameraControls(GstElement* source, GstDevice* device)
         return;
     const QString path = DevicePath(source, device);
     if (path.isEmpty()) {
-        m_error = QStringLiteral("The camera has no device node.");
+        m_error = QCoreApplication::translate("CCameraControls", "The camera has no device node.");
         return;
     }
     // Controls may be read and set beside the stream that another open runs.

@@ -5,6 +5,7 @@
 #include "platform/AtomicFileWrite.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
@@ -80,14 +81,14 @@ bool FCObjImage::Create(int width, int height, int colorBits)
 {
     Destroy();
     if (width <= 0 || height <= 0 || !ValidDepth(colorBits) || qint64(width) * height > kMaxPixels) {
-        m_error = QStringLiteral("Invalid picture size or depth");
+        m_error = QCoreApplication::translate("FCObjImage", "Invalid picture size or depth");
         return false;
     }
     const int pitch = int(DibStride(width, colorBits));
     try {
         m_bits.assign(std::size_t(pitch) * height, 0);
     } catch (const std::bad_alloc&) {
-        m_error = QStringLiteral("Not enough memory for the picture");
+        m_error = QCoreApplication::translate("FCObjImage", "Not enough memory for the picture");
         return false;
     }
     m_width = width;
@@ -283,7 +284,7 @@ FCObjImage FCObjImage::CopyRect(const QRect& rect) const
 bool FCObjImage::Stretch(int width, int height)
 {
     if (!IsValidImage() || width <= 0 || height <= 0 || qint64(width) * height > kMaxPixels) {
-        m_error = QStringLiteral("Invalid picture size");
+        m_error = QCoreApplication::translate("FCObjImage", "Invalid picture size");
         return false;
     }
     QImage source = ToQImage();
@@ -292,7 +293,7 @@ bool FCObjImage::Stretch(int width, int height)
     const QImage scaled = source.scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     FCObjImage result;
     if (scaled.isNull() || !result.FromQImage(scaled)) {
-        m_error = QStringLiteral("Not enough memory to resize the picture");
+        m_error = QCoreApplication::translate("FCObjImage", "Not enough memory to resize the picture");
         return false;
     }
     if (result.ColorBits() == 32 && !m_hasAlpha)
@@ -391,11 +392,11 @@ QImage FCObjImage::ToQImage() const
 bool FCObjImage::FromQImage(const QImage& source)
 {
     if (source.isNull()) {
-        m_error = QStringLiteral("No picture");
+        m_error = QCoreApplication::translate("FCObjImage", "No picture");
         return false;
     }
     if (qint64(source.width()) * source.height() > kMaxPixels) {
-        m_error = QStringLiteral("The picture is too large");
+        m_error = QCoreApplication::translate("FCObjImage", "The picture is too large");
         return false;
     }
     QImage image = source;
@@ -432,7 +433,7 @@ bool FCObjImage::FromQImage(const QImage& source)
     }
     FCObjImage out;
     if (image.isNull() || !out.Create(image.width(), image.height(), bits)) {
-        m_error = QStringLiteral("Not enough memory for the picture");
+        m_error = QCoreApplication::translate("FCObjImage", "Not enough memory for the picture");
         return false;
     }
     out.m_hasAlpha = alpha;
@@ -504,7 +505,7 @@ bool FCObjImage::Save(const QString& path) const
         return false;
     }
     if (!IsValidImage()) {
-        m_error = QStringLiteral("No picture to save");
+        m_error = QCoreApplication::translate("FCObjImage", "No picture to save");
         return false;
     }
     QImage image = ToQImage();

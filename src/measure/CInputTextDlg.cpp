@@ -1,5 +1,6 @@
 #include "measure/CInputTextDlg.h"
 
+#include <QCoreApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QKeyEvent>
@@ -60,16 +61,16 @@ CInputTextDlg::CInputTextDlg(QStringList* lines, QWidget* parent)
     , m_pDialog(std::make_unique<QDialog>(parent))
 {
     QDialog* dialog = m_pDialog.get();
-    dialog->setWindowTitle(QStringLiteral("Input Text"));
-    auto* label = new QLabel(QStringLiteral("Text(New line by pressing CTRL+ENTER)"), dialog);
+    dialog->setWindowTitle(QCoreApplication::translate("CInputTextDlg", "Input Text"));
+    auto* label = new QLabel(QCoreApplication::translate("CInputTextDlg", "Text(New line by pressing CTRL+ENTER)"), dialog);
     m_pEdit = new QPlainTextEdit(dialog);
     // Each paragraph is one line of the annotation, however wide.
     m_pEdit->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_pEdit->setTabChangesFocus(true);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
     m_pOk = buttons->button(QDialogButtonBox::Ok);
-    m_pOk->setText(QStringLiteral("OK"));
-    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Cancel"));
+    m_pOk->setText(QCoreApplication::translate("CInputTextDlg", "OK"));
+    buttons->button(QDialogButtonBox::Cancel)->setText(QCoreApplication::translate("CInputTextDlg", "Cancel"));
     QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, [this] { OnOK(); });
     QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
     m_pEdit->installEventFilter(new EnterFilter(m_pEdit, m_pOk, dialog));

@@ -4,6 +4,7 @@
 #include "measure/CGVLElemMgr.h"
 #include "measure/WindowCalls.h"
 
+#include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -55,28 +56,28 @@ CMeasureColorDlg::CMeasureColorDlg(QWidget* parent)
     , m_cbFontSize(TextList("fontSize", { "Small", "Medium", "Big" }))
     , m_cbFontBackground(TextList("fontBackground", { "Transparent", "Gray" }))
 {
-    setWindowTitle(QStringLiteral("Measure Setting"));
+    setWindowTitle(QCoreApplication::translate("CMeasureColorDlg", "Measure Setting"));
 
-    auto* colors = new QGroupBox(QStringLiteral("Measure Color"));
+    auto* colors = new QGroupBox(QCoreApplication::translate("CMeasureColorDlg", "Measure Color"));
     auto* colorForm = new QFormLayout(colors);
-    colorForm->addRow(QStringLiteral("Measurement"), m_cbMeasure);
-    colorForm->addRow(QStringLiteral("Point"), m_cbPoint);
-    colorForm->addRow(QStringLiteral("Text"), m_cbText);
+    colorForm->addRow(QCoreApplication::translate("CMeasureColorDlg", "Measurement"), m_cbMeasure);
+    colorForm->addRow(QCoreApplication::translate("CMeasureColorDlg", "Point"), m_cbPoint);
+    colorForm->addRow(QCoreApplication::translate("CMeasureColorDlg", "Text"), m_cbText);
     // The coordinate colour keeps its list, out of sight.
     m_cbCoord->setParent(colors);
     m_cbCoord->hide();
 
-    auto* others = new QGroupBox(QStringLiteral("Others"));
+    auto* others = new QGroupBox(QCoreApplication::translate("CMeasureColorDlg", "Others"));
     auto* otherForm = new QFormLayout(others);
-    otherForm->addRow(QStringLiteral("Precision"), m_cbPrecision);
-    otherForm->addRow(QStringLiteral("Font Size"), m_cbFontSize);
-    otherForm->addRow(QStringLiteral("Font \nBackground"), m_cbFontBackground);
+    otherForm->addRow(QCoreApplication::translate("CMeasureColorDlg", "Precision"), m_cbPrecision);
+    otherForm->addRow(QCoreApplication::translate("CMeasureColorDlg", "Font Size"), m_cbFontSize);
+    otherForm->addRow(QCoreApplication::translate("CMeasureColorDlg", "Font \nBackground"), m_cbFontBackground);
 
     auto* buttons = new QDialogButtonBox;
-    QPushButton* ok = buttons->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole);
+    QPushButton* ok = buttons->addButton(QCoreApplication::translate("CMeasureColorDlg", "OK"), QDialogButtonBox::AcceptRole);
     ok->setObjectName(QStringLiteral("ok"));
     ok->setDefault(true);
-    buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole)
+    buttons->addButton(QCoreApplication::translate("CMeasureColorDlg", "Cancel"), QDialogButtonBox::RejectRole)
         ->setObjectName(QStringLiteral("cancel"));
     connect(buttons, &QDialogButtonBox::accepted, this, &CMeasureColorDlg::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &CMeasureColorDlg::reject);

@@ -98,7 +98,7 @@ CRulerSettingDlg::CRulerSettingDlg(IMeasureDocument& owner, QWidget* parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowStaysOnTopHint)
     , m_owner(owner)
 {
-    setWindowTitle(QStringLiteral("Ruler Setting"));
+    setWindowTitle(QCoreApplication::translate("CRulerSettingDlg", "Ruler Setting"));
     setModal(false);
     BuildControls();
 
@@ -167,29 +167,29 @@ void CRulerSettingDlg::BuildControls()
     detect->setObjectName(QStringLiteral("detectMicrometer"));
     detect->setAutoDefault(false);
 
-    auto* results = new QGroupBox(QStringLiteral("Real Results"));
+    auto* results = new QGroupBox(QCoreApplication::translate("CRulerSettingDlg", "Real Results"));
     auto* resultsGrid = new QGridLayout(results);
-    resultsGrid->addWidget(new QLabel(QStringLiteral("X-Ruler")), 0, 0);
+    resultsGrid->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "X-Ruler")), 0, 0);
     resultsGrid->addWidget(m_edXPerPixel, 0, 1);
     resultsGrid->addWidget(m_lbXPerPixelUnit, 0, 2);
-    resultsGrid->addWidget(new QLabel(QStringLiteral("Y-Ruler")), 1, 0);
+    resultsGrid->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "Y-Ruler")), 1, 0);
     resultsGrid->addWidget(m_edYPerPixel, 1, 1);
     resultsGrid->addWidget(m_lbYPerPixelUnit, 1, 2);
 
-    auto* physical = new QGroupBox(QStringLiteral("Physical Ruler"));
+    auto* physical = new QGroupBox(QCoreApplication::translate("CRulerSettingDlg", "Physical Ruler"));
     auto* physicalGrid = new QGridLayout(physical);
-    physicalGrid->addWidget(new QLabel(QStringLiteral("X-Ruler Unit")), 0, 0);
+    physicalGrid->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "X-Ruler Unit")), 0, 0);
     physicalGrid->addWidget(m_edXReal, 0, 1);
     physicalGrid->addWidget(m_lbXUnit, 0, 2);
-    physicalGrid->addWidget(new QLabel(QStringLiteral("Y-Ruler Unit")), 1, 0);
+    physicalGrid->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "Y-Ruler Unit")), 1, 0);
     physicalGrid->addWidget(m_edYReal, 1, 1);
     physicalGrid->addWidget(m_lbYUnit, 1, 2);
-    physicalGrid->addWidget(new QLabel(QStringLiteral("Ruler Unit")), 2, 0);
+    physicalGrid->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "Ruler Unit")), 2, 0);
     physicalGrid->addWidget(m_cbUnit, 2, 1);
     physicalGrid->addWidget(yEqualX, 2, 2);
     physicalGrid->addWidget(detect, 3, 0, 1, 3);
 
-    auto* image = new QGroupBox(QStringLiteral("Image Ruler(pixel)"));
+    auto* image = new QGroupBox(QCoreApplication::translate("CRulerSettingDlg", "Image Ruler(pixel)"));
     auto* imageGrid = new QGridLayout(image);
     const std::array<std::pair<const char*, QLineEdit*>, 6> extents = { {
         { "X-Start", m_edXStart },
@@ -208,9 +208,9 @@ void CRulerSettingDlg::BuildControls()
 
     // Safeguard: the magnification list is shown, since it picks an
     // objective's factory calibration.
-    auto* pause = new QGroupBox(QStringLiteral("Pause mode measure"));
+    auto* pause = new QGroupBox(QCoreApplication::translate("CRulerSettingDlg", "Pause mode measure"));
     auto* pauseRow = new QHBoxLayout(pause);
-    pauseRow->addWidget(new QLabel(QStringLiteral("Magnification")));
+    pauseRow->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "Magnification")));
     pauseRow->addWidget(m_cbMagnification, 1);
     pauseRow->addWidget(byDefault);
 
@@ -481,7 +481,7 @@ QString CRulerSettingDlg::ChooseFile(bool save, const QString& folder)
 {
     FileRequest request;
     request.save = save;
-    request.caption = save ? QStringLiteral("Save As") : QStringLiteral("Open");
+    request.caption = save ? QCoreApplication::translate("CRulerSettingDlg", "Save As") : QCoreApplication::translate("CRulerSettingDlg", "Open");
     request.initialPath = folder + QStringLiteral("*.svr");
     request.filter = kFileFilter;
     request.defaultSuffix = QStringLiteral("svr");

@@ -61,6 +61,12 @@ Brand BrandForDsp(int dsp)
     }
 }
 
+QString UserSettingsFilePath(const QProcessEnvironment& env)
+{
+    return XdgHome(env, QStringLiteral("XDG_CONFIG_HOME"), QStringLiteral(".config"))
+        + QStringLiteral("Oculix/Oculix.conf");
+}
+
 QString BrandFilePath(const QProcessEnvironment& env)
 {
     return XdgHome(env, QStringLiteral("XDG_CONFIG_HOME"), QStringLiteral(".config"))

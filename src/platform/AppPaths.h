@@ -29,6 +29,9 @@ struct AppPaths
 
 // $XDG_CONFIG_HOME (else ~/.config) + "/Oculix/Config.ini".
 QString BrandFilePath(const QProcessEnvironment& env);
+// The program's own per-user settings beside the brand file (Oculix.conf):
+// the chosen language and the recent files, never the data folder's settings.
+QString UserSettingsFilePath(const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
 
 // Reads the brand from the brand file and works out the data folder:
 // $OCULIX_DATA_DIR when set; else the program folder's brand subfolder when it

@@ -63,10 +63,12 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
     QStringList titles;
     for (QAction* action : frame->menuBar()->actions())
         titles << action->text();
-    EXPECT_EQ(titles, (QStringList { "&File", "&View", "&Measure", "&Process", "V&ideo", "&Window" }));
+    EXPECT_EQ(titles,
+        (QStringList { "&File", "&View", "&Measure", "&Process", "V&ideo", "&Window", "&Language", "&Help" }));
+    // The recent-file entries stay hidden until there are recent files.
     EXPECT_EQ(Texts(Menu("&File")),
         (QStringList { "&New Preview", "&Open...", "&Close", "&Save", "Save &As...", "-", "Save &Option",
-            "Open &Picture Folder", "-", "E&xit" }));
+            "Open &Picture Folder", "-", "Recent File", "Recent File", "Recent File", "Recent File", "-", "E&xit" }));
     EXPECT_EQ(frame->FindAction(ID_FILE_SAVE)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_S));
     // The save buttons drop down their variants.
     const std::pair<int, QStringList> dropDowns[] = {
@@ -82,6 +84,11 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
         EXPECT_EQ(button->popupMode(), QToolButton::MenuButtonPopup);
         EXPECT_EQ(Texts(button->menu()), variants);
     }
+    EXPECT_FALSE(frame->FindAction(ID_FILE_MRU_FILE1)->isVisible());
+    frame->SetRecentFiles({ "/slides/x.bmp" });
+    EXPECT_EQ(frame->FindAction(ID_FILE_MRU_FILE1)->text(), "&1 x.bmp");
+    EXPECT_EQ(Texts(Menu("&Language")), (QStringList { "English", "Français", "中文(简体)" }));
+    EXPECT_EQ(Texts(Menu("&Help")), (QStringList { "&Help", "-", "&About..." }));
     EXPECT_EQ(Texts(Menu("&Process")),
         (QStringList { "&Enable", "-", "Flip &Horizontal", "Flip &Vertical", "-", "&Gray", "&Negative",
             "&Emboss", "&Sharpen", "&Binary", "&Rgb" }));
@@ -97,7 +104,7 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
     for (QToolBar* bar : frame->findChildren<QToolBar*>())
         titles << bar->windowTitle();
     titles.sort();
-    EXPECT_EQ(titles, (QStringList { "Measure", "Process", "Standard" }));
+    EXPECT_EQ(titles, (QStringList { "Measure", "Print and Help", "Process", "Standard" }));
     QToolBar* measure = frame->FindToolBar(ID_VIEW_MEASUREBAR);
     ASSERT_NE(measure, nullptr);
     EXPECT_TRUE(measure->actions().contains(frame->FindAction(ID_MEASURE_POINT)));

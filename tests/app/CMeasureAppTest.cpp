@@ -8,7 +8,22 @@
 #include "capture/SimDeviceProvider.h"
 #include "platform/PrivateProfile.h"
 
+#include "app/AppLanguage.h"
+#include "app/CAboutDlg.h"
+#include "platform/MessageBox.h"
+
+#include <QApplication>
+#include <QDesktopServices>
 #include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMenuBar>
+#include <QToolBar>
+#include <QToolButton>
+#include <functional>
+#include <QTimer>
+#include <QUrl>
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -134,3 +149,253 @@ TEST_F(MeasureAppTest, TerminationSignalsCloseLikeTheWindow)
         app.reset();
     }
 }
+
+// The language commands: the choice outlives the program, which closes and
+// starts again; the same language as before still restarts.
+TEST_F(MeasureAppTest, LanguageCommandsStoreTheChoiceAndRestart)
+{
+    std::vector<QString> started;
+    CMeasureApp::SetRestartLauncher([&](const QString& program, const QProcessEnvironment& env) {
+        started.push_back(program + (env.value("OCULIX_DEMO_CAMERA") == "1" ? " demo" : ""));
+        return true;
+    });
+    const struct
+    {
+        int command;
+        int langId;
+        InterfaceLanguage language;
+    } rows[] { { ID_LANGUAGE_FRENCH, kLangIdFrench, InterfaceLanguage::French },
+        { ID_LANGUAGE_FRENCH, kLangIdFrench, InterfaceLanguage::French },
+        { ID_LANGUAGE_CHINESE, kLangIdChinese, InterfaceLanguage::Chinese },
+        { ID_LANGUAGE_ENGLISH, kLangIdEnglish, InterfaceLanguage::English } };
+    for (const auto& row : rows) {
+        ASSERT_TRUE(Start({ "Oculix", "--demo-camera" }));
+        CMainFrame* frame = app->GetMainFrame();
+        EXPECT_FALSE(app->GetRestartFlag());
+        ASSERT_TRUE(frame->RouteCommand(row.command));
+        EXPECT_TRUE(app->GetRestartFlag());
+        EXPECT_TRUE(WaitFor([&] { return !frame->isVisible(); }, 5000)) << row.command;
+        const QString settings = app->GetPaths().m_settingsFile;
+        EXPECT_EQ(int(GetPrivateProfileInt("Lang", "LangId", -7, settings)), row.langId);
+        EXPECT_EQ(StoredLanguageChoice(), row.langId);
+        EXPECT_TRUE(started.empty()) << "restarts only once this copy ends";
+        app->ExitInstance(0);
+        ASSERT_EQ(started.size(), 1u);
+        EXPECT_EQ(started.front(), QCoreApplication::applicationFilePath() + " demo");
+        started.clear();
+        app.reset();
+
+        // The next start runs in the chosen language, whatever the system's.
+        ASSERT_TRUE(Start({ "Oculix" }));
+        EXPECT_EQ(app->GetLanguageId(), row.langId);
+        EXPECT_EQ(app->GetLanguage(), row.language);
+        EXPECT_TRUE(app->GetMainFrame()->QueryCommand(row.command).IsChecked());
+        app.reset();
+    }
+    CMeasureApp::SetRestartLauncher({});
+}
+
+TEST_F(MeasureAppTest, RestartStartsTheFileNamedAfterTheBrandFolder)
+{
+    AppPaths paths;
+    paths.m_programFolder = home.path() + "/";
+    paths.m_brand = BrandForDsp(2);
+    EXPECT_EQ(CMeasureApp::RestartTarget(paths), QCoreApplication::applicationFilePath());
+    QFile link(home.filePath("KorvalCam"));
+    ASSERT_TRUE(link.open(QIODevice::WriteOnly));
+    link.close();
+    EXPECT_EQ(CMeasureApp::RestartTarget(paths), QCoreApplication::applicationFilePath()) << "not executable";
+    link.setPermissions(link.permissions() | QFileDevice::ExeOwner);
+    EXPECT_EQ(CMeasureApp::RestartTarget(paths), home.filePath("KorvalCam"));
+}
+
+// Opening a URL goes to this receiver instead of the desktop's viewer.
+class UrlSpy : public QObject
+{
+    Q_OBJECT
+public:
+    std::vector<QUrl> urls;
+public slots:
+    void open(const QUrl& url) { urls.push_back(url); }
+};
+
+TEST_F(MeasureAppTest, HelpAboutAndASecondCopysRequest)
+{
+    SetBrand(2);
+    ASSERT_TRUE(Start({ "Oculix" }));
+    std::vector<MessageBoxRequest> boxes;
+    ScopedMessageBoxHandler handler([&](const MessageBoxRequest& r) {
+        boxes.push_back(r);
+        return IDOK;
+    });
+    UrlSpy spy;
+    QDesktopServices::setUrlHandler("file", &spy, "open");
+
+    const QString manual = app->GetPaths().m_programFolder
+        + (app->IsChinese() ? "KorvalCam_CN.pdf" : "KorvalCam_EN.pdf");
+    EXPECT_EQ(app->HelpFilePath(), manual);
+    CMainFrame* frame = app->GetMainFrame();
+    QFile::remove(manual);
+    EXPECT_TRUE(frame->RouteCommand(ID_HELP_MANUAL));
+    ASSERT_EQ(boxes.size(), 1u) << "a missing manual is reported";
+    EXPECT_TRUE(boxes.back().text.contains(manual));
+    EXPECT_TRUE(spy.urls.empty());
+    {
+        QFile file(manual);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    EXPECT_TRUE(frame->RouteCommand(ID_HELP_MANUAL));
+    QFile::remove(manual);
+    ASSERT_EQ(spy.urls.size(), 1u);
+    EXPECT_EQ(spy.urls.front(), QUrl::fromLocalFile(manual));
+    QDesktopServices::unsetUrlHandler("file");
+
+    bool aboutShown = false;
+    QTimer::singleShot(0, [&] {
+        auto* about = qobject_cast<CAboutDlg*>(QApplication::activeModalWidget());
+        ASSERT_NE(about, nullptr);
+        aboutShown = true;
+        EXPECT_TRUE(about->findChild<QLabel*>("version")->text().contains("V1.18.7.27"));
+        EXPECT_TRUE(about->findChild<QLabel*>("link")->text().contains(QUrl::fromLocalFile(manual).toString()));
+        about->accept();
+    });
+    EXPECT_TRUE(frame->RouteCommand(ID_APP_ABOUT));
+    EXPECT_TRUE(aboutShown);
+
+    frame->showNormal();
+    frame->OnActivateInstance();
+    EXPECT_TRUE(frame->isMaximized());
+    ASSERT_EQ(boxes.size(), 2u);
+    EXPECT_EQ(boxes.back().text, "Already having one instance running!");
+}
+
+// A menu, a dialog title and a message box in each translated language; the
+// translators go with the program.
+TEST_F(MeasureAppTest, LanguageTranslatesMenusDialogsAndMessages)
+{
+    const struct
+    {
+        int langId;
+        const char* file;
+        const char* about;
+        const char* message;
+    } rows[] { { kLangIdFrench, "&Fichier", "À propos de Oculix", "Une instance est déjà en cours d'exécution !" },
+        { kLangIdChinese, "文件(&F)", "关于 Oculix", "已有一个实例正在运行！" },
+        { kLangIdEnglish, "&File", "About Oculix", "Already having one instance running!" } };
+    for (const auto& row : rows) {
+        StoreLanguageChoice(row.langId);
+        ASSERT_TRUE(Start({ "Oculix" }));
+        CMainFrame* frame = app->GetMainFrame();
+        EXPECT_EQ(frame->menuBar()->actions().front()->text(), QString::fromUtf8(row.file));
+        QString title;
+        QTimer::singleShot(0, [&] {
+            if (QWidget* about = QApplication::activeModalWidget()) {
+                title = about->windowTitle();
+                about->close();
+            }
+        });
+        frame->RouteCommand(ID_APP_ABOUT);
+        EXPECT_EQ(title, QString::fromUtf8(row.about));
+        std::vector<QString> texts;
+        ScopedMessageBoxHandler handler([&](const MessageBoxRequest& r) {
+            texts.push_back(r.text);
+            return IDOK;
+        });
+        frame->OnActivateInstance();
+        ASSERT_EQ(texts.size(), 1u);
+        EXPECT_EQ(texts.front(), QString::fromUtf8(row.message));
+        app.reset();
+        EXPECT_EQ(QCoreApplication::translate("Menu", "&File"), "&File") << "translators leave with the program";
+    }
+}
+
+// The commands of the frame and the application, each triggered from the
+// table with its visible effect or its dialog; the document's commands are
+// driven by the document tests.
+TEST_F(MeasureAppTest, CommandTableFrameAndApplicationCommands)
+{
+    ASSERT_TRUE(Start({ "Oculix", "/slides/a.bmp", "/slides/b.bmp" }));
+    CMainFrame* frame = app->GetMainFrame();
+    CMeasureApp::SetRestartLauncher([](const QString&, const QProcessEnvironment&) { return true; });
+    std::vector<MessageBoxRequest> boxes;
+    ScopedMessageBoxHandler handler([&](const MessageBoxRequest& r) {
+        boxes.push_back(r);
+        return IDOK;
+    });
+    UrlSpy spy;
+    QDesktopServices::setUrlHandler("file", &spy, "open");
+    // Runs id while a modal dialog comes up; gives the dialog's class name.
+    const auto modalOf = [&](int id) {
+        QString shown;
+        QTimer::singleShot(0, [&] {
+            if (QWidget* modal = QApplication::activeModalWidget()) {
+                shown = modal->metaObject()->className();
+                modal->close();
+            }
+        });
+        EXPECT_TRUE(frame->RouteCommand(id)) << id;
+        return shown;
+    };
+
+    const struct
+    {
+        int id;
+        std::function<void()> check;
+    } rows[] {
+        { ID_FILE_PRINT_PREVIEW, [&] { EXPECT_EQ(modalOf(ID_FILE_PRINT_PREVIEW), "QPrintPreviewDialog"); } },
+        { ID_APP_ABOUT, [&] { EXPECT_EQ(modalOf(ID_APP_ABOUT), "CAboutDlg"); } },
+        { ID_FILE_OPEN_PICTURE_FOLDER,
+            [&] {
+                EXPECT_TRUE(frame->RouteCommand(ID_FILE_OPEN_PICTURE_FOLDER));
+                ASSERT_FALSE(spy.urls.empty());
+                EXPECT_EQ(spy.urls.back(), QUrl::fromLocalFile(app->GetPaths().m_pictureFolder));
+                WritePrivateProfileString("Save", "FilePath", home.filePath("shots"), app->GetPaths().m_settingsFile);
+                EXPECT_TRUE(frame->RouteCommand(ID_FILE_OPEN_PICTURE_FOLDER));
+                EXPECT_EQ(spy.urls.back(), QUrl::fromLocalFile(home.filePath("shots")));
+            } },
+        { ID_FILE_MRU_FILE1,
+            [&] {
+                // Most recent first; the entry opens its picture again.
+                QAction* first = frame->FindAction(ID_FILE_MRU_FILE1);
+                EXPECT_TRUE(first->isVisible());
+                EXPECT_EQ(first->text(), "&1 b.bmp");
+                EXPECT_EQ(frame->FindAction(ID_FILE_MRU_FILE1 + 1)->text(), "&2 a.bmp");
+                EXPECT_FALSE(frame->FindAction(ID_FILE_MRU_FILE1 + 2)->isVisible());
+                EXPECT_TRUE(frame->RouteCommand(ID_FILE_MRU_FILE1 + 1));
+                EXPECT_EQ(DocumentTitles().back(), "a.bmp");
+                EXPECT_EQ(frame->FindAction(ID_FILE_MRU_FILE1)->text(), "&1 a.bmp");
+            } },
+        { ID_HELP_CONTENT, [&] { EXPECT_FALSE(frame->RouteCommand(ID_HELP_CONTENT)) << "no action, so disabled"; } },
+        { ID_WINDOW_TILE_VERT,
+            [&] {
+                EXPECT_TRUE(frame->RouteCommand(ID_WINDOW_TILE_VERT));
+                EXPECT_EQ(frame->GetMdiArea()->viewMode(), QMdiArea::SubWindowView);
+            } },
+        { ID_LANGUAGE_FRENCH,
+            [&] {
+                EXPECT_TRUE(frame->RouteCommand(ID_LANGUAGE_FRENCH));
+                EXPECT_TRUE(app->GetRestartFlag());
+            } },
+    };
+    for (int bar : { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR, ID_VIEW_PRINTHELPBAR }) {
+        QToolBar* toolBar = frame->FindToolBar(bar);
+        ASSERT_NE(toolBar, nullptr) << bar;
+        EXPECT_TRUE(frame->RouteCommand(bar));
+        EXPECT_TRUE(toolBar->isHidden()) << bar;
+        EXPECT_TRUE(frame->RouteCommand(bar));
+        EXPECT_FALSE(toolBar->isHidden()) << bar;
+        for (QToolButton* button : toolBar->findChildren<QToolButton*>()) {
+            if (button->defaultAction() && !button->defaultAction()->isSeparator()) {
+                EXPECT_EQ(button->size(), QSize(30, 30)) << bar;
+            }
+        }
+    }
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.id);
+        row.check();
+    }
+    QDesktopServices::unsetUrlHandler("file");
+    CMeasureApp::SetRestartLauncher({});
+}
+
+#include "CMeasureAppTest.moc"

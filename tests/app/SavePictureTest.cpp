@@ -367,9 +367,9 @@ TEST_F(SavePictureTest, SaveOptionsAndPictureFolder)
     Start(false);
     UrlCatcher catcher;
     QDesktopServices::setUrlHandler("file", &catcher, "open");
-    ASSERT_TRUE(frame->RouteCommand(ID_OPEN_PICTURE_FOLDER));
+    ASSERT_TRUE(frame->RouteCommand(ID_FILE_OPEN_PICTURE_FOLDER));
     Write(SettingsFile(), "Save", "FilePath", home.filePath("mine"));
-    ASSERT_TRUE(frame->RouteCommand(ID_OPEN_PICTURE_FOLDER));
+    ASSERT_TRUE(frame->RouteCommand(ID_FILE_OPEN_PICTURE_FOLDER));
     QDesktopServices::unsetUrlHandler("file");
     EXPECT_EQ(catcher.urls,
         (QList<QUrl> { QUrl::fromLocalFile(home.filePath("data/Images/")), QUrl::fromLocalFile(home.filePath("mine")) }));

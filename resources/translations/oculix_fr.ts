@@ -1,0 +1,1137 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr">
+<context>
+    <name>CAboutDlg</name>
+    <message>
+        <source>About %1</source>
+        <translation>À propos de %1</translation>
+    </message>
+    <message>
+        <source>Live pictures, measurements and recordings from USB microscope cameras.</source>
+        <translation>Images en direct, mesures et enregistrements des caméras de microscope USB.</translation>
+    </message>
+    <message>
+        <source>User manual</source>
+        <translation>Manuel d'utilisation</translation>
+    </message>
+</context>
+<context>
+    <name>CBinaryDlg</name>
+    <message>
+        <source>Binary</source>
+        <translation>Binarisation</translation>
+    </message>
+    <message>
+        <source>Binary image</source>
+        <translation>Image binaire</translation>
+    </message>
+    <message>
+        <source>Level</source>
+        <translation>Seuil</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraControls</name>
+    <message>
+        <source>The camera has no device node.</source>
+        <translation>La caméra n'a pas de fichier de périphérique.</translation>
+    </message>
+</context>
+<context>
+    <name>CChooseDeviceDlg</name>
+    <message>
+        <source>Video Capture Device</source>
+        <translation>Périphérique de capture vidéo</translation>
+    </message>
+    <message>
+        <source>Video capture device:</source>
+        <translation>Périphérique de capture vidéo :</translation>
+    </message>
+</context>
+<context>
+    <name>CDevicePropertiesDlg</name>
+    <message>
+        <source>Video Properties</source>
+        <translation>Propriétés vidéo</translation>
+    </message>
+    <message>
+        <source>This camera offers no settings here. %1</source>
+        <translation>Cette caméra ne propose aucun réglage ici. %1</translation>
+    </message>
+    <message>
+        <source>This camera offers no settings.</source>
+        <translation>Cette caméra ne propose aucun réglage.</translation>
+    </message>
+    <message>
+        <source>&amp;Default</source>
+        <translation>&amp;Par défaut</translation>
+    </message>
+</context>
+<context>
+    <name>CDlgFullScreen</name>
+    <message>
+        <source>Full Screen</source>
+        <translation>Plein écran</translation>
+    </message>
+</context>
+<context>
+    <name>CFormatDlg</name>
+    <message>
+        <source>Output size and format of the camera:</source>
+        <translation>Taille et format de sortie de la caméra :</translation>
+    </message>
+</context>
+<context>
+    <name>CGraticuleDlg</name>
+    <message>
+        <source>Detect from micrometer</source>
+        <translation>Détecter depuis le micromètre</translation>
+    </message>
+    <message>
+        <source>Search only inside the ruler</source>
+        <translation>Chercher seulement dans la règle</translation>
+    </message>
+    <message>
+        <source>Detect</source>
+        <translation>Détecter</translation>
+    </message>
+    <message>
+        <source>Accept</source>
+        <translation>Accepter</translation>
+    </message>
+    <message>
+        <source>Division value</source>
+        <translation>Valeur d'une division</translation>
+    </message>
+    <message>
+        <source>1 px = %1 µm ± %2</source>
+        <translation>1 px = %1 µm ± %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n ticks, scale at %1°</source>
+        <translation><numerusform>%n graduation, échelle à %1°</numerusform><numerusform>%n graduations, échelle à %1°</numerusform></translation>
+    </message>
+    <message>
+        <source>No picture</source>
+        <translation>Pas d'image</translation>
+    </message>
+</context>
+<context>
+    <name>CInputTextDlg</name>
+    <message>
+        <source>Input Text</source>
+        <translation>Saisir le texte</translation>
+    </message>
+    <message>
+        <source>Text(New line by pressing CTRL+ENTER)</source>
+        <translation>Texte (nouvelle ligne avec CTRL+ENTRÉE)</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+</context>
+<context>
+    <name>CIntervalCapDlg</name>
+    <message>
+        <source>Wait (sec)</source>
+        <translation>Attente (s)</translation>
+    </message>
+    <message>
+        <source>Please input an integer between 0 and 100!</source>
+        <translation>Veuillez saisir un entier entre 0 et 100 !</translation>
+    </message>
+    <message>
+        <source>Interval (sec)</source>
+        <translation>Intervalle (s)</translation>
+    </message>
+    <message>
+        <source>Please input an integer between 1 and 100!</source>
+        <translation>Veuillez saisir un entier entre 1 et 100 !</translation>
+    </message>
+    <message>
+        <source>Images</source>
+        <translation>Images</translation>
+    </message>
+    <message>
+        <source>Please input an integer between 1 and 1000!</source>
+        <translation>Veuillez saisir un entier entre 1 et 1000 !</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Démarrer</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Arrêter</translation>
+    </message>
+    <message>
+        <source>Interval capture</source>
+        <translation>Capture à intervalles</translation>
+    </message>
+    <message>
+        <source>Current</source>
+        <translation>En cours</translation>
+    </message>
+    <message>
+        <source>File Name</source>
+        <translation>Nom du fichier</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>N°</translation>
+    </message>
+</context>
+<context>
+    <name>CMainFrame</name>
+    <message>
+        <source>Already having one instance running!</source>
+        <translation>Une instance est déjà en cours d'exécution !</translation>
+    </message>
+</context>
+<context>
+    <name>CMeasureApp</name>
+    <message>
+        <source>Image File (*.bmp, *.jpg)</source>
+        <translation>Fichier image (*.bmp, *.jpg)</translation>
+    </message>
+    <message>
+        <source>Bitmap (*.bmp)</source>
+        <translation>Bitmap (*.bmp)</translation>
+    </message>
+    <message>
+        <source>JPEG (*.jpg *.jpeg)</source>
+        <translation>JPEG (*.jpg *.jpeg)</translation>
+    </message>
+    <message>
+        <source>PNG (*.png)</source>
+        <translation>PNG (*.png)</translation>
+    </message>
+    <message>
+        <source>TIFF (*.tif *.tiff)</source>
+        <translation>TIFF (*.tif *.tiff)</translation>
+    </message>
+    <message>
+        <source>Targa (*.tga)</source>
+        <translation>Targa (*.tga)</translation>
+    </message>
+    <message>
+        <source>GIF (*.gif)</source>
+        <translation>GIF (*.gif)</translation>
+    </message>
+    <message>
+        <source>PCX (*.pcx)</source>
+        <translation>PCX (*.pcx)</translation>
+    </message>
+    <message>
+        <source>All pictures (*.bmp *.jpg *.jpeg *.png *.tif *.tiff *.tga *.gif *.pcx)</source>
+        <translation>Toutes les images (*.bmp *.jpg *.jpeg *.png *.tif *.tiff *.tga *.gif *.pcx)</translation>
+    </message>
+    <message>
+        <source>The user manual %1 is missing. Reinstall the program to get it back.</source>
+        <translation>Le manuel d'utilisation %1 est introuvable. Réinstallez le programme pour le retrouver.</translation>
+    </message>
+    <message>
+        <source>No program to show %1 was found. Install a PDF viewer.</source>
+        <translation>Aucun programme pour afficher %1 n'a été trouvé. Installez un lecteur PDF.</translation>
+    </message>
+    <message>
+        <source>No file manager could show %1.</source>
+        <translation>Aucun gestionnaire de fichiers n'a pu afficher %1.</translation>
+    </message>
+    <message>
+        <source>Camera connected: %1. "New Preview" shows its video.</source>
+        <translation>Caméra connectée : %1. « Nouvel aperçu » affiche sa vidéo.</translation>
+    </message>
+</context>
+<context>
+    <name>CMeasureColorDlg</name>
+    <message>
+        <source>Measure Setting</source>
+        <translation>Réglages de mesure</translation>
+    </message>
+    <message>
+        <source>Measure Color</source>
+        <translation>Couleurs de mesure</translation>
+    </message>
+    <message>
+        <source>Measurement</source>
+        <translation>Mesure</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>Point</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>Texte</translation>
+    </message>
+    <message>
+        <source>Others</source>
+        <translation>Autres</translation>
+    </message>
+    <message>
+        <source>Precision</source>
+        <translation>Précision</translation>
+    </message>
+    <message>
+        <source>Font Size</source>
+        <translation>Taille de police</translation>
+    </message>
+    <message>
+        <source>Font 
+Background</source>
+        <translation>Fond du 
+texte</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+</context>
+<context>
+    <name>CMeasureDoc</name>
+    <message>
+        <source>Ex&amp;port data</source>
+        <translation>Ex&amp;porter les données</translation>
+    </message>
+    <message>
+        <source>Video</source>
+        <translation>Vidéo</translation>
+    </message>
+    <message>
+        <source>The camera has not delivered a picture yet. Try again in a moment.</source>
+        <translation>La caméra n'a pas encore fourni d'image. Réessayez dans un instant.</translation>
+    </message>
+    <message>
+        <source>Capture</source>
+        <translation>Capture</translation>
+    </message>
+    <message>
+        <source>Cannot open the picture %1:
+%2</source>
+        <translation>Impossible d'ouvrir l'image %1 :
+%2</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Ouvrir</translation>
+    </message>
+    <message>
+        <source>Cannot write the measurement data to %1:
+%2</source>
+        <translation>Impossible d'écrire les données de mesure dans %1 :
+%2</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>Exporter</translation>
+    </message>
+    <message>
+        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
+        <translation>La caméra « %1 » n'est pas connectée. Rebranchez-la pour reprendre la vidéo en direct.</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>Aperçu</translation>
+    </message>
+</context>
+<context>
+    <name>CProcessPropertiesDlg</name>
+    <message>
+        <source>&amp;Enable realtime process</source>
+        <translation>&amp;Activer le traitement en temps réel</translation>
+    </message>
+    <message>
+        <source>Processing</source>
+        <translation>Traitement</translation>
+    </message>
+    <message>
+        <source>Flip &amp;Vertical</source>
+        <translation>Retourner &amp;verticalement</translation>
+    </message>
+    <message>
+        <source>Flip &amp;Horizontal</source>
+        <translation>Retourner &amp;horizontalement</translation>
+    </message>
+    <message>
+        <source>&amp;Gray</source>
+        <translation>&amp;Gris</translation>
+    </message>
+    <message>
+        <source>&amp;Negative</source>
+        <translation>&amp;Négatif</translation>
+    </message>
+    <message>
+        <source>&amp;Binary</source>
+        <translation>&amp;Binarisation</translation>
+    </message>
+    <message>
+        <source>&amp;Emboss</source>
+        <translation>&amp;Relief</translation>
+    </message>
+    <message>
+        <source>&amp;Sharpen</source>
+        <translation>&amp;Netteté</translation>
+    </message>
+    <message>
+        <source>RGB gain</source>
+        <translation>Gain RVB</translation>
+    </message>
+    <message>
+        <source>&amp;Apply the gains</source>
+        <translation>&amp;Appliquer les gains</translation>
+    </message>
+    <message>
+        <source>Red:</source>
+        <translation>Rouge :</translation>
+    </message>
+    <message>
+        <source>Green:</source>
+        <translation>Vert :</translation>
+    </message>
+    <message>
+        <source>Blue:</source>
+        <translation>Bleu :</translation>
+    </message>
+    <message>
+        <source>Real-time Processing</source>
+        <translation>Traitement en temps réel</translation>
+    </message>
+</context>
+<context>
+    <name>CRecordDlg</name>
+    <message>
+        <source>Start to record</source>
+        <translation>Prêt à enregistrer</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>Enregistrement en cours</translation>
+    </message>
+    <message>
+        <source>Record paused</source>
+        <translation>Enregistrement en pause</translation>
+    </message>
+    <message>
+        <source>Record stoped</source>
+        <translation>Enregistrement arrêté</translation>
+    </message>
+    <message>
+        <source>Browse</source>
+        <translation>Parcourir</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Démarrer</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Arrêter</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>Enregistrer la vidéo</translation>
+    </message>
+    <message>
+        <source>%1 already existed. Want to replace it?</source>
+        <translation>%1 existe déjà. Voulez-vous le remplacer ?</translation>
+    </message>
+    <message>
+        <source>ended at %1</source>
+        <translation>terminé à %1</translation>
+    </message>
+</context>
+<context>
+    <name>CRgbDlg</name>
+    <message>
+        <source>No.,35;Name,130;Red,50;Green,50;Blue,50</source>
+        <translation>N°,35;Nom,130;Rouge,50;Vert,50;Bleu,50</translation>
+    </message>
+    <message>
+        <source>Enable</source>
+        <translation>Activer</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Ajouter</translation>
+    </message>
+    <message>
+        <source>Apply</source>
+        <translation>Appliquer</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Supprimer</translation>
+    </message>
+    <message>
+        <source>Advanced -&gt;</source>
+        <translation>Avancé -&gt;</translation>
+    </message>
+    <message>
+        <source>Rgb adjustment</source>
+        <translation>Réglage RVB</translation>
+    </message>
+    <message>
+        <source>Red</source>
+        <translation>Rouge</translation>
+    </message>
+    <message>
+        <source>Green</source>
+        <translation>Vert</translation>
+    </message>
+    <message>
+        <source>Blue</source>
+        <translation>Bleu</translation>
+    </message>
+    <message>
+        <source>Add current rgb values to list</source>
+        <translation>Ajouter les valeurs RVB actuelles à la liste</translation>
+    </message>
+    <message>
+        <source>Apply selected item to camera parameter</source>
+        <translation>Appliquer l'élément choisi aux réglages de la caméra</translation>
+    </message>
+    <message>
+        <source>Delete selected item from list</source>
+        <translation>Supprimer l'élément choisi de la liste</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Select One item first</source>
+        <translation>Choisissez d'abord un élément</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>Conseil</translation>
+    </message>
+    <message>
+        <source>Advanced &lt;-</source>
+        <translation>Avancé &lt;-</translation>
+    </message>
+</context>
+<context>
+    <name>CRulerSettingDlg</name>
+    <message>
+        <source>Ruler Setting</source>
+        <translation>Réglage de la règle</translation>
+    </message>
+    <message>
+        <source>Real Results</source>
+        <translation>Résultats réels</translation>
+    </message>
+    <message>
+        <source>X-Ruler</source>
+        <translation>Règle X</translation>
+    </message>
+    <message>
+        <source>Y-Ruler</source>
+        <translation>Règle Y</translation>
+    </message>
+    <message>
+        <source>Physical Ruler</source>
+        <translation>Règle physique</translation>
+    </message>
+    <message>
+        <source>X-Ruler Unit</source>
+        <translation>Longueur X</translation>
+    </message>
+    <message>
+        <source>Y-Ruler Unit</source>
+        <translation>Longueur Y</translation>
+    </message>
+    <message>
+        <source>Ruler Unit</source>
+        <translation>Unité de la règle</translation>
+    </message>
+    <message>
+        <source>Image Ruler(pixel)</source>
+        <translation>Règle de l'image (pixels)</translation>
+    </message>
+    <message>
+        <source>Pause mode measure</source>
+        <translation>Mesure en pause</translation>
+    </message>
+    <message>
+        <source>Magnification</source>
+        <translation>Grossissement</translation>
+    </message>
+    <message>
+        <source>Save As</source>
+        <translation>Enregistrer sous</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Ouvrir</translation>
+    </message>
+    <message>
+        <source>Detect from micrometer</source>
+        <translation>Détecter depuis le micromètre</translation>
+    </message>
+    <message>
+        <source>There is no picture to look for a micrometer in.</source>
+        <translation>Il n'y a pas d'image dans laquelle chercher un micromètre.</translation>
+    </message>
+</context>
+<context>
+    <name>Command</name>
+    <message>
+        <source>&amp;New Preview	Ctrl+N</source>
+        <translation>&amp;Nouvel aperçu	Ctrl+N</translation>
+    </message>
+    <message>
+        <source>New preview</source>
+        <translation>Nouvel aperçu</translation>
+    </message>
+    <message>
+        <source>&amp;Open...	Ctrl+O</source>
+        <translation>&amp;Ouvrir...	Ctrl+O</translation>
+    </message>
+    <message>
+        <source>Open an existing image</source>
+        <translation>Ouvrir une image existante</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Fermer</translation>
+    </message>
+    <message>
+        <source>Close the active imaget</source>
+        <translation>Fermer l'image active</translation>
+    </message>
+    <message>
+        <source>E&amp;xit</source>
+        <translation>&amp;Quitter</translation>
+    </message>
+    <message>
+        <source>&amp;Status Bar</source>
+        <translation>Barre d'é&amp;tat</translation>
+    </message>
+    <message>
+        <source>Show or hide the status bar</source>
+        <translation>Afficher ou masquer la barre d'état</translation>
+    </message>
+    <message>
+        <source>&amp;Tool Bar</source>
+        <translation>&amp;Barre d'outils</translation>
+    </message>
+    <message>
+        <source>Show or hide the toolbar</source>
+        <translation>Afficher ou masquer la barre d'outils</translation>
+    </message>
+    <message>
+        <source>&amp;Process Bar</source>
+        <translation>Barre de &amp;traitement</translation>
+    </message>
+    <message>
+        <source>Show or hide Process Bar</source>
+        <translation>Afficher ou masquer la barre de traitement</translation>
+    </message>
+    <message>
+        <source>&amp;Measure Bar</source>
+        <translation>Barre de &amp;mesure</translation>
+    </message>
+    <message>
+        <source>Show or hide the measure bar</source>
+        <translation>Afficher ou masquer la barre de mesure</translation>
+    </message>
+    <message>
+        <source>&amp;Full Screen</source>
+        <translation>&amp;Plein écran</translation>
+    </message>
+    <message>
+        <source>Toggles full screen mode On and Off</source>
+        <translation>Active ou désactive le mode plein écran</translation>
+    </message>
+    <message>
+        <source>Fullscreen camera video</source>
+        <translation>Vidéo de la caméra en plein écran</translation>
+    </message>
+    <message>
+        <source>&amp;Adjust</source>
+        <translation>&amp;Réglage</translation>
+    </message>
+    <message>
+        <source>Show video adjusting dialog</source>
+        <translation>Afficher le réglage de la vidéo</translation>
+    </message>
+    <message>
+        <source>&amp;Enable</source>
+        <translation>&amp;Activer</translation>
+    </message>
+    <message>
+        <source>Enable realtime process</source>
+        <translation>Activer le traitement en temps réel</translation>
+    </message>
+    <message>
+        <source>Flip &amp;Horizontal</source>
+        <translation>Retourner &amp;horizontalement</translation>
+    </message>
+    <message>
+        <source>Flip image horizontal </source>
+        <translation>Retourner l'image horizontalement</translation>
+    </message>
+    <message>
+        <source>Flip &amp;Vertical</source>
+        <translation>Retourner &amp;verticalement</translation>
+    </message>
+    <message>
+        <source>Flip image vertical</source>
+        <translation>Retourner l'image verticalement</translation>
+    </message>
+    <message>
+        <source>&amp;Gray</source>
+        <translation>&amp;Gris</translation>
+    </message>
+    <message>
+        <source>Gray image</source>
+        <translation>Image en niveaux de gris</translation>
+    </message>
+    <message>
+        <source>&amp;Negative</source>
+        <translation>&amp;Négatif</translation>
+    </message>
+    <message>
+        <source>Negative image</source>
+        <translation>Image en négatif</translation>
+    </message>
+    <message>
+        <source>&amp;Emboss</source>
+        <translation>&amp;Relief</translation>
+    </message>
+    <message>
+        <source>Emboss image</source>
+        <translation>Image en relief</translation>
+    </message>
+    <message>
+        <source>&amp;Sharpen</source>
+        <translation>&amp;Netteté</translation>
+    </message>
+    <message>
+        <source>Sharpen image</source>
+        <translation>Renforcer la netteté de l'image</translation>
+    </message>
+    <message>
+        <source>&amp;Binary</source>
+        <translation>&amp;Binarisation</translation>
+    </message>
+    <message>
+        <source>Binary image</source>
+        <translation>Image binaire</translation>
+    </message>
+    <message>
+        <source>Mo&amp;ve</source>
+        <translation>&amp;Déplacer</translation>
+    </message>
+    <message>
+        <source>Move elements</source>
+        <translation>Déplacer les éléments</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>Point</translation>
+    </message>
+    <message>
+        <source>&amp;Line</source>
+        <translation>&amp;Ligne</translation>
+    </message>
+    <message>
+        <source>Draw line</source>
+        <translation>Tracer une ligne</translation>
+    </message>
+    <message>
+        <source>&amp;Angle</source>
+        <translation>&amp;Angle</translation>
+    </message>
+    <message>
+        <source>Draw angle </source>
+        <translation>Tracer un angle</translation>
+    </message>
+    <message>
+        <source>&amp;Rect</source>
+        <translation>&amp;Rectangle</translation>
+    </message>
+    <message>
+        <source>Draw rect</source>
+        <translation>Tracer un rectangle</translation>
+    </message>
+    <message>
+        <source>&amp;Circle</source>
+        <translation>&amp;Cercle</translation>
+    </message>
+    <message>
+        <source>Draw circle</source>
+        <translation>Tracer un cercle</translation>
+    </message>
+    <message>
+        <source>&amp;TriCircle</source>
+        <translation>Cercle à &amp;trois points</translation>
+    </message>
+    <message>
+        <source>Draw tricircle</source>
+        <translation>Tracer un cercle par trois points</translation>
+    </message>
+    <message>
+        <source>&amp;Polygon</source>
+        <translation>&amp;Polygone</translation>
+    </message>
+    <message>
+        <source>Draw polygon</source>
+        <translation>Tracer un polygone</translation>
+    </message>
+    <message>
+        <source>Count&amp;ing</source>
+        <translation>C&amp;omptage</translation>
+    </message>
+    <message>
+        <source>Draw counting</source>
+        <translation>Marquer pour compter</translation>
+    </message>
+    <message>
+        <source>&amp;Delete</source>
+        <translation>&amp;Supprimer</translation>
+    </message>
+    <message>
+        <source>Delete one element</source>
+        <translation>Supprimer un élément</translation>
+    </message>
+    <message>
+        <source>Delete&amp;All</source>
+        <translation>&amp;Tout supprimer</translation>
+    </message>
+    <message>
+        <source>Delete all elements</source>
+        <translation>Supprimer tous les éléments</translation>
+    </message>
+    <message>
+        <source>Calibratio&amp;n</source>
+        <translation>Étalon&amp;nage</translation>
+    </message>
+    <message>
+        <source>Calibration</source>
+        <translation>Étalonnage</translation>
+    </message>
+    <message>
+        <source>&amp;Setting</source>
+        <translation>&amp;Réglages</translation>
+    </message>
+    <message>
+        <source>Measure setting</source>
+        <translation>Réglages de mesure</translation>
+    </message>
+    <message>
+        <source>Ex&amp;port data</source>
+        <translation>Ex&amp;porter les données</translation>
+    </message>
+    <message>
+        <source>Export measurement data to csv file</source>
+        <translation>Exporter les mesures dans un fichier CSV</translation>
+    </message>
+    <message>
+        <source>A&amp;rrow</source>
+        <translation>&amp;Flèche</translation>
+    </message>
+    <message>
+        <source>Draw Arrow Annotation</source>
+        <translation>Tracer une flèche</translation>
+    </message>
+    <message>
+        <source>&amp;Text</source>
+        <translation>Te&amp;xte</translation>
+    </message>
+    <message>
+        <source>Draw Text Annotation</source>
+        <translation>Ajouter un texte</translation>
+    </message>
+    <message>
+        <source>&amp;Cross Line</source>
+        <translation>&amp;Réticule</translation>
+    </message>
+    <message>
+        <source>Solid crossline</source>
+        <translation>Réticule plein</translation>
+    </message>
+    <message>
+        <source>Dashed C&amp;ross Line</source>
+        <translation>Réticule en &amp;pointillés</translation>
+    </message>
+    <message>
+        <source>Dashed crossline</source>
+        <translation>Réticule en pointillés</translation>
+    </message>
+    <message>
+        <source>Video Capture &amp;Device...</source>
+        <translation>&amp;Périphérique de capture vidéo...</translation>
+    </message>
+    <message>
+        <source>Change video capture device</source>
+        <translation>Changer de périphérique de capture vidéo</translation>
+    </message>
+    <message>
+        <source>Video &amp;Resolution</source>
+        <translation>&amp;Résolution vidéo</translation>
+    </message>
+    <message>
+        <source>Setting video capture properties</source>
+        <translation>Régler les propriétés de capture vidéo</translation>
+    </message>
+    <message>
+        <source>Video &amp;Properties</source>
+        <translation>Propriétés &amp;vidéo</translation>
+    </message>
+    <message>
+        <source>Adjusting video capture filter properties</source>
+        <translation>Régler les propriétés du filtre de capture vidéo</translation>
+    </message>
+    <message>
+        <source>Capture picture to an active view</source>
+        <translation>Capturer une image dans une nouvelle fenêtre</translation>
+    </message>
+    <message>
+        <source>Preview camera device</source>
+        <translation>Aperçu de la caméra</translation>
+    </message>
+    <message>
+        <source>Pause the camera video</source>
+        <translation>Mettre en pause la vidéo de la caméra</translation>
+    </message>
+    <message>
+        <source>Zoom display</source>
+        <translation>Zoom de l'affichage</translation>
+    </message>
+    <message>
+        <source>&amp;Cascade</source>
+        <translation>&amp;Cascade</translation>
+    </message>
+    <message>
+        <source>Tile &amp;Horizontal</source>
+        <translation>Mosaïque &amp;horizontale</translation>
+    </message>
+    <message>
+        <source>Tile &amp;Vertical</source>
+        <translation>Mosaïque &amp;verticale</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Aide</translation>
+    </message>
+    <message>
+        <source>How to use</source>
+        <translation>Mode d'emploi</translation>
+    </message>
+    <message>
+        <source>&amp;About...</source>
+        <translation>À &amp;propos...</translation>
+    </message>
+    <message>
+        <source>Open &amp;Picture Folder</source>
+        <translation>Ouvrir le dossier des &amp;images</translation>
+    </message>
+    <message>
+        <source>Open pictures' saved folder</source>
+        <translation>Ouvrir le dossier des images enregistrées</translation>
+    </message>
+    <message>
+        <source>Recent File</source>
+        <translation>Fichier récent</translation>
+    </message>
+    <message>
+        <source>Open this document</source>
+        <translation>Ouvrir ce document</translation>
+    </message>
+    <message>
+        <source>Display full pages</source>
+        <translation>Afficher des pages entières</translation>
+    </message>
+    <message>
+        <source>Help content</source>
+        <translation>Contenu de l'aide</translation>
+    </message>
+    <message>
+        <source>Print and &amp;Help Bar</source>
+        <translation>Barre d'impression et d'&amp;aide</translation>
+    </message>
+    <message>
+        <source>Show or hide the print and help bar</source>
+        <translation>Afficher ou masquer la barre d'impression et d'aide</translation>
+    </message>
+    <message>
+        <source>&amp;Rgb</source>
+        <translation>&amp;RVB</translation>
+    </message>
+    <message>
+        <source>Rgb adjustment</source>
+        <translation>Réglage RVB</translation>
+    </message>
+    <message>
+        <source>Record camera video to file</source>
+        <translation>Enregistrer la vidéo de la caméra dans un fichier</translation>
+    </message>
+    <message>
+        <source>Show the real-time processing settings</source>
+        <translation>Afficher les réglages du traitement en temps réel</translation>
+    </message>
+</context>
+<context>
+    <name>CommandLine</name>
+    <message>
+        <source>Use the simulated camera instead of a real one.</source>
+        <translation>Utiliser la caméra simulée au lieu d'une vraie caméra.</translation>
+    </message>
+    <message>
+        <source>Show this help.</source>
+        <translation>Afficher cette aide.</translation>
+    </message>
+    <message>
+        <source>Measure on a microscope camera's live picture.</source>
+        <translation>Mesurer sur l'image en direct d'une caméra de microscope.</translation>
+    </message>
+    <message>
+        <source>Picture file to open.</source>
+        <translation>Fichier image à ouvrir.</translation>
+    </message>
+</context>
+<context>
+    <name>DlgSelectFile</name>
+    <message>
+        <source>Open</source>
+        <translation>Ouvrir</translation>
+    </message>
+    <message>
+        <source>No preview</source>
+        <translation>Pas d'aperçu</translation>
+    </message>
+    <message>
+        <source>%1 x %2, %3 bits</source>
+        <translation>%1 x %2, %3 bits</translation>
+    </message>
+</context>
+<context>
+    <name>FCObjImage</name>
+    <message>
+        <source>Invalid picture size or depth</source>
+        <translation>Taille ou profondeur d'image non valide</translation>
+    </message>
+    <message>
+        <source>Not enough memory for the picture</source>
+        <translation>Mémoire insuffisante pour l'image</translation>
+    </message>
+    <message>
+        <source>Invalid picture size</source>
+        <translation>Taille d'image non valide</translation>
+    </message>
+    <message>
+        <source>Not enough memory to resize the picture</source>
+        <translation>Mémoire insuffisante pour redimensionner l'image</translation>
+    </message>
+    <message>
+        <source>No picture</source>
+        <translation>Pas d'image</translation>
+    </message>
+    <message>
+        <source>The picture is too large</source>
+        <translation>L'image est trop grande</translation>
+    </message>
+    <message>
+        <source>No picture to save</source>
+        <translation>Pas d'image à enregistrer</translation>
+    </message>
+</context>
+<context>
+    <name>Menu</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Fichier</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Affichage</translation>
+    </message>
+    <message>
+        <source>&amp;Measure</source>
+        <translation>&amp;Mesure</translation>
+    </message>
+    <message>
+        <source>&amp;Process</source>
+        <translation>&amp;Traitement</translation>
+    </message>
+    <message>
+        <source>V&amp;ideo</source>
+        <translation>&amp;Vidéo</translation>
+    </message>
+    <message>
+        <source>&amp;Window</source>
+        <translation>F&amp;enêtre</translation>
+    </message>
+    <message>
+        <source>&amp;Language</source>
+        <translation>&amp;Langue</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Aide</translation>
+    </message>
+</context>
+<context>
+    <name>SvrFile</name>
+    <message>
+        <source>Cannot open %1.
+%2</source>
+        <translation>Impossible d'ouvrir %1.
+%2</translation>
+    </message>
+    <message>
+        <source>Cannot read %1.
+%2</source>
+        <translation>Impossible de lire %1.
+%2</translation>
+    </message>
+    <message>
+        <source>Cannot create %1.
+%2</source>
+        <translation>Impossible de créer %1.
+%2</translation>
+    </message>
+    <message>
+        <source>Cannot write %1.
+%2</source>
+        <translation>Impossible d'écrire %1.
+%2</translation>
+    </message>
+</context>
+<context>
+    <name>ToolBar</name>
+    <message>
+        <source>Standard</source>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>Measure</source>
+        <translation>Mesure</translation>
+    </message>
+    <message>
+        <source>Process</source>
+        <translation>Traitement</translation>
+    </message>
+    <message>
+        <source>Print and Help</source>
+        <translation>Impression et aide</translation>
+    </message>
+</context>
+</TS>
