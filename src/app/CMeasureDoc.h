@@ -178,9 +178,10 @@ private:
     void UpdateCameraCommand(CCmdUI& ui, bool needsRunning) const;
     void DeleteAll();
     void ReapplyPicture();
-    // The record (32902) and "&Rgb" (32914) dialogs.
+    // The record (32902), interval capture (32903) and "&Rgb" (32914) dialogs.
     void MapCaptureDialogs();
     void OnRecord();
+    void OnIntervalCapture();
     void OnRgb();
     void OnBinaryCommand();
     void OnMeasureSetting();

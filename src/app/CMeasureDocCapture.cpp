@@ -1,6 +1,7 @@
 #include "app/CMeasureDoc.h"
 
 #include "app/CommandTable.h"
+#include "capture/CIntervalCapDlg.h"
 #include "capture/CRecordDlg.h"
 #include "capture/CRgbDlg.h"
 
@@ -16,9 +17,12 @@ void CMeasureDoc::MapCaptureDialogs()
         };
     };
     MapCommand(ID_CAMERA_RECORD, onLive(&CMeasureDoc::OnRecord));
+    MapCommand(ID_CAMERA_INTERVAL, onLive(&CMeasureDoc::OnIntervalCapture));
     MapCommand(ID_PROCESS_RGB, onLive(&CMeasureDoc::OnRgb));
     MapUpdate(ID_CAMERA_RECORD, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
     MapUpdate(ID_PROCESS_RGB, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
+    // A paused picture is saved as well as a moving one.
+    MapUpdate(ID_CAMERA_INTERVAL, [this](CCmdUI& ui) { UpdateCameraCommand(ui, false); });
 }
 
 // Each dialog is told when this document goes away under it (the program is
@@ -27,6 +31,14 @@ void CMeasureDoc::OnRecord()
 {
     CRecordDlg dialog(this, DialogParent());
     connect(this, &QObject::destroyed, &dialog, &CRecordDlg::OnDocumentClosed);
+    dialog.exec();
+}
+
+// Closing this document stops a running series: nothing is saved after it.
+void CMeasureDoc::OnIntervalCapture()
+{
+    CIntervalCapDlg dialog(this, [this] { SilentQuickSave(); }, DialogParent());
+    connect(this, &QObject::destroyed, &dialog, &CIntervalCapDlg::OnDocumentClosed);
     dialog.exec();
 }
 

@@ -74,6 +74,7 @@ const CommandInfo kCommands[] = {
     { ID_CAMERA_PREVIEW, "", CMD("Preview camera device"), ":/icons/preview.svg", false },
     { ID_CAMERA_PAUSE, "", CMD("Pause the camera video"), ":/icons/pause.svg", false },
     { ID_CAMERA_RECORD, "", CMD("Record camera video to file"), ":/icons/record.svg", false },
+    { ID_CAMERA_INTERVAL, "", CMD("Interval capture frames"), ":/icons/interval.svg", false },
     { ID_ZOOM, "", CMD("Zoom display"), nullptr, false },
     { ID_WINDOW_CASCADE, CMD("&Cascade"), "", nullptr, false },
     { ID_WINDOW_TILE_HORZ, CMD("Tile &Horizontal"), "", nullptr, false },
@@ -129,7 +130,7 @@ const MenuInfo kMenus[] = {
 };
 
 constexpr std::array kStandardBar { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_SAVE, ID_FILE_SAVE_AS, S,
-    ID_CAMERA_CAPTURE, ID_CAMERA_PREVIEW, ID_CAMERA_PAUSE, ID_CAMERA_FULLSCREEN, ID_CAMERA_RECORD,
+    ID_CAMERA_CAPTURE, ID_CAMERA_PREVIEW, ID_CAMERA_PAUSE, ID_CAMERA_FULLSCREEN, ID_CAMERA_RECORD, ID_CAMERA_INTERVAL,
     ID_SAVE_RESOLUTION, S, ID_ZOOM };
 constexpr std::array kMeasureBar { ID_MEASURE_MOVE, S, ID_MEASURE_POINT, ID_MEASURE_LINE, ID_MEASURE_ANGLE,
     ID_MEASURE_RECT, ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S,

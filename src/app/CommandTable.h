@@ -50,6 +50,7 @@ constexpr int ID_CAMERA_PREVIEW = 32843;
 constexpr int ID_CAMERA_PAUSE = 32900;
 constexpr int ID_CAMERA_FULLSCREEN = 32901;
 constexpr int ID_CAMERA_RECORD = 32902;
+constexpr int ID_CAMERA_INTERVAL = 32903;
 constexpr int ID_ZOOM = 32920;
 
 constexpr int ID_VIDEO_DEVICE = 32876;

@@ -97,6 +97,7 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
     // Toolbar-only commands show their prompt as the button's text.
     EXPECT_EQ(frame->FindAction(ID_CAMERA_CAPTURE)->toolTip(), "Capture picture to an active view");
     EXPECT_EQ(frame->FindAction(ID_CAMERA_RECORD)->toolTip(), "Record camera video to file");
+    EXPECT_EQ(frame->FindAction(ID_CAMERA_INTERVAL)->toolTip(), "Interval capture frames");
     EXPECT_TRUE(frame->FindAction(ID_MEASURE_LINE)->isCheckable());
     EXPECT_FALSE(frame->FindAction(ID_MEASURE_DELETE_ALL)->isCheckable());
 

@@ -1,6 +1,7 @@
 #include "MeasureFrameFixture.h"
 #include "app/CommandTable.h"
 #include "capture/CDialogTimers.h"
+#include "capture/CIntervalCapDlg.h"
 #include "capture/CRecordDlg.h"
 #include "capture/CRgbDlg.h"
 #include "platform/SettingsKeys.h"
@@ -61,7 +62,7 @@ TEST_F(MeasureFrameTest, RecordCommandRecordsTheLiveVideoAndReturnsToThePreview)
         GTEST_SKIP() << "ffprobe is not installed";
     Start();
     CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
-    for (int id : { ID_CAMERA_RECORD, ID_PROCESS_RGB })
+    for (int id : { ID_CAMERA_RECORD, ID_CAMERA_INTERVAL, ID_PROCESS_RGB })
         EXPECT_TRUE(frame->QueryCommand(id).IsEnabled()) << id;
     const QString file = home.filePath("clip.avi");
     const auto previous = CRecordDlg::SetBrowseHandler([&](QWidget*, const QString&) { return file; });
@@ -119,4 +120,28 @@ TEST_F(MeasureFrameTest, RgbCommandSetsTheLiveGainsAndKeepsPresets)
     EXPECT_EQ(g, 60);
     EXPECT_EQ(
         SettingsKeys::ReadString(SettingsKeys::RgbGainName(0), SettingsFile()), QStringLiteral("Green"));
+}
+
+// "Interval capture frames": each tick saves the live picture into the
+// pictures folder under the quick-save name.
+TEST_F(MeasureFrameTest, IntervalCaptureCommandSavesASeriesIntoThePicturesFolder)
+{
+    Start();
+    bool seen = false;
+    OnModal<CIntervalCapDlg>(
+        [&](CIntervalCapDlg& d) {
+            d.Timers().UseManualClock();
+            d.SetFieldText(CIntervalCapDlg::Wait, QStringLiteral("0"));
+            d.SetFieldText(CIntervalCapDlg::Images, QStringLiteral("3"));
+            d.OnStart();
+            d.Timers().Advance(4000);
+            EXPECT_FALSE(d.IsRunning());
+        },
+        &seen);
+    ASSERT_TRUE(frame->RouteCommand(ID_CAMERA_INTERVAL));
+    ASSERT_TRUE(seen);
+    const QStringList saved = QDir(home.filePath("data/Images")).entryList(QDir::Files, QDir::Name);
+    EXPECT_EQ(saved, QStringList({ "0.jpg", "1.jpg", "2.jpg" }));
+    EXPECT_EQ(SettingsKeys::ReadInt(SettingsKeys::SaveSuffix, SettingsFile()), 3);
+    EXPECT_TRUE(messages.isEmpty()) << messages.join('|').toStdString();
 }
