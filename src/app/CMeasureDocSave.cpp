@@ -145,7 +145,7 @@ bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, con
     if (picture.IsValidImage()) {
         const int width = picture.Width();
         const int height = picture.Height();
-        std::vector<uchar> bits(CGVLElemMgr::BitsStride(width) * std::size_t(height));
+        std::vector<uchar> bits(DibStride(width) * std::size_t(height));
         m_pElemMgr->DrawToImage(bits.data(), width, height, overlay.measure, overlay.ruler, overlay.scale,
             overlay.time, overlay.title, texts.title);
         BurnInOverlay(picture, bits.data(), width, height);
