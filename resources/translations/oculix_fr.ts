@@ -76,6 +76,13 @@
     </message>
 </context>
 <context>
+    <name>CFolderEdit</name>
+    <message>
+        <source>Select Path:</source>
+        <translation>Choisir le dossier :</translation>
+    </message>
+</context>
+<context>
     <name>CFormatDlg</name>
     <message>
         <source>Output size and format of the camera:</source>
@@ -110,7 +117,10 @@
     </message>
     <message numerus="yes">
         <source>%n ticks, scale at %1°</source>
-        <translation><numerusform>%n graduation, échelle à %1°</numerusform><numerusform>%n graduations, échelle à %1°</numerusform></translation>
+        <translation>
+            <numerusform>%n graduation, échelle à %1°</numerusform>
+            <numerusform>%n graduations, échelle à %1°</numerusform>
+        </translation>
     </message>
     <message>
         <source>No picture</source>
@@ -344,6 +354,26 @@ texte</translation>
         <source>Preview</source>
         <translation>Aperçu</translation>
     </message>
+    <message>
+        <source>Picture has successfully saved to</source>
+        <translation>L’image a été enregistrée dans</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>Information</translation>
+    </message>
+    <message>
+        <source>Save image failed.</source>
+        <translation>L’enregistrement de l’image a échoué.</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Enregistrer</translation>
+    </message>
+    <message>
+        <source>Failed to write JPEG file Summary information!</source>
+        <translation>Impossible d’écrire le résumé du fichier JPEG !</translation>
+    </message>
 </context>
 <context>
     <name>CProcessPropertiesDlg</name>
@@ -453,6 +483,17 @@ texte</translation>
     <message>
         <source>ended at %1</source>
         <translation>terminé à %1</translation>
+    </message>
+</context>
+<context>
+    <name>CResolutionDlg</name>
+    <message>
+        <source>Set resolution</source>
+        <translation>Définir la résolution</translation>
+    </message>
+    <message>
+        <source>Resolution of saved pictures</source>
+        <translation>Résolution des images enregistrées</translation>
     </message>
 </context>
 <context>
@@ -587,6 +628,119 @@ texte</translation>
     <message>
         <source>There is no picture to look for a micrometer in.</source>
         <translation>Il n'y a pas d'image dans laquelle chercher un micromètre.</translation>
+    </message>
+</context>
+<context>
+    <name>CSaveAsDlg</name>
+    <message>
+        <source>Save As</source>
+        <translation>Enregistrer sous</translation>
+    </message>
+    <message>
+        <source>Image type</source>
+        <translation>Type d’image</translation>
+    </message>
+    <message>
+        <source>Folder:</source>
+        <translation>Dossier :</translation>
+    </message>
+    <message>
+        <source>File name:</source>
+        <translation>Nom du fichier :</translation>
+    </message>
+    <message>
+        <source>Title:</source>
+        <translation>Titre :</translation>
+    </message>
+    <message>
+        <source>Subject:</source>
+        <translation>Sujet :</translation>
+    </message>
+    <message>
+        <source>Author:</source>
+        <translation>Auteur :</translation>
+    </message>
+    <message>
+        <source>Comment:</source>
+        <translation>Commentaire :</translation>
+    </message>
+    <message>
+        <source>Please select folder for the saving file.</source>
+        <translation>Veuillez choisir le dossier du fichier à enregistrer.</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>Information</translation>
+    </message>
+    <message>
+        <source>%1 already existed. Want to replace it?</source>
+        <translation>%1 existe déjà. Voulez-vous le remplacer ?</translation>
+    </message>
+</context>
+<context>
+    <name>CSaveOptionDlg</name>
+    <message>
+        <source>Save Option</source>
+        <translation>Options d’enregistrement</translation>
+    </message>
+    <message>
+        <source>Title:</source>
+        <translation>Titre :</translation>
+    </message>
+    <message>
+        <source>Author:</source>
+        <translation>Auteur :</translation>
+    </message>
+    <message>
+        <source>Folder:</source>
+        <translation>Dossier :</translation>
+    </message>
+    <message>
+        <source>Prefix:</source>
+        <translation>Préfixe :</translation>
+    </message>
+    <message>
+        <source>Number:</source>
+        <translation>Numéro :</translation>
+    </message>
+    <message>
+        <source>Image type:</source>
+        <translation>Type d’image :</translation>
+    </message>
+    <message>
+        <source>Please select folder for the saving file.</source>
+        <translation>Veuillez choisir le dossier du fichier à enregistrer.</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>Information</translation>
+    </message>
+</context>
+<context>
+    <name>CSaveOverlayGroup</name>
+    <message>
+        <source>Burn into the picture</source>
+        <translation>Incruster dans l’image</translation>
+    </message>
+    <message>
+        <source>Measurement</source>
+        <translation>Mesures</translation>
+    </message>
+    <message>
+        <source>Ruler</source>
+        <translation>Règle</translation>
+    </message>
+    <message>
+        <source>Scale</source>
+        <translation>Échelle</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Date</translation>
+    </message>
+    <message>
+        <source>Title</source>
+        <translation>Titre</translation>
     </message>
 </context>
 <context>
@@ -986,6 +1140,54 @@ texte</translation>
     <message>
         <source>Show the real-time processing settings</source>
         <translation>Afficher les réglages du traitement en temps réel</translation>
+    </message>
+    <message>
+        <source>&amp;Save	Ctrl+S</source>
+        <translation>&amp;Enregistrer	Ctrl+S</translation>
+    </message>
+    <message>
+        <source>Save the active image</source>
+        <translation>Enregistrer l’image active</translation>
+    </message>
+    <message>
+        <source>Save &amp;As...</source>
+        <translation>Enregistrer &amp;sous...</translation>
+    </message>
+    <message>
+        <source>Save the active image with a new name</source>
+        <translation>Enregistrer l’image active sous un autre nom</translation>
+    </message>
+    <message>
+        <source>Save plus measure</source>
+        <translation>Enregistrer avec les mesures</translation>
+    </message>
+    <message>
+        <source>Save only image</source>
+        <translation>Enregistrer l’image seule</translation>
+    </message>
+    <message>
+        <source>Save As only image</source>
+        <translation>Enregistrer sous, image seule</translation>
+    </message>
+    <message>
+        <source>Save As plus measure</source>
+        <translation>Enregistrer sous, avec les mesures</translation>
+    </message>
+    <message>
+        <source>Save &amp;Option</source>
+        <translation>&amp;Options d’enregistrement</translation>
+    </message>
+    <message>
+        <source>Setting save options</source>
+        <translation>Régler les options d’enregistrement</translation>
+    </message>
+    <message>
+        <source>Set resolution</source>
+        <translation>Définir la résolution</translation>
+    </message>
+    <message>
+        <source>Interval capture frames</source>
+        <translation>Capturer des images à intervalles</translation>
     </message>
 </context>
 <context>
