@@ -254,7 +254,7 @@
         <translation>没有文件管理器可以显示 %1。</translation>
     </message>
     <message>
-        <source>Camera connected: %1. "New Preview" shows its video.</source>
+        <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
         <translation>相机已连接：%1。“新建预览”可显示其视频。</translation>
     </message>
 </context>
@@ -346,7 +346,7 @@ Background</source>
         <translation>导出</translation>
     </message>
     <message>
-        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
+        <source>The camera &quot;%1&quot; is not connected. Plug it in again to go on with the live video.</source>
         <translation>相机“%1”未连接。请重新插入以继续实时视频。</translation>
     </message>
     <message>
@@ -1097,7 +1097,7 @@ Background</source>
         <translation>打开图片文件夹(&amp;P)</translation>
     </message>
     <message>
-        <source>Open pictures' saved folder</source>
+        <source>Open pictures&apos; saved folder</source>
         <translation>打开已保存图片的文件夹</translation>
     </message>
     <message>
@@ -1200,7 +1200,7 @@ Background</source>
         <translation>显示此帮助。</translation>
     </message>
     <message>
-        <source>Measure on a microscope camera's live picture.</source>
+        <source>Measure on a microscope camera&apos;s live picture.</source>
         <translation>在显微镜相机的实时画面上测量。</translation>
     </message>
     <message>
@@ -1301,12 +1301,6 @@ Background</source>
         <source>Cannot read %1.
 %2</source>
         <translation>无法读取 %1。
-%2</translation>
-    </message>
-    <message>
-        <source>Cannot create %1.
-%2</source>
-        <translation>无法创建 %1。
 %2</translation>
     </message>
     <message>
