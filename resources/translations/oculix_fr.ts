@@ -13,7 +13,7 @@
     </message>
     <message>
         <source>User manual</source>
-        <translation>Manuel d'utilisation</translation>
+        <translation>Manuel d&apos;utilisation</translation>
     </message>
 </context>
 <context>
@@ -35,7 +35,7 @@
     <name>CCameraControls</name>
     <message>
         <source>The camera has no device node.</source>
-        <translation>La caméra n'a pas de fichier de périphérique.</translation>
+        <translation>La caméra n&apos;a pas de fichier de périphérique.</translation>
     </message>
 </context>
 <context>
@@ -76,6 +76,13 @@
     </message>
 </context>
 <context>
+    <name>CFolderEdit</name>
+    <message>
+        <source>Select Path:</source>
+        <translation>Choisir le dossier :</translation>
+    </message>
+</context>
+<context>
     <name>CFormatDlg</name>
     <message>
         <source>Output size and format of the camera:</source>
@@ -102,7 +109,7 @@
     </message>
     <message>
         <source>Division value</source>
-        <translation>Valeur d'une division</translation>
+        <translation>Valeur d&apos;une division</translation>
     </message>
     <message>
         <source>1 px = %1 µm ± %2</source>
@@ -110,11 +117,14 @@
     </message>
     <message numerus="yes">
         <source>%n ticks, scale at %1°</source>
-        <translation><numerusform>%n graduation, échelle à %1°</numerusform><numerusform>%n graduations, échelle à %1°</numerusform></translation>
+        <translation>
+            <numerusform>%n graduation, échelle à %1°</numerusform>
+            <numerusform>%n graduations, échelle à %1°</numerusform>
+        </translation>
     </message>
     <message>
         <source>No picture</source>
-        <translation>Pas d'image</translation>
+        <translation>Pas d&apos;image</translation>
     </message>
 </context>
 <context>
@@ -191,7 +201,7 @@
     <name>CMainFrame</name>
     <message>
         <source>Already having one instance running!</source>
-        <translation>Une instance est déjà en cours d'exécution !</translation>
+        <translation>Une instance est déjà en cours d&apos;exécution !</translation>
     </message>
 </context>
 <context>
@@ -234,18 +244,18 @@
     </message>
     <message>
         <source>The user manual %1 is missing. Reinstall the program to get it back.</source>
-        <translation>Le manuel d'utilisation %1 est introuvable. Réinstallez le programme pour le retrouver.</translation>
+        <translation>Le manuel d&apos;utilisation %1 est introuvable. Réinstallez le programme pour le retrouver.</translation>
     </message>
     <message>
         <source>No program to show %1 was found. Install a PDF viewer.</source>
-        <translation>Aucun programme pour afficher %1 n'a été trouvé. Installez un lecteur PDF.</translation>
+        <translation>Aucun programme pour afficher %1 n&apos;a été trouvé. Installez un lecteur PDF.</translation>
     </message>
     <message>
         <source>No file manager could show %1.</source>
-        <translation>Aucun gestionnaire de fichiers n'a pu afficher %1.</translation>
+        <translation>Aucun gestionnaire de fichiers n&apos;a pu afficher %1.</translation>
     </message>
     <message>
-        <source>Camera connected: %1. "New Preview" shows its video.</source>
+        <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
         <translation>Caméra connectée : %1. « Nouvel aperçu » affiche sa vidéo.</translation>
     </message>
 </context>
@@ -310,7 +320,7 @@ texte</translation>
     </message>
     <message>
         <source>The camera has not delivered a picture yet. Try again in a moment.</source>
-        <translation>La caméra n'a pas encore fourni d'image. Réessayez dans un instant.</translation>
+        <translation>La caméra n&apos;a pas encore fourni d&apos;image. Réessayez dans un instant.</translation>
     </message>
     <message>
         <source>Capture</source>
@@ -319,7 +329,7 @@ texte</translation>
     <message>
         <source>Cannot open the picture %1:
 %2</source>
-        <translation>Impossible d'ouvrir l'image %1 :
+        <translation>Impossible d&apos;ouvrir l&apos;image %1 :
 %2</translation>
     </message>
     <message>
@@ -329,7 +339,7 @@ texte</translation>
     <message>
         <source>Cannot write the measurement data to %1:
 %2</source>
-        <translation>Impossible d'écrire les données de mesure dans %1 :
+        <translation>Impossible d&apos;écrire les données de mesure dans %1 :
 %2</translation>
     </message>
     <message>
@@ -337,12 +347,32 @@ texte</translation>
         <translation>Exporter</translation>
     </message>
     <message>
-        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
-        <translation>La caméra « %1 » n'est pas connectée. Rebranchez-la pour reprendre la vidéo en direct.</translation>
+        <source>The camera &quot;%1&quot; is not connected. Plug it in again to go on with the live video.</source>
+        <translation>La caméra « %1 » n&apos;est pas connectée. Rebranchez-la pour reprendre la vidéo en direct.</translation>
     </message>
     <message>
         <source>Preview</source>
         <translation>Aperçu</translation>
+    </message>
+    <message>
+        <source>Picture has successfully saved to</source>
+        <translation>L’image a été enregistrée dans</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>Information</translation>
+    </message>
+    <message>
+        <source>Save image failed.</source>
+        <translation>L’enregistrement de l’image a échoué.</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Enregistrer</translation>
+    </message>
+    <message>
+        <source>Failed to write JPEG file Summary information!</source>
+        <translation>Impossible d’écrire le résumé du fichier JPEG !</translation>
     </message>
 </context>
 <context>
@@ -456,6 +486,17 @@ texte</translation>
     </message>
 </context>
 <context>
+    <name>CResolutionDlg</name>
+    <message>
+        <source>Set resolution</source>
+        <translation>Définir la résolution</translation>
+    </message>
+    <message>
+        <source>Resolution of saved pictures</source>
+        <translation>Résolution des images enregistrées</translation>
+    </message>
+</context>
+<context>
     <name>CRgbDlg</name>
     <message>
         <source>No.,35;Name,130;Red,50;Green,50;Blue,50</source>
@@ -503,11 +544,11 @@ texte</translation>
     </message>
     <message>
         <source>Apply selected item to camera parameter</source>
-        <translation>Appliquer l'élément choisi aux réglages de la caméra</translation>
+        <translation>Appliquer l&apos;élément choisi aux réglages de la caméra</translation>
     </message>
     <message>
         <source>Delete selected item from list</source>
-        <translation>Supprimer l'élément choisi de la liste</translation>
+        <translation>Supprimer l&apos;élément choisi de la liste</translation>
     </message>
     <message>
         <source>Name</source>
@@ -515,7 +556,7 @@ texte</translation>
     </message>
     <message>
         <source>Select One item first</source>
-        <translation>Choisissez d'abord un élément</translation>
+        <translation>Choisissez d&apos;abord un élément</translation>
     </message>
     <message>
         <source>Hint</source>
@@ -562,7 +603,7 @@ texte</translation>
     </message>
     <message>
         <source>Image Ruler(pixel)</source>
-        <translation>Règle de l'image (pixels)</translation>
+        <translation>Règle de l&apos;image (pixels)</translation>
     </message>
     <message>
         <source>Pause mode measure</source>
@@ -586,7 +627,120 @@ texte</translation>
     </message>
     <message>
         <source>There is no picture to look for a micrometer in.</source>
-        <translation>Il n'y a pas d'image dans laquelle chercher un micromètre.</translation>
+        <translation>Il n&apos;y a pas d&apos;image dans laquelle chercher un micromètre.</translation>
+    </message>
+</context>
+<context>
+    <name>CSaveAsDlg</name>
+    <message>
+        <source>Save As</source>
+        <translation>Enregistrer sous</translation>
+    </message>
+    <message>
+        <source>Image type</source>
+        <translation>Type d’image</translation>
+    </message>
+    <message>
+        <source>Folder:</source>
+        <translation>Dossier :</translation>
+    </message>
+    <message>
+        <source>File name:</source>
+        <translation>Nom du fichier :</translation>
+    </message>
+    <message>
+        <source>Title:</source>
+        <translation>Titre :</translation>
+    </message>
+    <message>
+        <source>Subject:</source>
+        <translation>Sujet :</translation>
+    </message>
+    <message>
+        <source>Author:</source>
+        <translation>Auteur :</translation>
+    </message>
+    <message>
+        <source>Comment:</source>
+        <translation>Commentaire :</translation>
+    </message>
+    <message>
+        <source>Please select folder for the saving file.</source>
+        <translation>Veuillez choisir le dossier du fichier à enregistrer.</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>Information</translation>
+    </message>
+    <message>
+        <source>%1 already existed. Want to replace it?</source>
+        <translation>%1 existe déjà. Voulez-vous le remplacer ?</translation>
+    </message>
+</context>
+<context>
+    <name>CSaveOptionDlg</name>
+    <message>
+        <source>Save Option</source>
+        <translation>Options d’enregistrement</translation>
+    </message>
+    <message>
+        <source>Title:</source>
+        <translation>Titre :</translation>
+    </message>
+    <message>
+        <source>Author:</source>
+        <translation>Auteur :</translation>
+    </message>
+    <message>
+        <source>Folder:</source>
+        <translation>Dossier :</translation>
+    </message>
+    <message>
+        <source>Prefix:</source>
+        <translation>Préfixe :</translation>
+    </message>
+    <message>
+        <source>Number:</source>
+        <translation>Numéro :</translation>
+    </message>
+    <message>
+        <source>Image type:</source>
+        <translation>Type d’image :</translation>
+    </message>
+    <message>
+        <source>Please select folder for the saving file.</source>
+        <translation>Veuillez choisir le dossier du fichier à enregistrer.</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>Information</translation>
+    </message>
+</context>
+<context>
+    <name>CSaveOverlayGroup</name>
+    <message>
+        <source>Burn into the picture</source>
+        <translation>Incruster dans l’image</translation>
+    </message>
+    <message>
+        <source>Measurement</source>
+        <translation>Mesures</translation>
+    </message>
+    <message>
+        <source>Ruler</source>
+        <translation>Règle</translation>
+    </message>
+    <message>
+        <source>Scale</source>
+        <translation>Échelle</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Date</translation>
+    </message>
+    <message>
+        <source>Title</source>
+        <translation>Titre</translation>
     </message>
 </context>
 <context>
@@ -613,7 +767,7 @@ texte</translation>
     </message>
     <message>
         <source>Close the active imaget</source>
-        <translation>Fermer l'image active</translation>
+        <translation>Fermer l&apos;image active</translation>
     </message>
     <message>
         <source>E&amp;xit</source>
@@ -621,19 +775,19 @@ texte</translation>
     </message>
     <message>
         <source>&amp;Status Bar</source>
-        <translation>Barre d'é&amp;tat</translation>
+        <translation>Barre d&apos;é&amp;tat</translation>
     </message>
     <message>
         <source>Show or hide the status bar</source>
-        <translation>Afficher ou masquer la barre d'état</translation>
+        <translation>Afficher ou masquer la barre d&apos;état</translation>
     </message>
     <message>
         <source>&amp;Tool Bar</source>
-        <translation>&amp;Barre d'outils</translation>
+        <translation>&amp;Barre d&apos;outils</translation>
     </message>
     <message>
         <source>Show or hide the toolbar</source>
-        <translation>Afficher ou masquer la barre d'outils</translation>
+        <translation>Afficher ou masquer la barre d&apos;outils</translation>
     </message>
     <message>
         <source>&amp;Process Bar</source>
@@ -685,7 +839,7 @@ texte</translation>
     </message>
     <message>
         <source>Flip image horizontal </source>
-        <translation>Retourner l'image horizontalement</translation>
+        <translation>Retourner l&apos;image horizontalement</translation>
     </message>
     <message>
         <source>Flip &amp;Vertical</source>
@@ -693,7 +847,7 @@ texte</translation>
     </message>
     <message>
         <source>Flip image vertical</source>
-        <translation>Retourner l'image verticalement</translation>
+        <translation>Retourner l&apos;image verticalement</translation>
     </message>
     <message>
         <source>&amp;Gray</source>
@@ -725,7 +879,7 @@ texte</translation>
     </message>
     <message>
         <source>Sharpen image</source>
-        <translation>Renforcer la netteté de l'image</translation>
+        <translation>Renforcer la netteté de l&apos;image</translation>
     </message>
     <message>
         <source>&amp;Binary</source>
@@ -913,7 +1067,7 @@ texte</translation>
     </message>
     <message>
         <source>Zoom display</source>
-        <translation>Zoom de l'affichage</translation>
+        <translation>Zoom de l&apos;affichage</translation>
     </message>
     <message>
         <source>&amp;Cascade</source>
@@ -933,7 +1087,7 @@ texte</translation>
     </message>
     <message>
         <source>How to use</source>
-        <translation>Mode d'emploi</translation>
+        <translation>Mode d&apos;emploi</translation>
     </message>
     <message>
         <source>&amp;About...</source>
@@ -944,7 +1098,7 @@ texte</translation>
         <translation>Ouvrir le dossier des &amp;images</translation>
     </message>
     <message>
-        <source>Open pictures' saved folder</source>
+        <source>Open pictures&apos; saved folder</source>
         <translation>Ouvrir le dossier des images enregistrées</translation>
     </message>
     <message>
@@ -961,15 +1115,15 @@ texte</translation>
     </message>
     <message>
         <source>Help content</source>
-        <translation>Contenu de l'aide</translation>
+        <translation>Contenu de l&apos;aide</translation>
     </message>
     <message>
         <source>Print and &amp;Help Bar</source>
-        <translation>Barre d'impression et d'&amp;aide</translation>
+        <translation>Barre d&apos;impression et d&apos;&amp;aide</translation>
     </message>
     <message>
         <source>Show or hide the print and help bar</source>
-        <translation>Afficher ou masquer la barre d'impression et d'aide</translation>
+        <translation>Afficher ou masquer la barre d&apos;impression et d&apos;aide</translation>
     </message>
     <message>
         <source>&amp;Rgb</source>
@@ -987,20 +1141,68 @@ texte</translation>
         <source>Show the real-time processing settings</source>
         <translation>Afficher les réglages du traitement en temps réel</translation>
     </message>
+    <message>
+        <source>&amp;Save	Ctrl+S</source>
+        <translation>&amp;Enregistrer	Ctrl+S</translation>
+    </message>
+    <message>
+        <source>Save the active image</source>
+        <translation>Enregistrer l’image active</translation>
+    </message>
+    <message>
+        <source>Save &amp;As...</source>
+        <translation>Enregistrer &amp;sous...</translation>
+    </message>
+    <message>
+        <source>Save the active image with a new name</source>
+        <translation>Enregistrer l’image active sous un autre nom</translation>
+    </message>
+    <message>
+        <source>Save plus measure</source>
+        <translation>Enregistrer avec les mesures</translation>
+    </message>
+    <message>
+        <source>Save only image</source>
+        <translation>Enregistrer l’image seule</translation>
+    </message>
+    <message>
+        <source>Save As only image</source>
+        <translation>Enregistrer sous, image seule</translation>
+    </message>
+    <message>
+        <source>Save As plus measure</source>
+        <translation>Enregistrer sous, avec les mesures</translation>
+    </message>
+    <message>
+        <source>Save &amp;Option</source>
+        <translation>&amp;Options d’enregistrement</translation>
+    </message>
+    <message>
+        <source>Setting save options</source>
+        <translation>Régler les options d’enregistrement</translation>
+    </message>
+    <message>
+        <source>Set resolution</source>
+        <translation>Définir la résolution</translation>
+    </message>
+    <message>
+        <source>Interval capture frames</source>
+        <translation>Capturer des images à intervalles</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
     <message>
         <source>Use the simulated camera instead of a real one.</source>
-        <translation>Utiliser la caméra simulée au lieu d'une vraie caméra.</translation>
+        <translation>Utiliser la caméra simulée au lieu d&apos;une vraie caméra.</translation>
     </message>
     <message>
         <source>Show this help.</source>
         <translation>Afficher cette aide.</translation>
     </message>
     <message>
-        <source>Measure on a microscope camera's live picture.</source>
-        <translation>Mesurer sur l'image en direct d'une caméra de microscope.</translation>
+        <source>Measure on a microscope camera&apos;s live picture.</source>
+        <translation>Mesurer sur l&apos;image en direct d&apos;une caméra de microscope.</translation>
     </message>
     <message>
         <source>Picture file to open.</source>
@@ -1015,7 +1217,7 @@ texte</translation>
     </message>
     <message>
         <source>No preview</source>
-        <translation>Pas d'aperçu</translation>
+        <translation>Pas d&apos;aperçu</translation>
     </message>
     <message>
         <source>%1 x %2, %3 bits</source>
@@ -1026,31 +1228,31 @@ texte</translation>
     <name>FCObjImage</name>
     <message>
         <source>Invalid picture size or depth</source>
-        <translation>Taille ou profondeur d'image non valide</translation>
+        <translation>Taille ou profondeur d&apos;image non valide</translation>
     </message>
     <message>
         <source>Not enough memory for the picture</source>
-        <translation>Mémoire insuffisante pour l'image</translation>
+        <translation>Mémoire insuffisante pour l&apos;image</translation>
     </message>
     <message>
         <source>Invalid picture size</source>
-        <translation>Taille d'image non valide</translation>
+        <translation>Taille d&apos;image non valide</translation>
     </message>
     <message>
         <source>Not enough memory to resize the picture</source>
-        <translation>Mémoire insuffisante pour redimensionner l'image</translation>
+        <translation>Mémoire insuffisante pour redimensionner l&apos;image</translation>
     </message>
     <message>
         <source>No picture</source>
-        <translation>Pas d'image</translation>
+        <translation>Pas d&apos;image</translation>
     </message>
     <message>
         <source>The picture is too large</source>
-        <translation>L'image est trop grande</translation>
+        <translation>L&apos;image est trop grande</translation>
     </message>
     <message>
         <source>No picture to save</source>
-        <translation>Pas d'image à enregistrer</translation>
+        <translation>Pas d&apos;image à enregistrer</translation>
     </message>
 </context>
 <context>
@@ -1093,7 +1295,7 @@ texte</translation>
     <message>
         <source>Cannot open %1.
 %2</source>
-        <translation>Impossible d'ouvrir %1.
+        <translation>Impossible d&apos;ouvrir %1.
 %2</translation>
     </message>
     <message>
@@ -1103,15 +1305,9 @@ texte</translation>
 %2</translation>
     </message>
     <message>
-        <source>Cannot create %1.
-%2</source>
-        <translation>Impossible de créer %1.
-%2</translation>
-    </message>
-    <message>
         <source>Cannot write %1.
 %2</source>
-        <translation>Impossible d'écrire %1.
+        <translation>Impossible d&apos;écrire %1.
 %2</translation>
     </message>
 </context>

@@ -76,6 +76,13 @@
     </message>
 </context>
 <context>
+    <name>CFolderEdit</name>
+    <message>
+        <source>Select Path:</source>
+        <translation>选择路径：</translation>
+    </message>
+</context>
+<context>
     <name>CFormatDlg</name>
     <message>
         <source>Output size and format of the camera:</source>
@@ -110,7 +117,9 @@
     </message>
     <message numerus="yes">
         <source>%n ticks, scale at %1°</source>
-        <translation><numerusform>%n 个刻度，标尺角度 %1°</numerusform></translation>
+        <translation>
+            <numerusform>%n 个刻度，标尺角度 %1°</numerusform>
+        </translation>
     </message>
     <message>
         <source>No picture</source>
@@ -245,7 +254,7 @@
         <translation>没有文件管理器可以显示 %1。</translation>
     </message>
     <message>
-        <source>Camera connected: %1. "New Preview" shows its video.</source>
+        <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
         <translation>相机已连接：%1。“新建预览”可显示其视频。</translation>
     </message>
 </context>
@@ -337,12 +346,32 @@ Background</source>
         <translation>导出</translation>
     </message>
     <message>
-        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
+        <source>The camera &quot;%1&quot; is not connected. Plug it in again to go on with the live video.</source>
         <translation>相机“%1”未连接。请重新插入以继续实时视频。</translation>
     </message>
     <message>
         <source>Preview</source>
         <translation>预览</translation>
+    </message>
+    <message>
+        <source>Picture has successfully saved to</source>
+        <translation>图片已成功保存到</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Save image failed.</source>
+        <translation>保存图片失败。</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>保存</translation>
+    </message>
+    <message>
+        <source>Failed to write JPEG file Summary information!</source>
+        <translation>写入 JPEG 文件摘要信息失败！</translation>
     </message>
 </context>
 <context>
@@ -453,6 +482,17 @@ Background</source>
     <message>
         <source>ended at %1</source>
         <translation>结束于 %1</translation>
+    </message>
+</context>
+<context>
+    <name>CResolutionDlg</name>
+    <message>
+        <source>Set resolution</source>
+        <translation>设置分辨率</translation>
+    </message>
+    <message>
+        <source>Resolution of saved pictures</source>
+        <translation>保存图片的分辨率</translation>
     </message>
 </context>
 <context>
@@ -587,6 +627,119 @@ Background</source>
     <message>
         <source>There is no picture to look for a micrometer in.</source>
         <translation>没有可用于查找测微尺的图片。</translation>
+    </message>
+</context>
+<context>
+    <name>CSaveAsDlg</name>
+    <message>
+        <source>Save As</source>
+        <translation>另存为</translation>
+    </message>
+    <message>
+        <source>Image type</source>
+        <translation>图片类型</translation>
+    </message>
+    <message>
+        <source>Folder:</source>
+        <translation>文件夹：</translation>
+    </message>
+    <message>
+        <source>File name:</source>
+        <translation>文件名：</translation>
+    </message>
+    <message>
+        <source>Title:</source>
+        <translation>标题：</translation>
+    </message>
+    <message>
+        <source>Subject:</source>
+        <translation>主题：</translation>
+    </message>
+    <message>
+        <source>Author:</source>
+        <translation>作者：</translation>
+    </message>
+    <message>
+        <source>Comment:</source>
+        <translation>备注：</translation>
+    </message>
+    <message>
+        <source>Please select folder for the saving file.</source>
+        <translation>请选择保存文件的文件夹。</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>%1 already existed. Want to replace it?</source>
+        <translation>%1 已存在。要替换它吗？</translation>
+    </message>
+</context>
+<context>
+    <name>CSaveOptionDlg</name>
+    <message>
+        <source>Save Option</source>
+        <translation>保存选项</translation>
+    </message>
+    <message>
+        <source>Title:</source>
+        <translation>标题：</translation>
+    </message>
+    <message>
+        <source>Author:</source>
+        <translation>作者：</translation>
+    </message>
+    <message>
+        <source>Folder:</source>
+        <translation>文件夹：</translation>
+    </message>
+    <message>
+        <source>Prefix:</source>
+        <translation>前缀：</translation>
+    </message>
+    <message>
+        <source>Number:</source>
+        <translation>编号：</translation>
+    </message>
+    <message>
+        <source>Image type:</source>
+        <translation>图片类型：</translation>
+    </message>
+    <message>
+        <source>Please select folder for the saving file.</source>
+        <translation>请选择保存文件的文件夹。</translation>
+    </message>
+    <message>
+        <source>Hint</source>
+        <translation>提示</translation>
+    </message>
+</context>
+<context>
+    <name>CSaveOverlayGroup</name>
+    <message>
+        <source>Burn into the picture</source>
+        <translation>写入图片</translation>
+    </message>
+    <message>
+        <source>Measurement</source>
+        <translation>测量</translation>
+    </message>
+    <message>
+        <source>Ruler</source>
+        <translation>标尺</translation>
+    </message>
+    <message>
+        <source>Scale</source>
+        <translation>刻度</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>日期</translation>
+    </message>
+    <message>
+        <source>Title</source>
+        <translation>标题</translation>
     </message>
 </context>
 <context>
@@ -944,7 +1097,7 @@ Background</source>
         <translation>打开图片文件夹(&amp;P)</translation>
     </message>
     <message>
-        <source>Open pictures' saved folder</source>
+        <source>Open pictures&apos; saved folder</source>
         <translation>打开已保存图片的文件夹</translation>
     </message>
     <message>
@@ -987,6 +1140,54 @@ Background</source>
         <source>Show the real-time processing settings</source>
         <translation>显示实时处理设置</translation>
     </message>
+    <message>
+        <source>&amp;Save	Ctrl+S</source>
+        <translation>保存(&amp;S)	Ctrl+S</translation>
+    </message>
+    <message>
+        <source>Save the active image</source>
+        <translation>保存当前图片</translation>
+    </message>
+    <message>
+        <source>Save &amp;As...</source>
+        <translation>另存为(&amp;A)...</translation>
+    </message>
+    <message>
+        <source>Save the active image with a new name</source>
+        <translation>以新名称保存当前图片</translation>
+    </message>
+    <message>
+        <source>Save plus measure</source>
+        <translation>保存（含测量）</translation>
+    </message>
+    <message>
+        <source>Save only image</source>
+        <translation>仅保存图片</translation>
+    </message>
+    <message>
+        <source>Save As only image</source>
+        <translation>另存为（仅图片）</translation>
+    </message>
+    <message>
+        <source>Save As plus measure</source>
+        <translation>另存为（含测量）</translation>
+    </message>
+    <message>
+        <source>Save &amp;Option</source>
+        <translation>保存选项(&amp;O)</translation>
+    </message>
+    <message>
+        <source>Setting save options</source>
+        <translation>设置保存选项</translation>
+    </message>
+    <message>
+        <source>Set resolution</source>
+        <translation>设置分辨率</translation>
+    </message>
+    <message>
+        <source>Interval capture frames</source>
+        <translation>定时抓拍图片</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -999,7 +1200,7 @@ Background</source>
         <translation>显示此帮助。</translation>
     </message>
     <message>
-        <source>Measure on a microscope camera's live picture.</source>
+        <source>Measure on a microscope camera&apos;s live picture.</source>
         <translation>在显微镜相机的实时画面上测量。</translation>
     </message>
     <message>
@@ -1100,12 +1301,6 @@ Background</source>
         <source>Cannot read %1.
 %2</source>
         <translation>无法读取 %1。
-%2</translation>
-    </message>
-    <message>
-        <source>Cannot create %1.
-%2</source>
-        <translation>无法创建 %1。
 %2</translation>
     </message>
     <message>

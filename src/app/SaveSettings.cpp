@@ -1,5 +1,6 @@
 #include "app/SaveSettings.h"
 
+#include "platform/QuickSaveName.h"
 #include "platform/SettingsKeys.h"
 
 namespace K = SettingsKeys;
@@ -44,8 +45,7 @@ QString QuickSaveSettings::Folder(const QString& pictureFolder) const
 
 QString QuickSaveSettings::PathIn(const QString& folder) const
 {
-    return JoinSavePath(
-        folder, prefix + QString::number(suffix) + (bmp ? QStringLiteral(".bmp") : QStringLiteral(".jpg")));
+    return QuickSavePath(folder, {}, prefix, suffix, bmp);
 }
 
 SaveAsSettings SaveAsSettings::Read(const QString& file)

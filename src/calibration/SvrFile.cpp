@@ -1,10 +1,10 @@
 #include "calibration/SvrFile.h"
 
+#include "platform/AtomicFileWrite.h"
 #include "platform/NumberText.h"
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QSaveFile>
 #include <QStringDecoder>
 #include <QStringList>
 
@@ -143,17 +143,10 @@ Status Read(const QString& path, SvrData& data, QString* error)
 
 Status Write(const QString& path, const SvrData& data, QString* error)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    QString reason;
+    if (!ReplaceFileContents(path, ToBytes(data), &reason)) {
         if (error)
-            *error = QCoreApplication::translate("SvrFile", "Cannot create %1.\n%2").arg(path, file.errorString());
-        return Status::CannotWrite;
-    }
-    const QByteArray bytes = ToBytes(data);
-    if (file.write(bytes) != bytes.size() || !file.commit()) {
-        if (error)
-            *error = QCoreApplication::translate("SvrFile", "Cannot write %1.\n%2").arg(path, file.errorString());
-        file.cancelWriting();
+            *error = QCoreApplication::translate("SvrFile", "Cannot write %1.\n%2").arg(path, reason);
         return Status::CannotWrite;
     }
     return Status::Ok;

@@ -116,7 +116,7 @@ TEST_F(CliDevices, ListsTheCamerasWithTheirFormats)
     ASSERT_FALSE(demo.isEmpty()) << json.out.toStdString();
     const QJsonArray formats = demo["formats"].toArray();
     ASSERT_EQ(formats.size(), 4);
-    EXPECT_EQ(formats[0].toObject()["spec"].toString(), "640x480@30:YUY2");
+    EXPECT_EQ(formats[0].toObject()["argument"].toString(), "640x480@30:YUY2");
     EXPECT_EQ(formats[0].toObject()["width"].toInt(), 640);
     EXPECT_EQ(formats[3].toObject()["format"].toString(), "MJPG");
 
