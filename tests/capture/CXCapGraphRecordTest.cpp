@@ -1,6 +1,5 @@
 #include "CaptureTestSupport.h"
 #include "TestFiles.h"
-#include "VideoProbe.h"
 #include "image/FusedProcess.h"
 #include "measure/CGVLElemMgr.h"
 

@@ -2,7 +2,7 @@
 // script runs it.
 
 #include "CliSupport.h"
-#include "VideoProbe.h"
+#include "TestFiles.h"
 #include "image/ProcessChain.h"
 #include "platform/PrivateProfile.h"
 
