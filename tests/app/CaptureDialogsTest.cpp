@@ -23,8 +23,9 @@ namespace {
 template <typename D> bool OnModal(std::function<void(D&)> body, bool* seen)
 {
     *seen = false;
+    // Only the pending timer holds the poll, so it is freed once the dialog is found.
     auto poll = std::make_shared<std::function<void()>>();
-    *poll = [body, seen, poll] {
+    *poll = [body, seen, weak = std::weak_ptr(poll)] {
         if (auto* d = qobject_cast<D*>(QApplication::activeModalWidget())) {
             *seen = true;
             body(*d);
@@ -32,9 +33,10 @@ template <typename D> bool OnModal(std::function<void(D&)> body, bool* seen)
                 d->reject();
             return;
         }
-        QTimer::singleShot(20, *poll);
+        if (auto self = weak.lock())
+            QTimer::singleShot(20, [self] { (*self)(); });
     };
-    QTimer::singleShot(0, *poll);
+    QTimer::singleShot(0, [poll] { (*poll)(); });
     return true;
 }
 
