@@ -130,7 +130,12 @@ TEST(JpegSummary, FailuresLeaveTheFileAsItWas)
     EXPECT_EQ(ReadAll(shortFile), "\xFF\xD8\xFF\xE0");
 
     // A file-size limit stands in for a full disk: the rewrite cannot grow
-    // past the old file's size.
+    // past the old file's size. Not under AddressSanitizer: GCC 12's leak
+    // checker then crashes at exit on this process's thread-local blocks;
+    // the plain build runs it.
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the file-size limit trips GCC 12's leak checker";
+#endif
     const QString path = WriteJpeg(dir);
     const QByteArray before = ReadAll(path);
     rlimit saved {};
