@@ -38,3 +38,9 @@ inline QMap<QString, QString> ProbeVideo(const QString& file)
                 found[line.section('=', 0, 0)] = line.section('=', 1);
     return found;
 }
+
+// Frames ffprobe decodes from the file; -1 when it does not play.
+inline int PlayableFrames(const QString& file)
+{
+    return ProbeVideo(file).value(QStringLiteral("nb_read_frames"), QStringLiteral("-1")).toInt();
+}

@@ -1,4 +1,5 @@
 #include "MeasureFrameFixture.h"
+#include "TestFiles.h"
 #include "app/CommandTable.h"
 #include "capture/CDialogTimers.h"
 #include "capture/CIntervalCapDlg.h"
@@ -38,19 +39,6 @@ template <typename D> bool OnModal(std::function<void(D&)> body, bool* seen)
     };
     QTimer::singleShot(0, [poll] { (*poll)(); });
     return true;
-}
-
-int PlayableFrames(const QString& file)
-{
-    QProcess ffprobe;
-    ffprobe.start(QStringLiteral("ffprobe"),
-        QStringLiteral("-v error -count_frames -select_streams v:0 -show_entries stream=nb_read_frames "
-                       "-of default=nw=1:nk=1")
-                .split(' ')
-            << file);
-    if (!ffprobe.waitForFinished(30000) || ffprobe.exitCode() != 0)
-        return -1;
-    return QString::fromUtf8(ffprobe.readAllStandardOutput()).trimmed().toInt();
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "capture/CRecordDlg.h"
 
 #include "CaptureTestSupport.h"
+#include "TestFiles.h"
 #include "FakeLiveDocument.h"
 #include "capture/CDialogTimers.h"
 
@@ -22,22 +23,6 @@
 namespace {
 
 const QString kCamera = QStringLiteral("Record Dialog Camera");
-
-// Frames ffprobe decodes from the file; -1 when it does not play.
-int PlayableFrames(const QString& file)
-{
-    QProcess ffprobe;
-    ffprobe.start(QStringLiteral("ffprobe"),
-        QStringLiteral("-v error -count_frames -select_streams v:0 -show_entries stream=nb_read_frames "
-                       "-of default=nw=1:nk=1")
-                .split(' ')
-            << file);
-    if (!ffprobe.waitForFinished(30000) || ffprobe.exitCode() != 0)
-        return -1;
-    bool ok = false;
-    const int frames = QString::fromUtf8(ffprobe.readAllStandardOutput()).trimmed().toInt(&ok);
-    return ok ? frames : -1;
-}
 
 // Which buttons are on: Browse, Start, Pause, Stop.
 std::string Buttons(const CRecordDlg& d)
