@@ -1,28 +1,17 @@
 #include "measure/CGraticuleDlg.h"
 
-#include <QPainter>
+#include "measure/GraticulePicture.h"
+
 
 #include <gtest/gtest.h>
 
 namespace {
 
-// Dark ticks every 8 pixels along y = 200, from x = 80 to 560.
-QImage ScalePicture()
-{
-    QImage image(640, 400, QImage::Format_RGB32);
-    image.fill(QColor(220, 220, 210));
-    QPainter p(&image);
-    for (int x = 80; x <= 560; x += 8)
-        p.fillRect(QRect(x - 1, 160, 3, 40), QColor(30, 30, 30));
-    p.fillRect(QRect(79, 200, 483, 3), QColor(30, 30, 30));
-    return image;
-}
-
 } // namespace
 
 TEST(GraticuleDialog, ShowsThePixelSizeWithItsUncertaintyAndOnlyAcceptsAFoundScale)
 {
-    CGraticuleDlg dialog(ScalePicture(), QRect(0, 0, 200, 100));
+    CGraticuleDlg dialog(GraticulePicture(QImage::Format_RGB32, true), QRect(0, 0, 200, 100));
     // 0.01 mm per 8 pixels.
     ASSERT_TRUE(dialog.CanAccept()) << dialog.ShownResult().toStdString();
     EXPECT_NEAR(dialog.Fit().perPixel, 1.25, 1e-3);

@@ -3,9 +3,9 @@
 #include "calibration/SvrFile.h"
 #include "measure/CGraticuleDlg.h"
 #include "measure/FakeMeasureDocument.h"
+#include "measure/GraticulePicture.h"
 #include "platform/MessageBox.h"
 
-#include <QPainter>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -14,22 +14,11 @@
 
 namespace {
 
-// Dark ticks every 8 pixels: 0.01 mm divisions make 1.25 um per pixel.
-QImage ScalePicture()
-{
-    QImage image(640, 400, QImage::Format_RGB888);
-    image.fill(QColor(220, 220, 210));
-    QPainter p(&image);
-    for (int x = 80; x <= 560; x += 8)
-        p.fillRect(QRect(x - 1, 160, 3, 40), QColor(30, 30, 30));
-    return image;
-}
-
 struct GraticuleCalibration : testing::Test
 {
     GraticuleCalibration()
     {
-        doc.picture.FromQImage(ScalePicture());
+        doc.picture.FromQImage(GraticulePicture(QImage::Format_RGB888, false));
         doc.hasPicture = true;
         doc.imageSize = QSize(640, 400);
         doc.Ruler()->SetArms(QPoint(100, 300), QPoint(300, 100));
