@@ -41,7 +41,7 @@ if [ "${1:-}" = --inside ]; then
   # its prompt.
   open_menu 3
   sleep 0.3
-  xdotool key Down Down Down
+  xdotool key Down Down
   sleep 0.5
   import -window root "$out/measure-menu.png"
   xdotool key Escape Escape
