@@ -387,7 +387,9 @@ TEST_F(Monkey, RandomActionsOverTheWholeProgram)
             route(pick(tools));
             gesture();
         } else if (kind < 78) {
-            const int index = std::uniform_int_distribution(0, frame->GetZoomBox()->count() - 1)(rng);
+            // Half of the time back to 100 %, where the live video can be drawn on.
+            const int index = chance(50) ? CMeasureDoc::kZoomActualSize
+                                         : std::uniform_int_distribution(0, frame->GetZoomBox()->count() - 1)(rng);
             Note(QStringLiteral("zoom %1").arg(index));
             frame->GetZoomBox()->setCurrentIndex(index);
             emit frame->GetZoomBox()->activated(index);
