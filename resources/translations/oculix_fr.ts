@@ -1189,6 +1189,22 @@ texte</translation>
         <source>Interval capture frames</source>
         <translation>Capturer des images à intervalles</translation>
     </message>
+    <message>
+        <source>&amp;Undo	Ctrl+Z</source>
+        <translation>&amp;Annuler	Ctrl+Z</translation>
+    </message>
+    <message>
+        <source>Undo the last action</source>
+        <translation>Annuler la dernière action</translation>
+    </message>
+    <message>
+        <source>&amp;Redo	Ctrl+Y</source>
+        <translation>&amp;Rétablir	Ctrl+Y</translation>
+    </message>
+    <message>
+        <source>Redo the previously undone action</source>
+        <translation>Rétablir l&apos;action annulée</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1288,6 +1304,10 @@ texte</translation>
     <message>
         <source>&amp;Help</source>
         <translation>&amp;Aide</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Édition</translation>
     </message>
 </context>
 <context>

@@ -6,6 +6,7 @@
 #include "measure/CGVLRuler.h"
 #include "measure/CGVLWnd.h"
 #include "measure/CGraticuleDlg.h"
+#include "measure/CShapeHistory.h"
 #include "measure/IMeasureDocument.h"
 #include "measure/WindowCalls.h"
 #include "platform/AppPaths.h"
@@ -45,9 +46,6 @@ CRulerSettingDlg::GraticuleDialogRunner& GraticuleHook()
     static CRulerSettingDlg::GraticuleDialogRunner runner;
     return runner;
 }
-
-// Micrometres in one of each unit of the unit list.
-constexpr double kMicrometresPer[] = { 1.0, 1000.0, 10000.0, 100000.0, 25400.0 };
 
 // A file's coordinates may be anything; the ruler stays where its arithmetic
 // cannot overflow.
@@ -108,6 +106,12 @@ CRulerSettingDlg::CRulerSettingDlg(IMeasureDocument& owner, QWidget* parent)
         m_cbMagnification->addItem(QString::fromLatin1(m));
     m_cbMagnification->setCurrentIndex(kInitialMagnification);
 
+    ReadRecord();
+    PlaceOnScreen();
+}
+
+void CRulerSettingDlg::ReadRecord()
+{
     // Safeguard: the real lengths and their unit start as the record has
     // them, so that OK before any typing keeps the calibration as it is.
     {
@@ -120,7 +124,6 @@ CRulerSettingDlg::CRulerSettingDlg(IMeasureDocument& owner, QWidget* parent)
     m_cbUnit->setCurrentIndex(m_data.m_nUnit);
     UpdateUnitLabels();
     Recompute();
-    PlaceOnScreen();
 }
 
 CRulerSettingDlg::~CRulerSettingDlg() = default;
@@ -390,6 +393,8 @@ void CRulerSettingDlg::Commit()
         mgr.m_unit = unit;
     }
     InvalidateWindow(mgr.m_hWnd);
+    if (CShapeHistory* history = m_owner.GetHistory())
+        history->Commit();
 }
 
 CRulerSettingDlg::GraticuleDialogRunner CRulerSettingDlg::SetGraticuleDialogRunner(GraticuleDialogRunner runner)
@@ -433,12 +438,8 @@ void CRulerSettingDlg::ApplyGraticule(const GraticuleFit& fit)
     if (!fit.found || !(fit.perPixel > 0))
         return;
     const double umPerOverlayPixel = fit.perPixel / OverlayScale();
-    int unit = MeasureTables::ClampUnit(m_cbUnit->currentIndex());
-    // The record keeps four decimals of the pixel size; below 0.1 that is
-    // fewer than four digits, so the calibration goes into micrometres.
-    if (umPerOverlayPixel / kMicrometresPer[unit] < 0.1)
-        unit = 0;
-    const double perPixel = umPerOverlayPixel / kMicrometresPer[unit];
+    const int unit = MeasureTables::CalibrationUnit(umPerOverlayPixel, m_cbUnit->currentIndex());
+    const double perPixel = umPerOverlayPixel / MeasureTables::MicrometresPer(unit);
     Recompute();
     if (m_data.m_nXLenth <= 0 || m_data.m_nYLenth <= 0) {
         // A folded ruler has no length to scale: lay it out afresh.
