@@ -619,6 +619,8 @@ TEST_F(Monkey, EveryCommandOfTheTableHasItsEffect)
                 ASSERT_TRUE(drawLine());
                 shows("QFileDialog")(id);
             } },
+        { ID_EDIT_UNDO, changes([&] { return int(ShapeTypes(*live).size()); }, -1) },
+        { ID_EDIT_REDO, changes([&] { return int(ShapeTypes(*live).size()); }, +1) },
         { ID_MEASURE_DELETE_ALL, makes([&] { return ShapeTypes(*live) == std::vector<int> { 9 }; }) },
         { ID_MEASURE_CALIBRATION, flips([&] { return live->GetCalibrationDialog()->isVisible(); }) },
         { ID_MEASURE_SETTING, shows("CMeasureColorDlg") },
