@@ -208,6 +208,12 @@ void CCamProcess::WaitOverlayUnused(const uchar* buffer) const
 void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptrdiff_t dstStep,
     unsigned width, unsigned height)
 {
+    ProcessFrame(PaddedRows(src, srcStep, width), dst, dstStep, width, height);
+}
+
+void CCamProcess::ProcessFrame(
+    const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, unsigned width, unsigned height)
+{
     // The frame lock is taken before the state is read, so that SetOverlay,
     // which waits for it after changing the state, cannot return while a
     // frame still works with the old pointer.
@@ -223,13 +229,11 @@ void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* 
         frame.unlock();
 
     if (!s.enable) {
-        const std::size_t stride = DibStride(width);
-        for (unsigned y = 0; y < height; ++y)
-            std::memcpy(dst + std::ptrdiff_t(y) * dstStep, src + std::ptrdiff_t(y) * srcStep, stride);
+        FusedProcess(rows, dst, dstStep, width, height, ProcessSwitches(), nullptr);
         return;
     }
     if (!overlay) {
-        FusedProcess(src, srcStep, dst, dstStep, width, height, s.switches, nullptr);
+        FusedProcess(rows, dst, dstStep, width, height, s.switches, nullptr);
         return;
     }
 
@@ -245,6 +249,6 @@ void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* 
             break;
         buffer = again;
     }
-    FusedProcess(src, srcStep, dst, dstStep, width, height, s.switches, buffer);
+    FusedProcess(rows, dst, dstStep, width, height, s.switches, buffer);
     m_overlayInUse.store(nullptr);
 }
