@@ -1188,6 +1188,14 @@ Background</source>
         <source>Interval capture frames</source>
         <translation>定时抓拍图片</translation>
     </message>
+    <message>
+        <source>Snap to &amp;Edges</source>
+        <translation>吸附到边缘(&amp;E)</translation>
+    </message>
+    <message>
+        <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
+        <translation>将直线的端点和圆周放到图像上最近的边缘</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>

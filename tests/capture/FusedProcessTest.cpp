@@ -1,6 +1,9 @@
 #include "image/FusedProcess.h"
 
+#include "capture/CCamProcess.h"
 #include "image/ImageProcess.h"
+
+#include <QImage>
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -149,6 +152,28 @@ TEST(FusedProcess, OverlayPixelsOtherThanTheKeyReplaceTheResult)
                 std::memcpy(&expected[y * stride + 3 * x], o, 3);
         }
     EXPECT_TRUE(Fused(picture, w, h, s, overlay.data()) == expected);
+
+    // The live element keeping the frame under the overlay (for snapping)
+    // gives the same frame, and keeps it processed without the overlay.
+    CCamProcess process;
+    process.SetOverlaySize(w, h);
+    uchar* published = overlay.data();
+    process.SetOverlay(1, &published);
+    process.SetGray(1);
+    process.SetEmboss(1);
+    process.KeepCleanFrames(true);
+    std::vector<uchar> out(picture.size(), 0xEE);
+    process.ProcessFrame(picture.data(), std::ptrdiff_t(stride), out.data(), std::ptrdiff_t(stride), w, h);
+    EXPECT_TRUE(out == expected);
+    const QImage clean = process.CleanFrame();
+    ASSERT_EQ(clean.size(), QSize(int(w), int(h)));
+    const std::vector<uchar> under = StillChain(picture, w, h, s);
+    int differing = 0;
+    for (unsigned y = 0; y < h; ++y)
+        differing += std::memcmp(clean.constScanLine(int(h - 1 - y)), &under[y * stride], 3 * w) != 0;
+    EXPECT_EQ(differing, 0) << "rows kept top-down, without the overlay";
+    process.KeepCleanFrames(false);
+    EXPECT_TRUE(process.CleanFrame().isNull());
 }
 
 TEST(FusedProcess, BadInputLeavesTheTargetAlone)
