@@ -119,11 +119,15 @@ void CGVLCircle::SnapRim()
     if (picture.isNull())
         return;
     const QPoint centre = m_arCoord[0];
-    const QPoint radius = m_arCoord[1] - centre;
-    const QPointF along(radius);
+    const QPointF along(m_arCoord[1] - centre);
     const std::optional<EdgePoint> rim = SnapToEdge(picture, m_arCoord[1], along);
-    const std::optional<EdgePoint> opposite = SnapToEdge(picture, centre - radius, along);
-    if (!rim || !opposite)
+    if (!rim)
+        return;
+    // Looked for as far beyond the centre as the rim found lies before it,
+    // so only the centre's own misplacement is left to search.
+    const QPointF mirrored = 2 * QPointF(centre) - rim->exact;
+    const std::optional<EdgePoint> opposite = SnapToEdge(picture, mirrored.toPoint(), along);
+    if (!opposite)
         return;
     const QPointF middle = (rim->exact + opposite->exact) / 2;
     SetSnapped({ { middle.toPoint(), middle, std::hypot(rim->sigma, opposite->sigma) / 2 }, *rim });

@@ -68,6 +68,12 @@ TEST_F(MeasureFrameTest, LiveVideoComesUpALineDrawnOnItIsExportedAndCaptureMakes
     EXPECT_TRUE(frame->QueryCommand(ID_MEASURE_LINE).IsChecked());
     Drag(ActiveView()->GetOverlayWnd(), QPoint(200, 300), QPoint(400, 300));
     ASSERT_EQ(ShapeTypes(*live), (std::vector<int> { 9, 2 }));
+    // With "Snap to Edges" on, the live document snaps to the frame as
+    // processed, before the shapes are laid over it; off, it keeps none.
+    frame->RouteCommand(ID_MEASURE_SNAP_EDGES);
+    EXPECT_TRUE(WaitFor([&] { return live->SnapPicture().size() == live->GetImageSize(); }, 2000));
+    frame->RouteCommand(ID_MEASURE_SNAP_EDGES);
+    EXPECT_TRUE(live->SnapPicture().isNull());
 
     // The worker keeps publishing overlays while the video runs, and says so
     // in the debug output.
