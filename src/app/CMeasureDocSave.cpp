@@ -12,6 +12,7 @@
 #include "image/JpegSummary.h"
 #include "image/PictureXmp.h"
 #include "measure/CGVLElemMgr.h"
+#include "measure/MeasurementXmp.h"
 #include "measure/ShapesJson.h"
 #include "platform/AppPaths.h"
 #include "platform/DebugLog.h"
@@ -26,19 +27,6 @@ namespace {
 // The crop of a rescaled save and the sizes of resolutions 2 and 3.
 constexpr QRect kResolutionCrop(0, 0, 1280, 960);
 constexpr QSize kResolutionSizes[] = { {}, {}, { 1600, 1200 }, { 2048, 1536 } };
-
-// Property names of our XMP namespace.
-const QString kXmpUnit = QStringLiteral("Unit");
-const QString kXmpXPerPixel = QStringLiteral("XPerPixel");
-const QString kXmpYPerPixel = QStringLiteral("YPerPixel");
-const QString kXmpXReal = QStringLiteral("XReal");
-const QString kXmpYReal = QStringLiteral("YReal");
-const QString kXmpShapes = QStringLiteral("Shapes");
-
-QString Number(double value)
-{
-    return QString::number(value, 'g', 17);
-}
 
 SaveOverlay ApplyVariant(SaveOverlay overlay, CMeasureDoc::SaveVariant variant)
 {
@@ -185,45 +173,22 @@ bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, con
 void CMeasureDoc::WriteMeasurementXmp(
     const QString& path, const SaveOverlay& overlay, double scaleX, double scaleY)
 {
-    PictureXmp::Properties properties;
-    {
-        const auto lock = m_pElemMgr->Lock();
-        const CalibrationRecord& unit = m_pElemMgr->m_unit;
-        properties.insert(kXmpUnit, QString::number(unit.m_rtUnit));
-        properties.insert(kXmpXPerPixel, Number(unit.m_dcxPerPixel * scaleX));
-        properties.insert(kXmpYPerPixel, Number(unit.m_dcyPerPixel * scaleY));
-        properties.insert(kXmpXReal, Number(unit.m_dcxReal));
-        properties.insert(kXmpYReal, Number(unit.m_dcyReal));
-    }
     // Shapes burnt in are pixels already; a rescaled picture no longer matches
     // their coordinates.
-    if (!overlay.measure && scaleX == 1.0 && scaleY == 1.0)
-        properties.insert(kXmpShapes, QString::fromUtf8(ShapesToJson(*m_pElemMgr)));
+    const bool withShapes = !overlay.measure && scaleX == 1.0 && scaleY == 1.0;
     QString error;
-    if (!PictureXmp::Write(path, properties, &error))
+    if (!MeasurementXmp::Write(path, *m_pElemMgr, withShapes, scaleX, scaleY, &error))
         qCWarning(lcApp) << "could not keep the measurements in" << path << ":" << error;
 }
 
 void CMeasureDoc::ReadMeasurementXmp(const QString& path)
 {
-    const PictureXmp::Properties properties = PictureXmp::Read(path);
-    bool ok[3] = {};
-    const int unitIndex = properties.value(kXmpUnit).toInt(&ok[0]);
-    const double x = properties.value(kXmpXPerPixel).toDouble(&ok[1]);
-    const double y = properties.value(kXmpYPerPixel).toDouble(&ok[2]);
-    if (ok[0] && ok[1] && ok[2] && unitIndex >= 0 && unitIndex <= 4 && x > 0 && y > 0) {
+    MeasurementXmp::Stored stored = MeasurementXmp::Read(path);
+    {
         const auto lock = m_pElemMgr->Lock();
-        CalibrationRecord& unit = m_pElemMgr->m_unit;
-        unit.m_rtUnit = unitIndex;
-        unit.m_dcxPerPixel = x;
-        unit.m_dcyPerPixel = y;
-        bool real = false;
-        if (const double v = properties.value(kXmpXReal).toDouble(&real); real && v > 0)
-            unit.m_dcxReal = v;
-        if (const double v = properties.value(kXmpYReal).toDouble(&real); real && v > 0)
-            unit.m_dcyReal = v;
+        stored.ApplyTo(m_pElemMgr->m_unit);
     }
-    m_storedShapes = properties.value(kXmpShapes).toUtf8();
+    m_storedShapes = std::move(stored.shapes);
     // Shapes follow the ruler, element 0: with the view made before the file
     // is read they come now, else the view asks for them.
     bool hasRuler = false;

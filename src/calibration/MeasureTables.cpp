@@ -35,6 +35,17 @@ const char* SpacedUnitText(int unit)
     return kSpacedUnitTexts[static_cast<std::size_t>(ClampUnit(unit))];
 }
 
+double MicrometresPer(int unit)
+{
+    return kMicrometresPerUnit[static_cast<std::size_t>(ClampUnit(unit))];
+}
+
+int CalibrationUnit(double umPerPixel, int preferred)
+{
+    const int unit = ClampUnit(preferred);
+    return umPerPixel / MicrometresPer(unit) < 0.1 ? 0 : unit;
+}
+
 const char* FormatForPrecision(const PrecisionFormats& formats, int precision)
 {
     if (precision < 1 || precision > 5)

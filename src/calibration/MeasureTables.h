@@ -41,12 +41,22 @@ inline constexpr std::array<const char*, kUnitCount> kPerPixelTexts = {
 inline constexpr std::array<const char*, kUnitCount> kSpacedUnitTexts
     = { " um", " mm", " cm", " dm", " inch" };
 
+// Micrometres in one of each unit.
+inline constexpr std::array<double, kUnitCount> kMicrometresPerUnit
+    = { 1.0, 1000.0, 10000.0, 100000.0, 25400.0 };
+
 // An index outside 0..4 is read as "mm", the default unit, so it never
 // reaches past the tables.
 int ClampUnit(int unit);
 const char* UnitText(int unit);
 const char* PerPixelText(int unit);
 const char* SpacedUnitText(int unit);
+double MicrometresPer(int unit);
+
+// The unit a calibration of umPerPixel micrometres per pixel is kept in: the
+// preferred one, or micrometres when the pixel is below 0.1 of it, since the
+// calibration keeps four decimals of the pixel size.
+int CalibrationUnit(double umPerPixel, int preferred);
 
 inline constexpr QColor kLabelGray = QColor(128, 128, 128);
 

@@ -20,6 +20,9 @@ const std::map<QString, Command>& Commands()
         { QStringLiteral("snapshot"), { &RunSnapshot, "Take one processed picture and save it." } },
         { QStringLiteral("record"), { &RunRecord, "Record the live video to an AVI file." } },
         { QStringLiteral("timelapse"), { &RunTimelapse, "Take pictures at fixed intervals." } },
+        { QStringLiteral("measure"),
+            { &RunMeasure, "Export the measurements kept in saved pictures as CSV." } },
+        { QStringLiteral("calibrate"), { &RunCalibrate, "Calibrate from a picture of a stage micrometer." } },
     };
     return commands;
 }

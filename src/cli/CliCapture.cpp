@@ -8,6 +8,7 @@
 #include "cli/CliParser.h"
 #include "cli/CliSave.h"
 #include "image/FCObjImage.h"
+#include "image/JpegSummary.h"
 #include "image/ProcessChain.h"
 #include "platform/AppPaths.h"
 #include "platform/QuickSaveName.h"
@@ -26,6 +27,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <limits>
 
 namespace {
@@ -34,18 +36,11 @@ const QStringList kPictureTypes { QStringLiteral("bmp"), QStringLiteral("jpg"), 
     QStringLiteral("png"), QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("gif"),
     QStringLiteral("tga"), QStringLiteral("pcx") };
 
+// The texts of the JPEG summary, in the order WriteJpegSummary takes them.
+constexpr const char* kSummaryOptions[] = { "title", "subject", "author", "comment" };
+
 // Paths longer than the capture graph keeps cannot be recorded to.
 constexpr int kMaxRecordPath = 255;
-
-QString OnePositional(const CliParser& parser, const QString& name)
-{
-    const QStringList positional = parser.Positional();
-    if (positional.size() != 1)
-        ThrowUsage(positional.isEmpty()
-                ? QStringLiteral("%1 is missing").arg(name)
-                : QStringLiteral("one %1 only, not %2").arg(name, positional.join(QLatin1Char(' '))));
-    return positional.front();
-}
 
 // The still picture as the program processes a picture: the chain of
 // operations over an unprocessed copy.
@@ -108,13 +103,27 @@ int RunSnapshot(const QStringList& arguments)
         QStringLiteral("Take one processed picture from the camera and save it; the type follows OUT's "
                        "extension (.bmp, .jpg, .png, .tif, .tga, .pcx, .gif)."));
     parser.AddCameraOptions(true);
+    for (const char* name : kSummaryOptions)
+        parser.AddOption({ QString::fromLatin1(name),
+            QStringLiteral("The %1 of the picture's summary (Exif), for .jpg only (elsewhere bad usage). "
+                           "Every .jpg gets the summary, as the program saves it.")
+                .arg(QString::fromLatin1(name)),
+            QStringLiteral("TEXT") });
     parser.AddPositional(QStringLiteral("OUT"), QStringLiteral("The picture file to write."));
     if (!parser.Parse(arguments))
         return kExitOk;
-    const QString out = OnePositional(parser, QStringLiteral("OUT"));
-    if (!kPictureTypes.contains(QFileInfo(out).suffix().toLower()))
+    const QString out = parser.OnePositional(QStringLiteral("OUT"));
+    const QString type = QFileInfo(out).suffix().toLower();
+    if (!kPictureTypes.contains(type))
         ThrowUsage(QStringLiteral("%1: the extension names no picture type (%2)")
                        .arg(out, kPictureTypes.join(QStringLiteral(", "))));
+    const bool jpeg = type == QLatin1String("jpg") || type == QLatin1String("jpeg");
+    QStringList texts;
+    for (const char* name : kSummaryOptions) {
+        if (!jpeg && parser.IsSet(QString::fromLatin1(name)))
+            ThrowUsage(QStringLiteral("--%1 applies to .jpg pictures only").arg(QString::fromLatin1(name)));
+        texts.append(parser.Value(QString::fromLatin1(name)));
+    }
     const ProcessSwitches switches = parser.Process();
     CheckOutputFolder(out);
 
@@ -122,7 +131,12 @@ int RunSnapshot(const QStringList& arguments)
     camera.Open(parser.Device(), parser.Format());
     camera.StartPreview();
     const FCObjImage picture = Processed(camera.GrabRaw(), switches);
-    SavePictureFile(picture, out);
+    std::function<bool(const QString&)> summary;
+    if (jpeg)
+        summary = [&texts](const QString& file) {
+            return WriteJpegSummary(file, texts[0], texts[1], texts[2], texts[3]);
+        };
+    SavePictureFile(picture, out, summary);
     PrintProgress(QStringLiteral("Saved %1 x %2 picture from \"%3\" to %4")
                       .arg(picture.Width())
                       .arg(picture.Height())
@@ -141,7 +155,7 @@ int RunRecord(const QStringList& arguments)
     parser.AddPositional(QStringLiteral("OUT.avi"), QStringLiteral("The AVI file to write."));
     if (!parser.Parse(arguments))
         return kExitOk;
-    const QString out = OnePositional(parser, QStringLiteral("OUT.avi"));
+    const QString out = parser.OnePositional(QStringLiteral("OUT.avi"));
     if (QFileInfo(out).suffix().compare(QLatin1String("avi"), Qt::CaseInsensitive) != 0)
         ThrowUsage(QStringLiteral("%1: a recording is an .avi file").arg(out));
     const double seconds = parser.Seconds(QStringLiteral("seconds"), 0.1, 0);

@@ -10,6 +10,8 @@ int RunDevices(const QStringList& arguments);
 int RunSnapshot(const QStringList& arguments);
 int RunRecord(const QStringList& arguments);
 int RunTimelapse(const QStringList& arguments);
+int RunMeasure(const QStringList& arguments);
+int RunCalibrate(const QStringList& arguments);
 
 // Dispatches to the command, prints failures as one line on stderr and
 // returns the exit code.

@@ -1,5 +1,7 @@
 #include "cli/CliOptions.h"
 
+#include "calibration/MeasureTables.h"
+
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -128,5 +130,31 @@ bool ParseSeconds(const QString& text, double minimum, double* seconds)
     if (!ok || !std::isfinite(v) || v < minimum || v > 1e7)
         return false;
     *seconds = v;
+    return true;
+}
+
+bool ParseDivision(const QString& text, Division* division, QString* error)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral(R"(^(\d+(?:\.\d*)?|\.\d+)(?:[eE][-+]?\d+)?\s*([A-Za-zµ]+)$)"));
+    const QRegularExpressionMatch m = pattern.match(text.trimmed());
+    QString unitText = m.captured(2).toLower();
+    if (unitText == QStringLiteral("µm"))
+        unitText = QStringLiteral("um");
+    int unit = -1;
+    for (int i = 0; i < MeasureTables::kUnitCount; ++i)
+        if (unitText == QLatin1String(MeasureTables::kUnitTexts[std::size_t(i)]))
+            unit = i;
+    const QString number = text.trimmed().left(text.trimmed().size() - m.captured(2).size()).trimmed();
+    bool ok = false;
+    const double value = number.toDouble(&ok);
+    if (!m.hasMatch() || unit < 0 || !ok || !std::isfinite(value) || value <= 0) {
+        *error = QStringLiteral(
+            "bad --division \"%1\": expected a length with its unit (um, mm, cm, dm, inch), e.g. 0.01mm")
+                     .arg(text);
+        return false;
+    }
+    division->micrometres = value * MeasureTables::MicrometresPer(unit);
+    division->unit = unit;
     return true;
 }

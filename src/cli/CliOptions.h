@@ -33,3 +33,13 @@ bool ParseProcessSpec(const QString& text, ProcessSwitches* switches, QString* e
 
 // A decimal number of seconds at least minimum (locale-independent).
 bool ParseSeconds(const QString& text, double minimum, double* seconds);
+
+// The length of one division of a stage micrometer: "0.01mm", "10 um".
+struct Division
+{
+    double micrometres = 0;
+    int unit = 1; // index into the unit table: um, mm, cm, dm, inch
+};
+// False with a one-line reason for a missing or unknown unit or a length that
+// is not a positive number.
+bool ParseDivision(const QString& text, Division* division, QString* error);

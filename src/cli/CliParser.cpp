@@ -66,6 +66,16 @@ QStringList CliParser::Positional() const
     return out;
 }
 
+QString CliParser::OnePositional(const QString& name) const
+{
+    const QStringList positional = Positional();
+    if (positional.size() != 1)
+        ThrowUsage(positional.isEmpty()
+                ? QStringLiteral("%1 is missing").arg(name)
+                : QStringLiteral("one %1 only, not %2").arg(name, positional.join(QLatin1Char(' '))));
+    return positional.front();
+}
+
 QString CliParser::HelpText() const
 {
     return m_parser.helpText();

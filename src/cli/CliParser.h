@@ -27,6 +27,8 @@ public:
     QString Value(const QString& name) const { return m_parser.value(name); }
     // The positional arguments after the command's name.
     QStringList Positional() const;
+    // The one positional argument; bad usage when there is none or more.
+    QString OnePositional(const QString& name) const;
     QString HelpText() const;
 
     // A number of seconds at least minimum, or the fallback when not given.

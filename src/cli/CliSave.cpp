@@ -2,6 +2,7 @@
 
 #include "cli/CliOutput.h"
 #include "image/FCObjImage.h"
+#include "platform/AtomicFileWrite.h"
 
 #include <QDir>
 #include <QFile>
@@ -100,4 +101,15 @@ void SavePictureFile(
     // rename(2) replaces an existing file in one step.
     if (std::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(path).constData()) != 0)
         fail(QString::fromLocal8Bit(std::strerror(errno)));
+}
+
+void SaveFileBytes(const QString& path, const QByteArray& bytes)
+{
+    CheckOutputFolder(path);
+    QString error;
+    errno = 0;
+    if (!ReplaceFileContents(path, bytes, &error)) {
+        const int written = errno;
+        ThrowFailure(QStringLiteral("cannot write %1: %2").arg(path, WriteErrorText(written, error)));
+    }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <functional>
@@ -16,6 +17,10 @@ void CheckOutputFolder(const QString& path);
 // Throws a one-line failure.
 void SavePictureFile(const FCObjImage& picture, const QString& path,
     const std::function<bool(const QString& file)>& finish = {});
+
+// Writes the bytes under path in one step (ReplaceFileContents); throws a
+// one-line failure, leaving no file behind and an older one as it was.
+void SaveFileBytes(const QString& path, const QByteArray& bytes);
 
 // A name beside path, in its folder and with its extension, not yet taken.
 QString TemporaryNameBeside(const QString& path);

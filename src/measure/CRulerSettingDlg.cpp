@@ -46,9 +46,6 @@ CRulerSettingDlg::GraticuleDialogRunner& GraticuleHook()
     return runner;
 }
 
-// Micrometres in one of each unit of the unit list.
-constexpr double kMicrometresPer[] = { 1.0, 1000.0, 10000.0, 100000.0, 25400.0 };
-
 // A file's coordinates may be anything; the ruler stays where its arithmetic
 // cannot overflow.
 constexpr int kCoordLimit = 1'000'000;
@@ -433,12 +430,8 @@ void CRulerSettingDlg::ApplyGraticule(const GraticuleFit& fit)
     if (!fit.found || !(fit.perPixel > 0))
         return;
     const double umPerOverlayPixel = fit.perPixel / OverlayScale();
-    int unit = MeasureTables::ClampUnit(m_cbUnit->currentIndex());
-    // The record keeps four decimals of the pixel size; below 0.1 that is
-    // fewer than four digits, so the calibration goes into micrometres.
-    if (umPerOverlayPixel / kMicrometresPer[unit] < 0.1)
-        unit = 0;
-    const double perPixel = umPerOverlayPixel / kMicrometresPer[unit];
+    const int unit = MeasureTables::CalibrationUnit(umPerOverlayPixel, m_cbUnit->currentIndex());
+    const double perPixel = umPerOverlayPixel / MeasureTables::MicrometresPer(unit);
     Recompute();
     if (m_data.m_nXLenth <= 0 || m_data.m_nYLenth <= 0) {
         // A folded ruler has no length to scale: lay it out afresh.

@@ -97,3 +97,40 @@ TEST(CliOptions, SecondsAreLocaleFreeAndBounded)
     for (const char* bad : { "2,5", "-1", "0.05", "nan", "inf", "", "1e9", "3s" })
         EXPECT_FALSE(ParseSeconds(bad, 0.1, &s)) << bad;
 }
+
+TEST(CliOptions, DivisionsTakeTheirUnit)
+{
+    struct Case
+    {
+        const char* text;
+        double micrometres; // 0: rejected
+        int unit;
+    };
+    const Case cases[] = {
+        { "0.01mm", 10, 1 },
+        { "10um", 10, 0 },
+        { "10 µm", 10, 0 },
+        { " .5 UM ", 0.5, 0 },
+        { "0.001cm", 10, 2 },
+        { "1e-4dm", 10, 3 },
+        { "0.001inch", 25.4, 4 },
+        { "0.01", 0, 0 },
+        { "mm", 0, 0 },
+        { "0.01 m", 0, 0 },
+        { "0,01mm", 0, 0 },
+        { "-0.01mm", 0, 0 },
+        { "0mm", 0, 0 },
+        { "0.01mm2", 0, 0 },
+    };
+    for (const Case& c : cases) {
+        Division d;
+        QString error;
+        const bool ok = ParseDivision(QString::fromUtf8(c.text), &d, &error);
+        EXPECT_EQ(ok, c.micrometres > 0) << c.text;
+        EXPECT_EQ(error.isEmpty(), ok) << c.text;
+        if (ok) {
+            EXPECT_NEAR(d.micrometres, c.micrometres, 1e-9) << c.text;
+            EXPECT_EQ(d.unit, c.unit) << c.text;
+        }
+    }
+}

@@ -3,9 +3,15 @@
 
 #include "CliSupport.h"
 #include "TestFiles.h"
+#include "calibration/SvrFile.h"
+#include "capture/CSimScene.h"
 #include "image/ProcessChain.h"
+#include "measure/CGVLElemMgr.h"
+#include "measure/MeasurementXmp.h"
+#include "measure/ShapesJson.h"
 #include "platform/PrivateProfile.h"
 
+#include <QBuffer>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QJsonArray>
@@ -49,7 +55,7 @@ TEST_F(CliUsage, HelpForTheToolAndEachCommand)
 {
     const CliRun main = Run({ "--help" });
     EXPECT_EQ(main.code, 0);
-    for (const char* command : { "devices", "snapshot", "record", "timelapse" }) {
+    for (const char* command : { "devices", "snapshot", "record", "timelapse", "measure", "calibrate" }) {
         EXPECT_TRUE(main.out.contains(QString::fromLatin1(command))) << command;
         for (const QStringList& args :
             { QStringList { command, "--help" }, QStringList { "help", command } }) {
@@ -88,6 +94,11 @@ TEST_F(CliUsage, BadUsageIsExitTwoWithOneLine)
         { { "timelapse", "--interval", "1", "--count", "0" },
             "--count takes a whole number from 1 to 15000" },
         { { "devices", "extra" }, "devices takes no arguments" },
+        { { "snapshot", "--title", "t", out }, "--title applies to .jpg pictures only" },
+        { { "measure", "--semicolon" }, "PICTURE is missing" },
+        { { "calibrate", out }, "calibrate needs --division" },
+        { { "calibrate", "--division", "0.01", out }, "bad --division \"0.01\"" },
+        { { "calibrate", "--division", "10um", out, out }, "one PICTURE only" },
     };
     for (const Case& c : cases) {
         const CliRun run = Run(c.args);
@@ -185,6 +196,29 @@ TEST_F(CliSnapshot, PixelsAgreeWithTheProgramsProcessing)
         EXPECT_GT(MeanDifference(processed, unprocessed), 3 * agree + 10) << c.process;
     }
     EXPECT_EQ(Files(), QStringList({ "p.png", "raw.bmp" }));
+}
+
+TEST_F(CliSnapshot, JpegSummaryReadsBack)
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("exiftool")).isEmpty())
+        GTEST_SKIP() << "exiftool is not installed";
+    const QString title = QStringLiteral("Probe 7 – Zellen, 40×");
+    const CliRun run = Run(QStringList { "snapshot", "-q", "--title", title, "--subject", "slide", "--author",
+                               "QA", "--comment", "line one" }
+        + kSmall + QStringList { Path("s.jpg") });
+    ASSERT_EQ(run.code, 0) << run.err.toStdString();
+    QProcess exif;
+    exif.start(QStringLiteral("exiftool"),
+        { "-j", "-XPTitle", "-XPSubject", "-XPAuthor", "-XPComment", Path("s.jpg") });
+    ASSERT_TRUE(exif.waitForFinished(30000));
+    const QJsonObject tags = QJsonDocument::fromJson(exif.readAllStandardOutput()).array()[0].toObject();
+    EXPECT_EQ(tags["XPTitle"].toString().trimmed(), title);
+    EXPECT_EQ(tags["XPSubject"].toString().trimmed(), "slide");
+    EXPECT_EQ(tags["XPAuthor"].toString().trimmed(), "QA");
+    EXPECT_EQ(tags["XPComment"].toString().trimmed(), "line one");
+    FCObjImage picture;
+    EXPECT_TRUE(picture.Load(Path("s.jpg")));
+    EXPECT_EQ(Files(), QStringList({ "s.jpg" }));
 }
 
 TEST_F(CliSnapshot, MissingCameraUnwritableFolderAndFullDisk)
@@ -329,6 +363,158 @@ TEST_F(CliTimelapse, WaitCountsDownAndAFullDiskStopsTheRun)
         true, 64 * 1024);
     EXPECT_ONE_ERROR(full, 1, "cannot write " + Path("f1.bmp").toUtf8());
     EXPECT_EQ(Files(), QStringList({ "w0.jpg" })) << "nothing half-written";
+}
+
+// Pictures saved as the program saves them: the file, then the measurements
+// kept in it by the same code the document's save runs.
+class CliPictures : public CliFixture
+{
+protected:
+    struct Saved
+    {
+        QByteArray comma;
+        QByteArray semicolon;
+    };
+
+    Saved SaveMeasured(const QString& name, const QByteArray& shapes, const CalibrationRecord& unit)
+    {
+        CGVLElemMgr mgr;
+        mgr.m_unit = unit;
+        mgr.m_nPrecision = kPrecision;
+        mgr.CreateShape(9);
+        EXPECT_GT(ShapesFromJson(mgr, shapes), 0);
+        SavePlain(name);
+        QString error;
+        EXPECT_TRUE(MeasurementXmp::Write(Path(name), mgr, true, 1.0, 1.0, &error)) << error.toStdString();
+        Saved saved;
+        for (QByteArray* csv : { &saved.comma, &saved.semicolon }) {
+            QBuffer buffer(csv);
+            buffer.open(QIODevice::WriteOnly);
+            csv == &saved.comma ? mgr.WriteCsv(buffer) : mgr.WriteCsvSemicolon(buffer);
+        }
+        return saved;
+    }
+
+    void SavePlain(const QString& name, const QImage& image = QImage())
+    {
+        FCObjImage picture;
+        QImage plain(320, 240, QImage::Format_RGB888);
+        plain.fill(QColor(200, 200, 190));
+        ASSERT_TRUE(picture.FromQImage(image.isNull() ? plain : image));
+        ASSERT_TRUE(picture.Save(Path(name))) << name.toStdString();
+    }
+
+    static QByteArray Read(const QString& path)
+    {
+        QFile f(path);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<unreadable>");
+    }
+
+    // The precision the program's settings hold, not the default one.
+    static constexpr int kPrecision = 3;
+};
+using CliMeasure = CliPictures;
+using CliCalibrate = CliPictures;
+
+TEST_F(CliMeasure, ReproducesTheProgramsExportPerPicture)
+{
+    QDir().mkpath(home.filePath("data"));
+    WritePrivateProfileString("Measure", "Precision", "3", home.filePath("data/Setting.ini"));
+    const Saved a = SaveMeasured("a.jpg",
+        R"([{"points":[[220,30],[20,30]],"type":2},{"points":[[50,50],[150,50],[50,150]],"type":3},)"
+        R"({"points":[[200,100],[240,100]],"type":6},{"points":[[10,10]],"type":1}])",
+        { 0, 1.25, 1.3, 250, 260 });
+    const Saved b = SaveMeasured("b.png",
+        R"([{"points":[[30,30],[130,30],[30,90],[130,90]],"type":4},)"
+        R"({"points":[[50,100],[150,100],[150,200],[70,180]],"type":5},)"
+        R"({"points":[[100,10],[200,110],[100,210]],"type":7}])",
+        { 1, 0.002, 0.002, 0.4, 0.4 });
+    ASSERT_TRUE(a.comma.startsWith("No.,Type,Result,Unit\n1,Line distance,250.000, um\n"))
+        << a.comma.toStdString();
+    SavePlain("plain.png");
+    SavePlain("plain.bmp");
+
+    const CliRun one = Run({ "measure", Path("a.jpg") }, false);
+    ASSERT_EQ(one.code, 0) << one.err.toStdString();
+    EXPECT_EQ(one.out.toUtf8().toStdString(), a.comma.toStdString());
+    EXPECT_TRUE(one.err.isEmpty()) << one.err.toStdString();
+
+    const CliRun toFile = Run({ "measure", "--semicolon", Path("b.png"), "--csv", Path("b.csv") }, false);
+    ASSERT_EQ(toFile.code, 0) << toFile.err.toStdString();
+    EXPECT_TRUE(toFile.out.isEmpty());
+    EXPECT_EQ(Read(Path("b.csv")).toStdString(), b.semicolon.toStdString());
+
+    const CliRun several = Run(
+        { "measure", Path("a.jpg"), Path("plain.bmp"), Path("b.png"), "--csv", Path("all.csv") }, false);
+    ASSERT_EQ(several.code, 0) << several.err.toStdString();
+    EXPECT_EQ(Read(Path("all.csv")).toStdString(),
+        ("File," + Path("a.jpg").toUtf8() + "\n" + a.comma + "\nFile," + Path("b.png").toUtf8() + "\n"
+            + b.comma + "\n")
+            .toStdString());
+    EXPECT_TRUE(several.err.contains(Path("plain.bmp") + ": no measurements stored in this picture\n"))
+        << several.err.toStdString();
+
+    EXPECT_ONE_ERROR(
+        Run({ "measure", Path("plain.png") }, false), 1, Path("plain.png") + ": no measurements stored");
+    const CliRun none
+        = Run({ "measure", Path("plain.png"), Path("plain.bmp"), "--csv", Path("n.csv") }, false);
+    EXPECT_EQ(none.code, 1);
+    EXPECT_TRUE(none.err.endsWith("oculix-cli: none of the pictures holds measurements\n"))
+        << none.err.toStdString();
+    EXPECT_ONE_ERROR(
+        Run({ "measure", Path("a.jpg"), Path("gone.jpg") }, false), 1, "cannot read " + Path("gone.jpg"));
+    // A full disk leaves no half table.
+    EXPECT_ONE_ERROR(Run({ "measure", Path("a.jpg"), "--csv", Path("full.csv") }, false, 20), 1,
+        "cannot write " + Path("full.csv") + ": no more room for the file");
+    EXPECT_EQ(Files(), QStringList({ "a.jpg", "all.csv", "b.csv", "b.png", "plain.bmp", "plain.png" }));
+}
+
+TEST_F(CliCalibrate, FindsTheSimulatedCamerasPitchWithinItsUncertainty)
+{
+    // Frame 0 of the camera's 1280 x 1024 mode, with its noise, drift and
+    // vignetting, straight and with the slide turned.
+    const double truth = CSimScene::MicrometresPerPixel(1280);
+    struct Case
+    {
+        const char* division;
+        double rotation;
+    };
+    for (const Case& c : { Case { "0.01mm", 0.0 }, Case { "0.001cm", 25.0 } }) {
+        CSimScene scene(1280, 1024);
+        CSimScene::Controls controls;
+        controls.rotation = c.rotation;
+        scene.SetControls(controls);
+        SavePlain("slide.png", scene.RenderRgb(0));
+        const CliRun json = Run({ "calibrate", "--division", c.division, "--json", Path("slide.png"),
+                                    "--save", Path("slide.svr") },
+            false);
+        ASSERT_EQ(json.code, 0) << c.division << json.err.toStdString();
+        const QJsonObject result = QJsonDocument::fromJson(json.out.toUtf8()).object();
+        EXPECT_EQ(result["unit"].toString(), "um") << json.out.toStdString();
+        const double u = result["x_uncertainty"].toDouble();
+        EXPECT_GT(u, 0);
+        EXPECT_LT(u, 0.01);
+        EXPECT_NEAR(result["x_per_pixel"].toDouble(), truth, u) << c.rotation;
+        EXPECT_EQ(result["y_per_pixel"].toDouble(), result["x_per_pixel"].toDouble());
+        EXPECT_EQ(result["y_uncertainty"].toDouble(), u);
+        SvrData saved;
+        ASSERT_EQ(SvrFile::Read(Path("slide.svr"), saved), SvrFile::Status::Ok);
+        EXPECT_EQ(saved.m_strXPerPixel, "1.2500");
+        EXPECT_EQ(saved.m_nUnit, 0);
+    }
+    const CliRun text = Run({ "calibrate", "--division", "10um", Path("slide.png") }, false);
+    ASSERT_EQ(text.code, 0) << text.err.toStdString();
+    EXPECT_TRUE(text.out.startsWith("1 px = 1.2500")) << text.out.toStdString();
+    EXPECT_TRUE(text.out.contains(" µm ± 0.0")) << text.out.toStdString();
+
+    // No micrometer: a failure, and no calibration file.
+    SavePlain("blank.png");
+    EXPECT_ONE_ERROR(
+        Run({ "calibrate", "--division", "0.01mm", Path("blank.png"), "--save", Path("b.svr") }, false), 1,
+        Path("blank.png") + ": no micrometer found: ");
+    EXPECT_ONE_ERROR(Run({ "calibrate", "--division", "0.01mm", Path("gone.png") }, false), 1,
+        "cannot read " + Path("gone.png"));
+    EXPECT_EQ(Files(), QStringList({ "blank.png", "slide.png", "slide.svr" }));
 }
 
 } // namespace

@@ -97,9 +97,11 @@ inline bool IsOneErrorLine(const QString& err)
         && err.endsWith(QLatin1Char('\n'));
 }
 
+// Evaluates run once: it is often the run itself.
 #define EXPECT_ONE_ERROR(run, code_, fragment)                                                               \
     do {                                                                                                     \
-        EXPECT_EQ((run).code, (code_)) << (run).err.toStdString();                                           \
-        EXPECT_TRUE(IsOneErrorLine((run).err)) << (run).err.toStdString();                                   \
-        EXPECT_TRUE((run).err.contains(QString(fragment))) << (run).err.toStdString();                       \
+        const CliRun oneError_ = (run);                                                                      \
+        EXPECT_EQ(oneError_.code, (code_)) << oneError_.err.toStdString();                                   \
+        EXPECT_TRUE(IsOneErrorLine(oneError_.err)) << oneError_.err.toStdString();                           \
+        EXPECT_TRUE(oneError_.err.contains(QString(fragment))) << oneError_.err.toStdString();               \
     } while (0)
