@@ -23,11 +23,25 @@ if [ "${1:-}" = --inside ]; then
   sleep 2
   import -window root "$out/main-window.png"
 
+  # A menu by its place in the bar: File is clicked open (without a window
+  # manager nothing has the focus), then Right walks along the bar.
+  open_menu() {
+    xdotool mousemove 15 8 click 1
+    sleep 0.4
+    for _ in $(seq "$1"); do xdotool key Right; sleep 0.1; done
+  }
+  # The Edit menu, as a document without edits shows it.
+  open_menu 1
+  sleep 0.3
+  import -window root "$out/edit-menu.png"
+  xdotool key Escape Escape
+  sleep 0.3
+
   # The Measure menu open, the highlight on "&Angle" so the status bar shows
-  # its prompt. Without a window manager nothing has the focus: click.
-  xdotool mousemove 110 8 click 1
-  sleep 0.5
-  xdotool key Down Down Down
+  # its prompt.
+  open_menu 3
+  sleep 0.3
+  xdotool key Down Down
   sleep 0.5
   import -window root "$out/measure-menu.png"
   xdotool key Escape Escape
@@ -35,7 +49,7 @@ if [ "${1:-}" = --inside ]; then
 
   # Shapes on the live video: "&Line" and "&Circle" from the Measure menu
   # (by their mnemonics), each dragged over the picture.
-  measure() { xdotool mousemove 110 8 click 1; sleep 0.4; xdotool key "$1"; sleep 0.3; }
+  measure() { open_menu 3; xdotool key "$1"; sleep 0.3; }
   drag() {
     xdotool mousemove "$1" "$2" mousedown 1
     sleep 0.1
@@ -53,6 +67,16 @@ if [ "${1:-}" = --inside ]; then
   drag 1000 500 1100 500
   sleep 1
   import -window root "$out/live-shapes.png"
+  # The circle undone with Ctrl+Z: the Edit menu offers both directions.
+  xdotool key ctrl+z
+  sleep 0.5
+  open_menu 1
+  sleep 0.3
+  import -window root "$out/edit-menu-after-undo.png"
+  xdotool key Escape Escape
+  sleep 0.3
+  xdotool key ctrl+y
+  sleep 0.3
 
   # The calibration dialog with its ruler, then the measure settings.
   measure n
@@ -81,8 +105,10 @@ if [ "${1:-}" = --inside-picture ]; then
     sleep 0.1
   done
   sleep 2
-  xdotool mousemove 110 8 click 1
+  xdotool mousemove 15 8 click 1
   sleep 0.4
+  xdotool key Right Right Right
+  sleep 0.3
   xdotool key c
   sleep 0.3
   xdotool mousemove 700 450 mousedown 1 mousemove 760 450 mousemove 820 450 mouseup 1

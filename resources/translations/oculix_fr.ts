@@ -1190,6 +1190,22 @@ texte</translation>
         <translation>Capturer des images à intervalles</translation>
     </message>
     <message>
+        <source>&amp;Undo	Ctrl+Z</source>
+        <translation>&amp;Annuler	Ctrl+Z</translation>
+    </message>
+    <message>
+        <source>Undo the last action</source>
+        <translation>Annuler la dernière action</translation>
+    </message>
+    <message>
+        <source>&amp;Redo	Ctrl+Y</source>
+        <translation>&amp;Rétablir	Ctrl+Y</translation>
+    </message>
+    <message>
+        <source>Redo the previously undone action</source>
+        <translation>Rétablir l&apos;action annulée</translation>
+    </message>
+    <message>
         <source>Snap to &amp;Edges</source>
         <translation>Accrocher aux &amp;bords</translation>
     </message>
@@ -1296,6 +1312,10 @@ texte</translation>
     <message>
         <source>&amp;Help</source>
         <translation>&amp;Aide</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Édition</translation>
     </message>
 </context>
 <context>

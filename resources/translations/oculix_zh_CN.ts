@@ -1189,6 +1189,22 @@ Background</source>
         <translation>定时抓拍图片</translation>
     </message>
     <message>
+        <source>&amp;Undo	Ctrl+Z</source>
+        <translation>撤销(&amp;U)	Ctrl+Z</translation>
+    </message>
+    <message>
+        <source>Undo the last action</source>
+        <translation>撤销上一步操作</translation>
+    </message>
+    <message>
+        <source>&amp;Redo	Ctrl+Y</source>
+        <translation>重做(&amp;R)	Ctrl+Y</translation>
+    </message>
+    <message>
+        <source>Redo the previously undone action</source>
+        <translation>重做刚撤销的操作</translation>
+    </message>
+    <message>
         <source>Snap to &amp;Edges</source>
         <translation>吸附到边缘(&amp;E)</translation>
     </message>
@@ -1295,6 +1311,10 @@ Background</source>
     <message>
         <source>&amp;Help</source>
         <translation>帮助(&amp;H)</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>编辑(&amp;E)</translation>
     </message>
 </context>
 <context>

@@ -7,6 +7,7 @@
 #include "capture/GrabPicture.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CRulerSettingDlg.h"
+#include "measure/CShapeHistory.h"
 #include "measure/WindowCalls.h"
 #include "platform/AppPaths.h"
 #include "platform/DebugLog.h"
@@ -22,6 +23,8 @@ CMeasureDoc::CMeasureDoc(bool openingFile, const QString& settingsFile)
     , m_bOpeningFile(openingFile)
 {
     ReadSettings();
+    // Undo goes back as far as the calibration the settings gave.
+    m_pHistory = std::make_unique<CShapeHistory>(*m_pElemMgr);
     if (!s_pLiveDocument && !m_bOpeningFile) {
         m_graph.SetDeviceName(m_strDevice);
         if (m_graph.InitGraph() == S_OK) {
@@ -32,6 +35,7 @@ CMeasureDoc::CMeasureDoc(bool openingFile, const QString& settingsFile)
     }
     MapCommands();
     MapSaveCommands();
+    MapHistoryCommands();
 }
 
 CMeasureDoc::~CMeasureDoc()

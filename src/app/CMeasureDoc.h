@@ -24,6 +24,7 @@
 class CCmdUI;
 class CGVLElemMgr;
 class CRulerSettingDlg;
+class CShapeHistory;
 class QWidget;
 
 // One measuring document: the live document, which shows the camera, or a
@@ -63,6 +64,7 @@ public:
     int GetZoomIndex() const override { return m_nZoom; }
     QSize GetImageSize() const override { return QSize(m_nImageWidth, m_nImageHeight); }
     CRulerSettingDlg* GetCalibrationDialog() override { return m_pCalibrationDlg.get(); }
+    CShapeHistory* GetHistory() override { return m_pHistory.get(); }
     void OnVideoDoubleClick() override;
     // The live frame while the video runs, else the picture.
     QImage GetMeasuringPicture() override;
@@ -186,6 +188,10 @@ private:
     void UpdateTool(CCmdUI& ui, int tool) const;
     void UpdateCameraCommand(CCmdUI& ui, bool needsRunning) const;
     void DeleteAll();
+    // "&Undo" and "&Redo": the shapes and calibration of a step, repainted,
+    // and the calibration dialog shows them.
+    void MapHistoryCommands();
+    void StepHistory(bool back);
     void ReapplyPicture();
     // The record (32902), interval capture (32903) and "&Rgb" (32914) dialogs.
     void MapCaptureDialogs();
@@ -214,6 +220,8 @@ private:
     void StopLive();
 
     std::unique_ptr<CGVLElemMgr> m_pElemMgr;
+    // Its steps copy the manager's shapes; it goes before the manager.
+    std::unique_ptr<CShapeHistory> m_pHistory;
     CXCapGraph m_graph;
     QString m_settingsFile;
     QPointer<QWidget> m_videoOwner;

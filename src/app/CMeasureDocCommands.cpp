@@ -7,6 +7,7 @@
 #include "measure/CGVLElemMgr.h"
 #include "measure/CMeasureColorDlg.h"
 #include "measure/CRulerSettingDlg.h"
+#include "measure/CShapeHistory.h"
 #include "platform/MessageBox.h"
 
 #include <QCoreApplication>
@@ -196,6 +197,24 @@ void CMeasureDoc::DeleteAll()
     m_nCurTool = CGVLShape::kToolDeleteAll;
     m_pElemMgr->DeleteAll();
     m_nCurTool = 0;
+    m_pHistory->Commit();
+    RepaintOverlayWindow();
+}
+
+void CMeasureDoc::MapHistoryCommands()
+{
+    MapCommand(ID_EDIT_UNDO, [this] { StepHistory(true); });
+    MapUpdate(ID_EDIT_UNDO, [this](CCmdUI& ui) { ui.Enable(m_pHistory->CanUndo()); });
+    MapCommand(ID_EDIT_REDO, [this] { StepHistory(false); });
+    MapUpdate(ID_EDIT_REDO, [this](CCmdUI& ui) { ui.Enable(m_pHistory->CanRedo()); });
+}
+
+void CMeasureDoc::StepHistory(bool back)
+{
+    if (!(back ? m_pHistory->Undo() : m_pHistory->Redo()))
+        return;
+    if (m_pCalibrationDlg)
+        m_pCalibrationDlg->ReadRecord();
     RepaintOverlayWindow();
 }
 

@@ -12,6 +12,7 @@
 #include "image/JpegSummary.h"
 #include "image/PictureXmp.h"
 #include "measure/CGVLElemMgr.h"
+#include "measure/CShapeHistory.h"
 #include "measure/MeasurementXmp.h"
 #include "measure/ShapesJson.h"
 #include "platform/AppPaths.h"
@@ -203,5 +204,8 @@ void CMeasureDoc::ReadMeasurementXmp(const QString& path)
 int CMeasureDoc::RestoreStoredShapes()
 {
     const QByteArray json = std::exchange(m_storedShapes, {});
-    return json.isEmpty() ? 0 : ShapesFromJson(*m_pElemMgr, json);
+    const int made = json.isEmpty() ? 0 : ShapesFromJson(*m_pElemMgr, json);
+    // The document as opened, ruler and all, is where undo stops.
+    m_pHistory->Reset();
+    return made;
 }

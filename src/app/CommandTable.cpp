@@ -25,6 +25,8 @@ const CommandInfo kCommands[] = {
     { ID_SAVE_OPTION, CMD("Save &Option"), CMD("Setting save options"), nullptr, false },
     { ID_SAVE_RESOLUTION, "", CMD("Set resolution"), ":/icons/resolution.svg", false },
     { ID_APP_EXIT, CMD("E&xit"), "", nullptr, false },
+    { ID_EDIT_UNDO, CMD("&Undo\tCtrl+Z"), CMD("Undo the last action"), nullptr, false },
+    { ID_EDIT_REDO, CMD("&Redo\tCtrl+Y"), CMD("Redo the previously undone action"), nullptr, false },
     { ID_VIEW_STATUS_BAR, CMD("&Status Bar"), CMD("Show or hide the status bar"), nullptr, true },
     { ID_VIEW_TOOLBAR, CMD("&Tool Bar"), CMD("Show or hide the toolbar"), nullptr, true },
     { ID_VIEW_PROCESSBAR, CMD("&Process Bar"), CMD("Show or hide Process Bar"), nullptr, true },
@@ -103,6 +105,7 @@ constexpr int S = ID_SEPARATOR;
 constexpr std::array kFileMenu { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_CLOSE, ID_FILE_SAVE, ID_FILE_SAVE_AS, S,
     ID_SAVE_OPTION, ID_FILE_OPEN_PICTURE_FOLDER, S, ID_FILE_MRU_FILE1, ID_FILE_MRU_FILE1 + 1, ID_FILE_MRU_FILE1 + 2,
     ID_FILE_MRU_FILE1 + 3, S, ID_APP_EXIT };
+constexpr std::array kEditMenu { ID_EDIT_UNDO, ID_EDIT_REDO };
 constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR, ID_VIEW_PRINTHELPBAR,
     ID_VIEW_STATUS_BAR,
     S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE, ID_VIEW_DASHED_CROSSLINE };
@@ -123,6 +126,7 @@ constexpr std::array kHelpMenu { ID_HELP_MANUAL, S, ID_APP_ABOUT };
 
 const MenuInfo kMenus[] = {
     { MENU("&File"), kFileMenu, false },
+    { MENU("&Edit"), kEditMenu, false },
     { MENU("&View"), kViewMenu, false },
     { MENU("&Measure"), kMeasureMenu, false },
     { MENU("&Process"), kProcessMenu, false },

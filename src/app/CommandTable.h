@@ -32,6 +32,10 @@ constexpr int ID_HELP_CONTENT = 32883; // a button without an action
 constexpr int ID_VIEW_PRINTHELPBAR = 32990;
 constexpr int ID_HELP_MANUAL = 32939;
 
+// Undo and redo of the active document's shapes and calibration.
+constexpr int ID_EDIT_UNDO = 57643;
+constexpr int ID_EDIT_REDO = 57644;
+
 // Each sets the interface language and restarts the program.
 constexpr int ID_LANGUAGE_ENGLISH = 32929;
 constexpr int ID_LANGUAGE_FRENCH = 32930;

@@ -25,41 +25,63 @@
 
 #include <algorithm>
 #include <cstring>
+#include <typeinfo>
 
 namespace {
 
-// The element classes by type id. A new element class joins here.
-std::unique_ptr<CGVLShape> NewShape(
-    int type, CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+// The element classes by type id: make.template operator()<Class>() for the
+// type's class, or a null pointer for an unknown type. A new element class
+// joins here.
+template <typename Make> std::unique_ptr<CGVLShape> ForType(int type, Make&& make)
 {
     switch (type) {
     case 1:
-        return std::make_unique<CGVLPoint>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLPoint>();
     case 2:
-        return std::make_unique<CGVLLine>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLLine>();
     case 3:
-        return std::make_unique<CGVLAngle>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLAngle>();
     case 4:
-        return std::make_unique<CGVLRect>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLRect>();
     case 5:
-        return std::make_unique<CGVLPolygon>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLPolygon>();
     case 6:
-        return std::make_unique<CGVLCircle>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLCircle>();
     case 7:
-        return std::make_unique<CGVLCircleT>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLCircleT>();
     case 9:
-        return std::make_unique<CGVLRuler>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLRuler>();
     case 10:
-        return std::make_unique<CGVLScale>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLScale>();
     case 11:
-        return std::make_unique<CGVLNo>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLNo>();
     case 12:
-        return std::make_unique<CGVLAnoArrow>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLAnoArrow>();
     case 14:
-        return std::make_unique<CGVLAnoText>(unit, color, wnd, mgr);
+        return make.template operator()<CGVLAnoText>();
     default:
         return nullptr;
     }
+}
+
+std::unique_ptr<CGVLShape> NewShape(
+    int type, CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+{
+    return ForType(type, [&]<typename Kind>() -> std::unique_ptr<CGVLShape> {
+        return std::make_unique<Kind>(unit, color, wnd, mgr);
+    });
+}
+
+// A copy as the class the type id names; a subclass under a borrowed id is
+// not copied.
+std::unique_ptr<CGVLShape> CopyShape(const CGVLShape& shape)
+{
+    return ForType(shape.GetType(), [&]<typename Kind>() -> std::unique_ptr<CGVLShape> {
+        const auto* kind = dynamic_cast<const Kind*>(&shape);
+        if (!kind || typeid(*kind) != typeid(Kind))
+            return nullptr;
+        return std::make_unique<Kind>(*kind);
+    });
 }
 
 } // namespace
@@ -367,6 +389,41 @@ void CGVLElemMgr::SetOrigin(const QPoint& point)
         shape->SetRefPoint(point);
         shape->UpdateElem();
     }
+}
+
+std::vector<std::unique_ptr<CGVLShape>> CGVLElemMgr::CopyShapes() const
+{
+    const std::lock_guard lock(m_mutex);
+    std::vector<std::unique_ptr<CGVLShape>> copies;
+    copies.reserve(m_arShape.size());
+    for (const auto& shape : m_arShape) {
+        if (auto copy = CopyShape(*shape))
+            copies.push_back(std::move(copy));
+    }
+    return copies;
+}
+
+void CGVLElemMgr::ReplaceShapes(const std::vector<std::unique_ptr<CGVLShape>>& shapes)
+{
+    const Call call(*this);
+    m_arAsking.clear();
+    for (auto& shape : m_arShape)
+        m_arLeft.push_back(std::move(shape));
+    m_arShape.clear();
+    for (const auto& shape : shapes) {
+        if (auto copy = CopyShape(*shape)) {
+            // The window and its scroll origin may have changed since the
+            // state was kept.
+            copy->m_hWnd = m_hWnd;
+            copy->SetRefPoint(m_ptOrigin);
+            m_arShape.push_back(std::move(copy));
+        }
+    }
+    for (CGVLShape* shape : Snapshot()) {
+        if (!HasLeft(shape))
+            shape->UpdateElem();
+    }
+    InvalidateWindow(m_hWnd);
 }
 
 void CGVLElemMgr::DrawAll(QPainter& dc, int width, int height)

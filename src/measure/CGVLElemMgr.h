@@ -68,6 +68,15 @@ public:
     void DeleteAll();
     void SetOrigin(const QPoint& point);
 
+    // Copies of every element as it stands, ruler included, for the undo
+    // history; the copies are drawn by no one until they come back.
+    std::vector<std::unique_ptr<CGVLShape>> CopyShapes() const;
+    // Puts copies of `shapes` (a CopyShapes list) in place of every element,
+    // in this manager's current window and origin, with their labels brought
+    // up to date. Hold Lock() around it together with
+    // any fields restored with it, so a drawing worker sees all or nothing.
+    void ReplaceShapes(const std::vector<std::unique_ptr<CGVLShape>>& shapes);
+
     void DrawAll(QPainter& dc, int width, int height);
     // The live overlay: a bottom-up 24-bit buffer, rows padded to 4 bytes
     // (DibStride(width) bytes each), filled with 1 before drawing, so 1,1,1 marks pixels no element covers.

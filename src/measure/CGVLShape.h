@@ -51,7 +51,6 @@ public:
     static constexpr int kToolText = 205;
 
     CGVLShape(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
-    CGVLShape(const CGVLShape&) = delete;
     CGVLShape& operator=(const CGVLShape&) = delete;
 
     // The operations every element offers, in this order.
@@ -135,6 +134,11 @@ protected:
     bool SnapPoints(const std::vector<QPointF>& directions);
     // Takes points found by snapping (one per point) as the shape's own.
     void SetSnapped(const std::vector<EdgePoint>& points);
+
+    // Copied only as the concrete kind (CGVLElemMgr::CopyShapes, for the undo
+    // history); a copy keeps the id and the manager.
+    CGVLShape(const CGVLShape&) = default;
+
     // The usual press of a shape created by `ownTool`: delete with tool 200,
     // first point with the own tool, select and start a drag with tool 9.
     int StandardLButtonDown(const QPoint& point, int tool, int ownTool);

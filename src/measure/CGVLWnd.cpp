@@ -3,6 +3,7 @@
 #include "image/FCObjImage.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CRulerSettingDlg.h"
+#include "measure/CShapeHistory.h"
 #include "measure/GdiPainter.h"
 #include "measure/IMeasureDocument.h"
 #include "measure/WindowCalls.h"
@@ -147,10 +148,16 @@ void CGVLWnd::mousePressEvent(QMouseEvent* event)
     const unsigned flags = MouseFlags(event->buttons(), event->modifiers());
     const QPoint point = event->position().toPoint();
     CGVLElemMgr& mgr = m_document.GetElemMgr();
-    if (event->button() == Qt::LeftButton)
-        mgr.OnLButtonDown(flags, point, m_document.GetCurrentTool());
-    else if (event->button() == Qt::RightButton)
-        mgr.OnRButtonDown(flags, point, m_document.GetCurrentTool());
+    const int tool = m_document.GetCurrentTool();
+    if (event->button() == Qt::LeftButton) {
+        mgr.OnLButtonDown(flags, point, tool);
+        // The text's dialog ran inside the press; its release may never come here.
+        if (tool == CGVLShape::kToolText)
+            CommitEdit();
+    } else if (event->button() == Qt::RightButton) {
+        mgr.OnRButtonDown(flags, point, tool);
+        CommitEdit();
+    }
     // The mouse belongs to this window; the view behind it does not see it.
     event->accept();
 }
@@ -160,6 +167,7 @@ void CGVLWnd::mouseReleaseEvent(QMouseEvent* event)
     if (event->button() == Qt::LeftButton) {
         m_document.GetElemMgr().OnLButtonUp(MouseFlags(event->buttons(), event->modifiers()),
             event->position().toPoint(), m_document.GetCurrentTool());
+        CommitEdit();
     }
     event->accept();
 }
@@ -179,6 +187,12 @@ void CGVLWnd::mouseDoubleClickEvent(QMouseEvent* event)
     if (event->button() == Qt::LeftButton && m_document.IsLive())
         m_document.OnVideoDoubleClick();
     event->accept();
+}
+
+void CGVLWnd::CommitEdit()
+{
+    if (CShapeHistory* history = m_document.GetHistory())
+        history->Commit();
 }
 
 bool CGVLWnd::event(QEvent* event)

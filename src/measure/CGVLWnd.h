@@ -53,6 +53,8 @@ protected:
 private:
     // The tool's cursor while the document is not live, else the default.
     void UpdateCursor();
+    // A press or release that may have finished an edit: one undo step.
+    void CommitEdit();
 
     IMeasureDocument& m_document;
     QCursor m_hDrawCursor;

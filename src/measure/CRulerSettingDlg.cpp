@@ -6,6 +6,7 @@
 #include "measure/CGVLRuler.h"
 #include "measure/CGVLWnd.h"
 #include "measure/CGraticuleDlg.h"
+#include "measure/CShapeHistory.h"
 #include "measure/IMeasureDocument.h"
 #include "measure/WindowCalls.h"
 #include "platform/AppPaths.h"
@@ -105,6 +106,12 @@ CRulerSettingDlg::CRulerSettingDlg(IMeasureDocument& owner, QWidget* parent)
         m_cbMagnification->addItem(QString::fromLatin1(m));
     m_cbMagnification->setCurrentIndex(kInitialMagnification);
 
+    ReadRecord();
+    PlaceOnScreen();
+}
+
+void CRulerSettingDlg::ReadRecord()
+{
     // Safeguard: the real lengths and their unit start as the record has
     // them, so that OK before any typing keeps the calibration as it is.
     {
@@ -117,7 +124,6 @@ CRulerSettingDlg::CRulerSettingDlg(IMeasureDocument& owner, QWidget* parent)
     m_cbUnit->setCurrentIndex(m_data.m_nUnit);
     UpdateUnitLabels();
     Recompute();
-    PlaceOnScreen();
 }
 
 CRulerSettingDlg::~CRulerSettingDlg() = default;
@@ -387,6 +393,8 @@ void CRulerSettingDlg::Commit()
         mgr.m_unit = unit;
     }
     InvalidateWindow(mgr.m_hWnd);
+    if (CShapeHistory* history = m_owner.GetHistory())
+        history->Commit();
 }
 
 CRulerSettingDlg::GraticuleDialogRunner CRulerSettingDlg::SetGraticuleDialogRunner(GraticuleDialogRunner runner)

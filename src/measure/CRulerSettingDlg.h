@@ -45,8 +45,11 @@ public:
 
     // Reads the ruler, derives the pixel extents and per-pixel texts, shows them.
     void Recompute();
-    // Recompute, then the dialog's values become the calibration record and
-    // the overlay repaints.
+    // The real lengths and unit from the calibration record, then Recompute:
+    // after the record changed under the dialog (undo).
+    void ReadRecord();
+    // Recompute, then the dialog's values become the calibration record, the
+    // overlay repaints and the document's history takes the step.
     void Commit();
 
     // The buttons, after their file dialogs.

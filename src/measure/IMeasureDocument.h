@@ -7,6 +7,7 @@
 
 class CGVLElemMgr;
 class CRulerSettingDlg;
+class CShapeHistory;
 
 // What the overlay window and the calibration dialog need from the document
 // they belong to. The measuring document implements it; tests stand in for it.
@@ -32,6 +33,9 @@ public:
     virtual QSize GetImageSize() const = 0;
     // The document's calibration dialog, or null before it exists.
     virtual CRulerSettingDlg* GetCalibrationDialog() = 0;
+    // The document's undo history, committed to after each finished edit;
+    // null for a document without one.
+    virtual CShapeHistory* GetHistory() { return nullptr; }
     // A double click on the live video; the capture graph decides what it does.
     virtual void OnVideoDoubleClick() { }
     // The picture to measure on as the user sees it: the still picture, or

@@ -64,7 +64,12 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
     for (QAction* action : frame->menuBar()->actions())
         titles << action->text();
     EXPECT_EQ(titles,
-        (QStringList { "&File", "&View", "&Measure", "&Process", "V&ideo", "&Window", "&Language", "&Help" }));
+        (QStringList {
+            "&File", "&Edit", "&View", "&Measure", "&Process", "V&ideo", "&Window", "&Language", "&Help" }));
+    EXPECT_EQ(Texts(Menu("&Edit")), (QStringList { "&Undo", "&Redo" }));
+    EXPECT_EQ(frame->FindAction(ID_EDIT_UNDO)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Z));
+    EXPECT_EQ(frame->FindAction(ID_EDIT_REDO)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Y));
+    EXPECT_FALSE(frame->QueryCommand(ID_EDIT_UNDO).IsEnabled()) << "no document, nothing to undo";
     // The recent-file entries stay hidden until there are recent files.
     EXPECT_EQ(Texts(Menu("&File")),
         (QStringList { "&New Preview", "&Open...", "&Close", "&Save", "Save &As...", "-", "Save &Option",

@@ -298,8 +298,22 @@ TEST_F(MeasureFrameTest, EmptyDocumentMeasuresAndImmediateCalibrationOkChangesNo
     EXPECT_EQ(doc->GetPicture(), nullptr);
     EXPECT_TRUE(frame->QueryCommand(ID_MEASURE_LINE).IsEnabled());
     ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
+    const auto enabled = [this](int id) { return frame->QueryCommand(id).IsEnabled(); };
+    EXPECT_FALSE(enabled(ID_EDIT_UNDO) || enabled(ID_EDIT_REDO));
     Drag(ActiveView()->GetOverlayWnd(), QPoint(100, 100), QPoint(200, 100));
     EXPECT_EQ(ShapeTypes(*doc), (std::vector<int> { 9, 2 }));
+    // The drawn line, "Delete all", and both undone and redone by command.
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_DELETE_ALL));
+    EXPECT_EQ(ShapeTypes(*doc), std::vector<int> { 9 });
+    EXPECT_TRUE(enabled(ID_EDIT_UNDO) && !enabled(ID_EDIT_REDO));
+    ASSERT_TRUE(frame->RouteCommand(ID_EDIT_UNDO));
+    EXPECT_EQ(ShapeTypes(*doc), (std::vector<int> { 9, 2 }));
+    ASSERT_TRUE(frame->RouteCommand(ID_EDIT_UNDO));
+    EXPECT_EQ(ShapeTypes(*doc), std::vector<int> { 9 });
+    EXPECT_TRUE(!enabled(ID_EDIT_UNDO) && enabled(ID_EDIT_REDO));
+    ASSERT_TRUE(frame->RouteCommand(ID_EDIT_REDO));
+    EXPECT_EQ(ShapeTypes(*doc), (std::vector<int> { 9, 2 }));
+    EXPECT_TRUE(enabled(ID_EDIT_UNDO) && enabled(ID_EDIT_REDO));
     doc->SetZoomIndex(2);
     EXPECT_FALSE(frame->QueryCommand(ID_MEASURE_LINE).IsEnabled());
     doc->SetZoomIndex(4);
@@ -320,6 +334,7 @@ TEST_F(MeasureFrameTest, EmptyDocumentMeasuresAndImmediateCalibrationOkChangesNo
     QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("ok")), Qt::LeftButton);
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_TRUE(isMillimetreCalibration());
+    EXPECT_TRUE(enabled(ID_EDIT_REDO)) << "an OK that changed nothing is no step";
 }
 
 // A picture that cannot be read is reported, not opened. "&Open..." previews

@@ -26,6 +26,19 @@ TEST_F(MeasureFrameTest, ClosingTheLiveDocumentEndsTheWorkerAndWritesItsSettings
     const unsigned drawn = live->OverlaysDrawn();
     ASSERT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= drawn + 3; }, 3000));
 
+    // Undo and redo swap the whole list while the worker draws it.
+    int steps = 0;
+    const unsigned before = live->OverlaysDrawn();
+    ASSERT_TRUE(WaitFor(
+        [&] {
+            frame->RouteCommand(++steps % 16 < 8 ? ID_EDIT_UNDO : ID_EDIT_REDO);
+            return steps >= 32 && live->OverlaysDrawn() >= before + 3;
+        },
+        5000));
+    while (frame->QueryCommand(ID_EDIT_REDO).IsEnabled())
+        frame->RouteCommand(ID_EDIT_REDO);
+    EXPECT_EQ(ShapeTypes(*live), (std::vector<int> { 9, 2 })) << "redone to the last line";
+
     frame->RouteCommand(ID_PROCESS_FLIP);
     frame->GetZoomBox()->setCurrentIndex(7);
     frame->RouteCommand(ID_ZOOM);

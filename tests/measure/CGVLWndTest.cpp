@@ -94,6 +94,70 @@ TEST_F(WndFixture, MouseReachesTheManagerWithTheDocumentsToolAndDoubleClicksTheV
     EXPECT_EQ(doc.mgr.m_arShape.size(), before + 2);
 }
 
+// Each finished gesture is one undo step, a press or click that changed
+// nothing is none, and the text's dialog (run inside the press) and a
+// polygon's closing right click count too.
+TEST_F(WndFixture, FinishedGesturesAreUndoStepsAndClicksThatChangeNothingAreNot)
+{
+    const auto gesture = [&](int tool, std::vector<QPoint> points) {
+        doc.tool = tool;
+        Press(points.front());
+        for (std::size_t i = 1; i < points.size(); ++i)
+            Move(points[i]);
+        Release(points.back());
+    };
+    const auto types = [&] {
+        std::vector<int> t;
+        for (const auto& shape : doc.mgr.m_arShape)
+            t.push_back(shape->GetType());
+        return t;
+    };
+    doc.mgr.m_fnTextInput = [](QWidget*, QStringList& lines) {
+        lines = QStringList { "note" };
+        return true;
+    };
+    gesture(2, { { 100, 100 }, { 104, 101 }, { 200, 100 } });
+    gesture(9, { { 300, 300 } }); // the move tool on empty ground
+    gesture(2, { { 50, 50 } }); // a line of one point is discarded
+    gesture(9, { { 150, 100 }, { 150, 120 } });
+    const std::vector<QPoint> moved { { 200, 120 }, { 104, 121 } };
+    EXPECT_EQ(doc.mgr.m_arShape[1]->m_arCoord, moved);
+    gesture(CGVLShape::kToolText, { { 400, 50 } });
+    for (QPoint p : { QPoint(10, 300), QPoint(90, 300), QPoint(50, 380) })
+        gesture(5, { p });
+    Press({ 50, 380 }, Qt::RightButton);
+    gesture(200, { { 150, 120 } });
+    EXPECT_EQ(types(), (std::vector<int> { 9, 14, 5 }));
+
+    // The deletion, the closing, three vertices, the text, the move, the line.
+    const std::vector<std::vector<int>> back { { 9, 2, 14, 5 }, { 9, 2, 14, 5 }, { 9, 2, 14, 5 },
+        { 9, 2, 14, 5 }, { 9, 2, 14 }, { 9, 2 }, { 9, 2 }, { 9 } };
+    for (const auto& expected : back) {
+        ASSERT_TRUE(doc.history.Undo());
+        EXPECT_EQ(types(), expected);
+    }
+    EXPECT_FALSE(doc.history.CanUndo());
+    ASSERT_TRUE(doc.history.Redo());
+    EXPECT_EQ(doc.mgr.m_arShape[1]->m_arCoord, (std::vector<QPoint> { { 200, 100 }, { 104, 101 } }));
+    ASSERT_TRUE(doc.history.Redo());
+    EXPECT_EQ(doc.mgr.m_arShape[1]->m_arCoord, moved) << "the drag, undone and redone as one step";
+    EXPECT_EQ(doc.mgr.m_arShape[1]->m_hWnd, Wnd());
+    // A new edit drops what could have been redone.
+    gesture(1, { { 500, 400 } });
+    EXPECT_FALSE(doc.history.CanRedo());
+    EXPECT_EQ(types(), (std::vector<int> { 9, 2, 1 }));
+
+    // Only the newest steps are kept.
+    CShapeHistory brief(doc.mgr, 2);
+    for (int x : { 100, 200, 300 }) {
+        gesture(1, { { x, 450 } });
+        brief.Commit();
+    }
+    EXPECT_TRUE(brief.Undo() && brief.Undo());
+    EXPECT_FALSE(brief.Undo());
+    EXPECT_EQ(types(), (std::vector<int> { 9, 2, 1, 1 }));
+}
+
 TEST_F(WndFixture, CursorFollowsTheToolWhileNotLive)
 {
     // Each move goes somewhere new: a move to where the mouse already is

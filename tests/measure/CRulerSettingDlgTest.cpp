@@ -178,6 +178,16 @@ TEST_F(DialogFixture, OkCancelAndEscapeAllCommitAndClose)
     EXPECT_TRUE(closeWith("4", [&] { Click("cancel"); })) << "Cancel keeps the new calibration";
     EXPECT_TRUE(closeWith("6", [&] { Click("ok"); }));
     EXPECT_TRUE(closeWith("8", [&] { QTest::keyClick(&Dlg(), Qt::Key_Escape); }));
+
+    // Each applied calibration is an undo step; the dialog shows what undo
+    // brought back, so closing it again does not reapply the undone one.
+    ASSERT_TRUE(doc.history.Undo());
+    Dlg().ReadRecord();
+    EXPECT_EQ(doc.mgr.m_unit.m_dcxReal, 6.0);
+    EXPECT_EQ(Text("xReal"), "6");
+    Click("ok");
+    EXPECT_EQ(doc.mgr.m_unit.m_dcxPerPixel, 6.0 / 200);
+    EXPECT_TRUE(doc.history.CanRedo()) << "closing changed nothing";
 }
 
 // "Save To" writes the ruler moved to the corner under a name without
@@ -278,6 +288,7 @@ TEST_F(DialogFixture, FollowsARulerDragOnTheOverlayWindow)
 {
     view.view.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&view.view));
+    const CalibrationRecord before = doc.mgr.m_unit;
     doc.tool = 9;
     QTest::mousePress(view.wnd, Qt::LeftButton, {}, { 100, 50 });
     QTest::mouseMove(view.wnd, { 200, 50 });
@@ -291,6 +302,14 @@ TEST_F(DialogFixture, FollowsARulerDragOnTheOverlayWindow)
     QTest::mouseMove(view.wnd, { 160, 90 });
     QTest::mouseRelease(view.wnd, Qt::LeftButton, {}, { 160, 90 });
     EXPECT_EQ(Extents(), "150 400 250 / 80 130 50") << "a whole-ruler move too";
+
+    // Undoing the arm's drag takes the ruler and the scale back together.
+    ASSERT_TRUE(doc.history.Undo());
+    ASSERT_TRUE(doc.history.Undo());
+    Dlg().ReadRecord();
+    EXPECT_EQ(Extents(), "50 100 50 / 50 100 50");
+    EXPECT_EQ(doc.mgr.m_unit, before);
+    EXPECT_FALSE(doc.history.CanUndo());
 }
 
 TEST(CRulerSettingDlg, CalibrationCommandTogglesDialogAndRulerTogether)

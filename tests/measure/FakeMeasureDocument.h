@@ -5,6 +5,7 @@
 #include "measure/CGVLRuler.h"
 #include "measure/CGVLWnd.h"
 #include "measure/CRulerSettingDlg.h"
+#include "measure/CShapeHistory.h"
 #include "measure/IMeasureDocument.h"
 
 #include <QColor>
@@ -25,6 +26,7 @@ public:
     QSize GetImageSize() const override { return imageSize; }
     CRulerSettingDlg* GetCalibrationDialog() override { return dialog.get(); }
     void OnVideoDoubleClick() override { ++videoDoubleClicks; }
+    CShapeHistory* GetHistory() override { return &history; }
 
     // A 24-bit picture of one colour.
     void SetPicture(int width, int height, const QColor& color)
@@ -40,6 +42,7 @@ public:
     CGVLRuler* Ruler() { return dynamic_cast<CGVLRuler*>(mgr.m_arShape.at(0).get()); }
 
     CGVLElemMgr mgr;
+    CShapeHistory history { mgr };
     int tool = 0;
     bool live = false;
     int displayMode = 2;
@@ -63,6 +66,8 @@ struct FakeView
         wnd->setGeometry(QRect(QPoint(0, 0), size));
         doc.mgr.m_hWnd = wnd;
         doc.mgr.CreateShape(9);
+        // As the document does once its view stands: undo stops at the ruler.
+        doc.history.Reset();
     }
     QWidget view;
     CGVLWnd* wnd;

@@ -3,12 +3,15 @@
 #include "measure/CGVLAngle.h"
 #include "measure/CGVLCircle.h"
 #include "measure/CGVLCircleT.h"
+#include "measure/CShapeHistory.h"
+#include "measure/ShapesJson.h"
 
 #include <QWidget>
 
 #include <clocale>
 #include <cmath>
 #include <random>
+#include <utility>
 
 using namespace MeasureTest;
 
@@ -71,7 +74,9 @@ void ExpectExportMatches(CGVLElemMgr& mgr, const std::string& where)
 // Thousands of seeded gestures over every tool, with settings changing in
 // between: nothing crashes (the sanitizer builds run this too), the ruler
 // stays element 0, the counting number follows the markers, and every
-// exported row carries the value its element reports.
+// exported row carries the value its element reports. In the first seeds each
+// gesture is kept as an undo step; undo then walks back through every kept
+// state to the empty start, and redo forward again to the same export.
 TEST(RandomInput, GesturesOverEveryToolKeepTheRulerAndExportWhatTheShapesReport)
 {
     std::setlocale(LC_NUMERIC, "C");
@@ -89,6 +94,16 @@ TEST(RandomInput, GesturesOverEveryToolKeepTheRulerAndExportWhatTheShapesReport)
                 lines.append(QString(pick(20), QChar('a' + pick(26))));
             return pick(3) != 0;
         };
+        const bool undoing = seed <= 10;
+        CShapeHistory history(mgr, 1000);
+        // What a user sees of a state, at one precision whatever the settings say.
+        const auto look = [&mgr] {
+            const int precision = std::exchange(mgr.m_nPrecision, 3);
+            QByteArray seen = ExportCsv(mgr) + ShapesToJson(mgr) + QByteArray::number(mgr.m_nCount);
+            mgr.m_nPrecision = precision;
+            return seen;
+        };
+        std::vector<QByteArray> kept { look() };
         QPoint at(160, 120);
         // Mostly near the last position, so that elements get hit; sometimes anywhere.
         auto next = [&] {
@@ -118,6 +133,8 @@ TEST(RandomInput, GesturesOverEveryToolKeepTheRulerAndExportWhatTheShapesReport)
                 if (tool == 201)
                     mgr.DeleteAll();
             }
+            if (undoing && history.Commit())
+                kept.push_back(look());
             ASSERT_EQ(mgr.m_arShape.at(0)->GetType(), 9) << where;
             ASSERT_EQ(mgr.m_nCount, std::count_if(mgr.m_arShape.begin(), mgr.m_arShape.end(), [](auto& s) {
                 return s->GetType() == 11;
@@ -127,5 +144,22 @@ TEST(RandomInput, GesturesOverEveryToolKeepTheRulerAndExportWhatTheShapesReport)
                 DrawBits(mgr, 160, 120);
             }
         }
+        if (!undoing)
+            continue;
+        const std::string where = "seed " + std::to_string(seed);
+        ASSERT_GT(kept.size(), 100u) << where;
+        for (std::size_t i = kept.size() - 1; i-- > 0;) {
+            ASSERT_TRUE(history.Undo()) << where;
+            ASSERT_EQ(look(), kept[i]) << where << " undo to " << i;
+        }
+        EXPECT_FALSE(history.Undo()) << where;
+        EXPECT_TRUE(ExportCsv(mgr).isEmpty()) << where;
+        EXPECT_EQ(mgr.m_arShape.size(), 1u) << where;
+        for (std::size_t i = 1; i < kept.size(); ++i) {
+            ASSERT_TRUE(history.Redo()) << where;
+            ASSERT_EQ(look(), kept[i]) << where << " redo to " << i;
+        }
+        EXPECT_FALSE(history.CanRedo()) << where;
+        DrawBits(mgr, 160, 120);
     }
 }

@@ -1,5 +1,6 @@
 #include "MeasureTestSupport.h"
 #include "measure/CGVLAnoText.h"
+#include "measure/CShapeHistory.h"
 
 #include <QImage>
 #include <QPainter>
@@ -56,26 +57,30 @@ struct ThreadFixture : ::testing::Test
 } // namespace
 
 // Every tool's elements placed, dragged, exported and deleted, settings
-// changed and the screen painted while the worker draws: under
-// ThreadSanitizer nothing is read while it changes.
+// changed, edits undone and redone, and the screen painted while the worker
+// draws: under ThreadSanitizer nothing is read while it changes.
 TEST_F(ThreadFixture, ElementsAreEditedExportedAndPaintedWhileTheWorkerDraws)
 {
+    CShapeHistory history(mgr);
     OverlayWorker worker(mgr);
     QImage screen(320, 240, QImage::Format_RGB32);
     for (int round = 0; round < 20; ++round) {
         const int drawn = worker.passes.load();
         const QPoint o(round * 5 % 100, round * 3 % 100);
         Drag(mgr, 2, o + QPoint(10, 20), { o + QPoint(11, 21), o + QPoint(120, 140) });
+        history.Commit();
         Drag(mgr, 203, o + QPoint(200, 10), { o + QPoint(201, 11), o + QPoint(260, 90) });
         Click(mgr, 202, o + QPoint(30, 200));
         Click(mgr, 1, o + QPoint(150, 100));
         Clicks(mgr, 3, { o + QPoint(80, 40), o + QPoint(40, 40), o + QPoint(40, 10) });
         Clicks(mgr, 7, { o + QPoint(100, 100), o + QPoint(140, 100), o + QPoint(100, 140) });
+        history.Commit();
         Drag(mgr, 6, o + QPoint(200, 60), { o + QPoint(201, 60), o + QPoint(230, 80) });
         Drag(mgr, 4, o + QPoint(20, 150), { o + QPoint(21, 151), o + QPoint(90, 200) });
         Clicks(mgr, 5, { o + QPoint(150, 150), o + QPoint(250, 150), o + QPoint(250, 220) });
         mgr.OnMouseMove(0, o + QPoint(160, 230), 5);
         RightClick(mgr, 5, o);
+        history.Commit();
         Drag(mgr, 9, o + QPoint(90, 200), { o + QPoint(100, 210) });
         Drag(mgr, 2, { 5, 5 }, { { 6, 6 }, { 7, 7 } }); // too short: leaves at once
         EXPECT_FALSE(ExportCsv(mgr).isEmpty());
@@ -91,8 +96,10 @@ TEST_F(ThreadFixture, ElementsAreEditedExportedAndPaintedWhileTheWorkerDraws)
             mgr.m_unit.m_dcxPerPixel = 0.1 + round * 0.01;
             mgr.m_bCrossDashed = round & 1;
         }
+        history.Commit();
         QPainter dc(&screen);
         mgr.DrawAll(dc, screen.width(), screen.height());
+        EXPECT_TRUE(history.Undo() && history.Undo() && history.Undo() && history.Redo());
         if (round % 5 == 4)
             mgr.DeleteAll();
         // The lock need not be fair either way: let the worker draw between
