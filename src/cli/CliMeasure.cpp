@@ -167,7 +167,7 @@ int RunCalibrate(const QStringList& arguments)
                     path, QFileInfo(path).isFile() ? picture.ErrorString() : QStringLiteral("no such file")));
     const GraticuleFit fit = DetectGraticule(picture.ToQImage(), division.micrometres);
     if (!fit.found)
-        ThrowFailure(QStringLiteral("%1: no micrometer found: %2").arg(path, fit.reason.simplified()));
+        ThrowFailure(QStringLiteral("%1: %2").arg(path, fit.reason.simplified()));
 
     const int unit = MeasureTables::CalibrationUnit(fit.perPixel, division.unit);
     const double perPixel = fit.perPixel / MeasureTables::MicrometresPer(unit);

@@ -136,10 +136,11 @@ bool ParseSeconds(const QString& text, double minimum, double* seconds)
 bool ParseDivision(const QString& text, Division* division, QString* error)
 {
     static const QRegularExpression pattern(
-        QStringLiteral(R"(^(\d+(?:\.\d*)?|\.\d+)(?:[eE][-+]?\d+)?\s*([A-Za-zµ]+)$)"));
+        QStringLiteral(R"(^(\d+(?:\.\d*)?|\.\d+)(?:[eE][-+]?\d+)?\s*([A-Za-zµμ]+)$)"));
     const QRegularExpressionMatch m = pattern.match(text.trimmed());
     QString unitText = m.captured(2).toLower();
-    if (unitText == QStringLiteral("µm"))
+    // The micro sign, or the Greek letter mu that looks the same.
+    if (unitText == QStringLiteral("µm") || unitText == QStringLiteral("μm"))
         unitText = QStringLiteral("um");
     int unit = -1;
     for (int i = 0; i < MeasureTables::kUnitCount; ++i)

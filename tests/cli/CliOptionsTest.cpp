@@ -110,6 +110,7 @@ TEST(CliOptions, DivisionsTakeTheirUnit)
         { "0.01mm", 10, 1 },
         { "10um", 10, 0 },
         { "10 µm", 10, 0 },
+        { "10μm", 10, 0 },
         { " .5 UM ", 0.5, 0 },
         { "0.001cm", 10, 2 },
         { "1e-4dm", 10, 3 },

@@ -511,7 +511,7 @@ TEST_F(CliCalibrate, FindsTheSimulatedCamerasPitchWithinItsUncertainty)
     SavePlain("blank.png");
     EXPECT_ONE_ERROR(
         Run({ "calibrate", "--division", "0.01mm", Path("blank.png"), "--save", Path("b.svr") }, false), 1,
-        Path("blank.png") + ": no micrometer found: ");
+        Path("blank.png") + ": No micrometer scale found: ");
     EXPECT_ONE_ERROR(Run({ "calibrate", "--division", "0.01mm", Path("gone.png") }, false), 1,
         "cannot read " + Path("gone.png"));
     EXPECT_EQ(Files(), QStringList({ "blank.png", "slide.png", "slide.svr" }));
