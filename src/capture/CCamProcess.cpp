@@ -239,6 +239,12 @@ void CCamProcess::KeepClean(const uchar* rows, std::ptrdiff_t step, unsigned wid
 void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptrdiff_t dstStep,
     unsigned width, unsigned height)
 {
+    ProcessFrame(PaddedRows(src, srcStep, width), dst, dstStep, width, height);
+}
+
+void CCamProcess::ProcessFrame(
+    const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, unsigned width, unsigned height)
+{
     // The frame lock is taken before the state is read, so that SetOverlay,
     // which waits for it after changing the state, cannot return while a
     // frame still works with the old pointer.
@@ -254,15 +260,13 @@ void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* 
         frame.unlock();
 
     if (!s.enable) {
-        const std::size_t stride = DibStride(width);
-        for (unsigned y = 0; y < height; ++y)
-            std::memcpy(dst + std::ptrdiff_t(y) * dstStep, src + std::ptrdiff_t(y) * srcStep, stride);
+        FusedProcess(rows, dst, dstStep, width, height, ProcessSwitches(), nullptr);
         if (s.keepClean)
             KeepClean(dst, dstStep, width, height);
         return;
     }
     if (!overlay) {
-        FusedProcess(src, srcStep, dst, dstStep, width, height, s.switches, nullptr);
+        FusedProcess(rows, dst, dstStep, width, height, s.switches, nullptr);
         if (s.keepClean)
             KeepClean(dst, dstStep, width, height);
         return;
@@ -288,10 +292,11 @@ void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* 
         m_clean.resize(stride * height);
         m_cleanWidth = width;
         m_cleanHeight = height;
-        FusedProcess(src, srcStep, m_clean.data(), std::ptrdiff_t(stride), width, height, s.switches, nullptr);
-        FusedProcess(m_clean.data(), std::ptrdiff_t(stride), dst, dstStep, width, height, ProcessSwitches {}, buffer);
+        FusedProcess(rows, m_clean.data(), std::ptrdiff_t(stride), width, height, s.switches, nullptr);
+        FusedProcess(PaddedRows(m_clean.data(), std::ptrdiff_t(stride), width), dst, dstStep, width, height,
+            ProcessSwitches(), buffer);
     } else {
-        FusedProcess(src, srcStep, dst, dstStep, width, height, s.switches, buffer);
+        FusedProcess(rows, dst, dstStep, width, height, s.switches, buffer);
     }
     m_overlayInUse.store(nullptr);
 }

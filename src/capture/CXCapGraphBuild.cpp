@@ -3,6 +3,7 @@
 #include "capture/CCamProcess.h"
 #include "capture/CamProcessElement.h"
 #include "capture/CameraModels.h"
+#include "capture/JpegInputElement.h"
 #include "platform/DebugLog.h"
 
 #include <QFile>
@@ -69,7 +70,9 @@ bool CXCapGraph::ChooseDeviceFormat(bool preview)
 GstElement* CXCapGraph::AddSourceChain()
 {
     // The decoder and the converter stand in for the intelligent connect of
-    // the camera's pin: whatever the camera sends becomes 24-bit BGR.
+    // the camera's pin: whatever the camera sends becomes a layout the
+    // processing element reads. YUY2 and I420 (from the JPEG decoder) pass
+    // the converter untouched; the element makes them BGR on its own pass.
     GstElement* filter = Make("capsfilter", "Cap format");
     GstElement* decoder
         = m_currentFormat.mediaType == QLatin1String("image/jpeg") ? Make("jpegdec", "Decoder") : nullptr;
@@ -83,7 +86,7 @@ GstElement* CXCapGraph::AddSourceChain()
         return nullptr;
     }
     g_object_set(filter, "caps", m_sourceCaps, nullptr);
-    GstCaps* bgrCaps = gst_caps_from_string("video/x-raw, format=(string)BGR");
+    GstCaps* bgrCaps = gst_caps_from_string("video/x-raw, format=(string){ BGR, YUY2, I420 }");
     g_object_set(bgr, "caps", bgrCaps, nullptr);
     gst_caps_unref(bgrCaps);
     gst_bin_add_many(GST_BIN(m_graph), filter, convert, bgr, nullptr);
@@ -268,6 +271,7 @@ void CXCapGraph::BuildRecordGraph()
     GstElement* queue = nullptr;
     GstElement* rate = nullptr;
     GstElement* rateCaps = nullptr;
+    GstElement* toJpeg = nullptr;
     GstElement* encoder = nullptr;
     GstElement* mux = nullptr;
     GstElement* writer = nullptr;
@@ -276,7 +280,7 @@ void CXCapGraph::BuildRecordGraph()
         for (GstPad* pad : { capturePad, previewPad })
             if (pad)
                 gst_object_unref(pad);
-        for (GstElement* e : { queue, rate, rateCaps, encoder, mux, writer, previewQueue })
+        for (GstElement* e : { queue, toJpeg, rate, rateCaps, encoder, mux, writer, previewQueue })
             if (e && !GST_OBJECT_PARENT(e))
                 gst_object_unref(gst_object_ref_sink(e));
     });
@@ -332,9 +336,10 @@ void CXCapGraph::BuildRecordGraph()
     queue = Make("queue", "Capture queue");
     rate = Make("videorate", "Frame rate");
     rateCaps = Make("capsfilter", "Fixed rate");
+    toJpeg = CreateJpegInputElement("JPEG input");
     encoder = Make("jpegenc", "Compressor");
-    if (!queue || !rate || !rateCaps || !encoder || !Add(queue) || !Add(rate) || !Add(rateCaps)
-        || !Add(encoder)) {
+    if (!queue || !rate || !rateCaps || !toJpeg || !encoder || !Add(queue) || !Add(toJpeg) || !Add(rate)
+        || !Add(rateCaps) || !Add(encoder)) {
         Fail(QStringLiteral("Could not create compressor "));
         return;
     }
@@ -355,7 +360,7 @@ void CXCapGraph::BuildRecordGraph()
         Fail(QStringLiteral("Can't get cmp pin in"));
     GstPad* queueIn = gst_element_get_static_pad(queue, "sink");
     const bool encoderLinked = GST_PAD_LINK_SUCCESSFUL(gst_pad_link(capturePad, queueIn))
-        && gst_element_link_many(queue, rate, rateCaps, encoder, nullptr);
+        && gst_element_link_many(queue, toJpeg, rate, rateCaps, encoder, nullptr);
     gst_object_unref(queueIn);
     if (!encoderLinked) {
         Fail(QStringLiteral("Can't connect OculixPro to capture filter"));

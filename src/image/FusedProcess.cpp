@@ -19,11 +19,9 @@ namespace {
 
 constexpr unsigned kBandRows = 16;
 
-// Copies the padded row, letting each overlay pixel that is not the key
-// replace the picture's.
-void BlendRowTo(const uchar* row, const uchar* overlay, uchar* dst, unsigned width, std::size_t stride)
+// Lets each overlay pixel that is not the key replace the row's.
+void BlendRow(const uchar* overlay, uchar* dst, unsigned width)
 {
-    std::memcpy(dst, row, stride);
     // Shapes are thin: most of the overlay is key, found eight bytes at a time.
     constexpr std::uint64_t kKeys = 0x0101010101010101ull * kOverlayKey;
     constexpr unsigned kBlock = 16; // pixels, 48 bytes, six words
@@ -110,12 +108,46 @@ void ApplyStep(uchar* bits, unsigned width, unsigned rows, std::size_t stride, c
 
 } // namespace
 
+PaddedRows::PaddedRows(const uchar* bits, std::ptrdiff_t step, unsigned width)
+    : m_bits(bits)
+    , m_step(step)
+    , m_stride(DibStride(width))
+{
+}
+
+void PaddedRows::Read(unsigned y, uchar* out) const
+{
+    std::memcpy(out, m_bits + std::ptrdiff_t(y) * m_step, m_stride);
+}
+
 void FusedProcess(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptrdiff_t dstStep,
     unsigned width, unsigned height, const ProcessSwitches& s, const uchar* overlay)
 {
-    if (!src || !dst || width == 0 || height == 0)
+    if (!src || width == 0)
+        return;
+    FusedProcess(PaddedRows(src, srcStep, width), dst, dstStep, width, height, s, overlay);
+}
+
+void FusedProcess(const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, unsigned width, unsigned height,
+    const ProcessSwitches& s, const uchar* overlay)
+{
+    if (!dst || width == 0 || height == 0)
         return;
     const std::size_t stride = DibStride(width);
+    const auto from = [&](unsigned y) { return s.flip ? height - 1 - y : y; };
+
+    // With no operation but the flip, rows go straight to the target: the
+    // usual live preview costs one pass over the frame, not two.
+    if (!(s.mirror || s.gray || s.negative || s.binary || s.emboss || s.sharpen || s.rgb)) {
+        for (unsigned y = 0; y < height; ++y) {
+            uchar* out = dst + std::ptrdiff_t(y) * dstStep;
+            rows.Read(from(y), out);
+            if (overlay)
+                BlendRow(overlay + y * stride, out, width);
+        }
+        return;
+    }
+
     const unsigned above = s.sharpen ? 1 : 0;
     const unsigned below = (s.emboss ? 1 : 0) + (s.sharpen ? 1 : 0);
 
@@ -132,10 +164,8 @@ void FusedProcess(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptr
         const unsigned n = a1 - a0;
         uchar* band = scratch.data();
 
-        for (unsigned j = a0; j < a1; ++j) {
-            const unsigned from = s.flip ? height - 1 - j : j;
-            std::memcpy(band + (j - a0) * stride, src + std::ptrdiff_t(from) * srcStep, stride);
-        }
+        for (unsigned j = a0; j < a1; ++j)
+            rows.Read(from(j), band + (j - a0) * stride);
         if (s.mirror)
             MirrorHorizontal(band, width, n);
         if (s.gray)
@@ -163,10 +193,9 @@ void FusedProcess(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptr
         for (unsigned y = y0; y < y1; ++y) {
             const uchar* row = band + (y - a0) * stride;
             uchar* out = dst + std::ptrdiff_t(y) * dstStep;
+            std::memcpy(out, row, stride);
             if (overlay)
-                BlendRowTo(row, overlay + y * stride, out, width, stride);
-            else
-                std::memcpy(out, row, stride);
+                BlendRow(overlay + y * stride, out, width);
         }
     }
 }

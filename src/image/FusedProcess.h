@@ -23,3 +23,31 @@ inline constexpr uchar kOverlayKey = 1;
 // three bytes replaces the result's pixel.
 void FusedProcess(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptrdiff_t dstStep,
     unsigned width, unsigned height, const ProcessSwitches& switches, const uchar* overlay);
+
+// A source of 24-bit rows: a camera frame in another layout is turned into
+// them row by row, so it never needs a whole-frame conversion pass of its own.
+class FrameRows
+{
+public:
+    virtual ~FrameRows() = default;
+    // Writes row y (buffer order, as src above) as DibStride(width) bytes,
+    // padding zero.
+    virtual void Read(unsigned y, uchar* out) const = 0;
+};
+
+// Rows of a 24-bit picture at their step, as src above.
+class PaddedRows final : public FrameRows
+{
+public:
+    PaddedRows(const uchar* bits, std::ptrdiff_t step, unsigned width);
+    void Read(unsigned y, uchar* out) const override;
+
+private:
+    const uchar* m_bits;
+    std::ptrdiff_t m_step;
+    std::size_t m_stride;
+};
+
+// The same chain reading its rows from `rows`.
+void FusedProcess(const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, unsigned width, unsigned height,
+    const ProcessSwitches& switches, const uchar* overlay);

@@ -1,10 +1,12 @@
 #include "image/FusedProcess.h"
 
 #include "capture/CCamProcess.h"
+#include "capture/YuvFrameRows.h"
 #include "image/ImageProcess.h"
 
 #include <QImage>
 
+#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <random>
@@ -143,18 +145,30 @@ TEST(FusedProcess, OverlayPixelsOtherThanTheKeyReplaceTheResult)
         overlay[p + 1] = uchar(rng() % 3); // often 0, 1 or 2 next to the key bytes
         overlay[p + 2] = uchar(rng() % 2);
     }
+    // No operation (rows go straight to the target), a flip, and a band chain.
+    for (unsigned mask : { 0u, 1u, 4u | 32u }) {
+        const ProcessSwitches s = FromMask(mask);
+        std::vector<uchar> expected = StillChain(picture, w, h, s);
+        for (unsigned y = 0; y < h; ++y)
+            for (unsigned x = 0; x < w; ++x) {
+                const uchar* o = &overlay[y * stride + 3 * x];
+                if (!(o[0] == 1 && o[1] == 1 && o[2] == 1))
+                    std::memcpy(&expected[y * stride + 3 * x], o, 3);
+            }
+        EXPECT_TRUE(Fused(picture, w, h, s, overlay.data()) == expected) << mask;
+    }
+
+    // The live element keeping the frame under the overlay (for snapping)
+    // gives the same frame, and keeps it processed without the overlay.
     const ProcessSwitches s = FromMask(4 | 32);
     std::vector<uchar> expected = StillChain(picture, w, h, s);
+    const std::vector<uchar> under = expected;
     for (unsigned y = 0; y < h; ++y)
         for (unsigned x = 0; x < w; ++x) {
             const uchar* o = &overlay[y * stride + 3 * x];
             if (!(o[0] == 1 && o[1] == 1 && o[2] == 1))
                 std::memcpy(&expected[y * stride + 3 * x], o, 3);
         }
-    EXPECT_TRUE(Fused(picture, w, h, s, overlay.data()) == expected);
-
-    // The live element keeping the frame under the overlay (for snapping)
-    // gives the same frame, and keeps it processed without the overlay.
     CCamProcess process;
     process.SetOverlaySize(w, h);
     uchar* published = overlay.data();
@@ -167,13 +181,58 @@ TEST(FusedProcess, OverlayPixelsOtherThanTheKeyReplaceTheResult)
     EXPECT_TRUE(out == expected);
     const QImage clean = process.CleanFrame();
     ASSERT_EQ(clean.size(), QSize(int(w), int(h)));
-    const std::vector<uchar> under = StillChain(picture, w, h, s);
     int differing = 0;
     for (unsigned y = 0; y < h; ++y)
         differing += std::memcmp(clean.constScanLine(int(h - 1 - y)), &under[y * stride], 3 * w) != 0;
     EXPECT_EQ(differing, 0) << "rows kept top-down, without the overlay";
     process.KeepCleanFrames(false);
     EXPECT_TRUE(process.CleanFrame().isNull());
+}
+
+// A camera's YUV frame, top row first, read bottom-up as BGR through the
+// matrix and range its caps name.
+TEST(FusedProcess, YuvFramesGiveTheColoursOfTheirMatrix)
+{
+    using Rows = YuvFrameRows;
+    struct Case
+    {
+        Rows::Matrix matrix;
+        bool full;
+        uchar y, u, v;
+        int blue, green, red;
+    } const cases[] = {
+        { Rows::Matrix::Bt601, false, 235, 128, 128, 255, 255, 255 },
+        { Rows::Matrix::Bt601, false, 16, 128, 128, 0, 0, 0 },
+        { Rows::Matrix::Bt601, false, 81, 90, 240, 0, 0, 255 },
+        { Rows::Matrix::Bt709, false, 63, 102, 240, 0, 0, 255 },
+        { Rows::Matrix::Bt601, true, 76, 85, 255, 0, 0, 255 },
+        { Rows::Matrix::Bt601, true, 29, 255, 107, 255, 0, 0 },
+    };
+    const auto near = [](const uchar* px, const Case& c) {
+        return std::abs(px[0] - c.blue) <= 3 && std::abs(px[1] - c.green) <= 3 && std::abs(px[2] - c.red) <= 3;
+    };
+    for (const Case& c : cases) {
+        // Two YUY2 pixels on the top row, black below; 2 pixels pad to 8 bytes.
+        const uchar yuy2[] = { c.y, c.u, c.y, c.v, 16, 128, 16, 128 };
+        const Rows::Plane planes[3] = { { yuy2, 4 }, {}, {} };
+        std::vector<uchar> row(8, 0xEE);
+        Rows(Rows::Layout::Yuy2, planes, 2, 2, c.matrix, c.full).Read(1, row.data());
+        EXPECT_TRUE(near(&row[0], c) && near(&row[3], c)) << int(c.y) << " " << int(c.u) << " " << int(c.v);
+        EXPECT_EQ(row[6] | row[7], 0);
+
+        // I420: 2 x 4 pixels; the top two rows share this colour's chroma,
+        // the bottom two are black.
+        const uchar k = c.full ? 0 : 16;
+        const uchar luma[] = { c.y, c.y, c.y, c.y, k, k, k, k };
+        const uchar u[] = { c.u, 128 };
+        const uchar v[] = { c.v, 128 };
+        const Rows::Plane i420[3] = { { luma, 2 }, { u, 1 }, { v, 1 } };
+        const Rows frame(Rows::Layout::I420, i420, 2, 4, c.matrix, c.full);
+        frame.Read(2, row.data());
+        EXPECT_TRUE(near(&row[0], c)) << "I420 " << int(c.y);
+        frame.Read(1, row.data());
+        EXPECT_LE(row[0] + row[1] + row[2], 9) << "I420 " << int(c.y);
+    }
 }
 
 TEST(FusedProcess, BadInputLeavesTheTargetAlone)
