@@ -38,7 +38,7 @@ namespace {
 
 #if defined(__SANITIZE_ADDRESS__)
 // Sized so that the run under the sanitizers stays near a minute.
-constexpr int kDefaultActions = 1500;
+constexpr int kDefaultActions = 1000;
 #else
 constexpr int kDefaultActions = 3000;
 #endif
