@@ -595,6 +595,7 @@ TEST_F(Monkey, EveryCommandOfTheTableHasItsEffect)
         { ID_CAMERA_FULLSCREEN, flips(fullScreen) },
         { ID_VIEW_CROSSLINE, flips(checked(ID_VIEW_CROSSLINE)) },
         { ID_VIEW_DASHED_CROSSLINE, flips(checked(ID_VIEW_DASHED_CROSSLINE)) },
+        { ID_MEASURE_SNAP_EDGES, flips(checked(ID_MEASURE_SNAP_EDGES)) },
         { ID_ZOOM,
             [&](int id) {
                 frame->GetZoomBox()->setCurrentIndex(CMeasureDoc::kZoomActualSize);
