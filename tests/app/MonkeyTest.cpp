@@ -639,6 +639,7 @@ TEST_F(Monkey, EveryCommandOfTheTableHasItsEffect)
             } },
         { ID_EDIT_UNDO, changes([&] { return int(ShapeTypes(*live).size()); }, -1) },
         { ID_EDIT_REDO, changes([&] { return int(ShapeTypes(*live).size()); }, +1) },
+        { ID_MEASURE_SNAP_EDGES, flips(checked(ID_MEASURE_SNAP_EDGES)) },
         { ID_MEASURE_DELETE_ALL, makes([&] { return ShapeTypes(*live) == std::vector<int> { 9 }; }) },
         { ID_MEASURE_CALIBRATION, flips([&] { return live->GetCalibrationDialog()->isVisible(); }) },
         { ID_MEASURE_SETTING, shows("CMeasureColorDlg") },
