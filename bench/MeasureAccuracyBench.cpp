@@ -3,11 +3,15 @@
 //   nearest whole pixels, over the three frame sizes, turned slides, noise,
 //   blur, uneven light and JPEG;
 // - edge-snapped diameters of the round particles and sides of the square,
-//   with how often the stated uncertainty holds the true error;
+//   measured by line and circle gestures as a user makes them with "Snap to
+//   edges" on, with how often the stated uncertainty holds the true error;
 // - the time graticule detection takes on a 1600 x 1200 frame on one core.
 // The accuracy tables are printed once, before the timings.
 #include "calibration/GraticuleDetector.h"
 #include "image/EdgeLocator.h"
+#include "measure/CGVLCircle.h"
+#include "measure/CGVLElemMgr.h"
+#include "measure/CGVLLine.h"
 
 #include <benchmark/benchmark.h>
 
@@ -119,65 +123,129 @@ struct Snap
     bool found = false;
 };
 
+// Shapes drawn on one frame in picture pixels (1 px a pixel), snapping on.
+struct Gestures
+{
+    explicit Gestures(const QImage& gray)
+    {
+        mgr.CreateShape(9);
+        mgr.m_unit = { 0, 1.0, 1.0, 0, 0 };
+        mgr.m_fnSnapPicture = [gray] { return gray; };
+    }
+    template <typename Shape> Shape* Drag(int tool, QPoint from, QPoint to)
+    {
+        mgr.DeleteAll();
+        mgr.OnLButtonDown(1, from, tool);
+        mgr.OnMouseMove(1, from, tool);
+        mgr.OnMouseMove(1, to, tool);
+        mgr.OnLButtonUp(0, to, tool);
+        auto* shape = mgr.m_arShape.size() == 2 ? dynamic_cast<Shape*>(mgr.m_arShape[1].get()) : nullptr;
+        return shape && shape->IsSnapped() ? shape : nullptr;
+    }
+    CGVLElemMgr mgr;
+};
+
+QPoint Nearest(QPointF p)
+{
+    return QPoint(int(std::lround(p.x())), int(std::lround(p.y())));
+}
+
 // A line dragged across an object from about its edges (up to 2 pixels off,
 // on whole pixels), both ends snapped along the line.
-Snap Measure(const QImage& gray, QPointF e0, QPointF e1, std::mt19937& rng,
+Snap Measure(Gestures& g, QPointF e0, QPointF e1, std::mt19937& rng,
     const std::function<double(QPointF, QPointF)>& truthAlong)
 {
     std::uniform_real_distribution<double> off(-2.0, 2.0);
     const QPointF d = Unit(e1 - e0);
-    const QPointF p0(std::round(e0.x() + off(rng) * d.x()), std::round(e0.y() + off(rng) * d.y()));
-    const QPointF p1(std::round(e1.x() + off(rng) * d.x()), std::round(e1.y() + off(rng) * d.y()));
-    const QPointF dir = Unit(p1 - p0);
+    const QPoint p0 = Nearest(e0 + d * off(rng));
+    const QPoint p1 = Nearest(e1 + d * off(rng));
+    const QPointF dir = Unit(QPointF(p1 - p0));
     Snap s;
-    const auto a = LocateEdge(gray, p0, dir);
-    const auto b = LocateEdge(gray, p1, dir);
-    if (!a || !b)
+    const CGVLLine* line = g.Drag<CGVLLine>(CGVLShape::kToolLine, p0, p1);
+    if (!line)
         return s;
     s.found = true;
-    const double truth = truthAlong(p0, dir);
-    s.error = std::hypot(b->position.x() - a->position.x(), b->position.y() - a->position.y()) - truth;
-    s.u = 2.0 * std::hypot(a->sigma, b->sigma);
-    const QPointF r0(std::round(e0.x()), std::round(e0.y()));
-    const QPointF r1(std::round(e1.x()), std::round(e1.y()));
+    s.error = line->GetLength() - truthAlong(p0, dir);
+    s.u = line->LengthUncertainty();
+    const QPointF r0 = Nearest(e0);
+    const QPointF r1 = Nearest(e1);
     s.pixelError = std::hypot(r1.x() - r0.x(), r1.y() - r0.y()) - truthAlong(r0, Unit(r1 - r0));
     return s;
 }
 
+// A circle dragged from about the centre (up to 2 pixels off) to about the
+// rim: twice its snapped radius against the chord along the drag.
+Snap MeasureCircle(Gestures& g, QPointF centre, QPointF rim, std::mt19937& rng,
+    const std::function<double(QPointF, QPointF)>& chord)
+{
+    std::uniform_real_distribution<double> off(-2.0, 2.0);
+    const QPoint c = Nearest(centre + QPointF(off(rng), off(rng)));
+    const QPoint r = Nearest(rim + Unit(rim - centre) * off(rng));
+    Snap s;
+    const CGVLCircle* circle = g.Drag<CGVLCircle>(CGVLShape::kToolCircle, c, r);
+    if (!circle)
+        return s;
+    s.found = true;
+    s.error = 2 * circle->ExactRadius() - chord(c, Unit(QPointF(r - c)));
+    s.u = 2 * circle->RadiusUncertainty();
+    s.pixelError = 2 * std::hypot(r.x() - c.x(), r.y() - c.y()) - chord(c, Unit(QPointF(r - c)));
+    return s;
+}
+
+// Errors of one kind of gesture, summed.
+struct SnapStats
+{
+    void Add(const Snap& s)
+    {
+        ++tries;
+        if (!s.found)
+            return;
+        ++found;
+        sumAbs += std::abs(s.error);
+        max = std::max(max, std::abs(s.error));
+        pixel += std::abs(s.pixelError);
+        held += std::abs(s.error) <= s.u;
+    }
+    void operator+=(const SnapStats& o)
+    {
+        tries += o.tries;
+        found += o.found;
+        sumAbs += o.sumAbs;
+        max = std::max(max, o.max);
+        pixel += o.pixel;
+        held += o.held;
+    }
+    double Mae() const { return found ? sumAbs / found : 0.0; }
+    double Held() const { return found ? 100.0 * held / found : 0.0; }
+    double Pixel() const { return found ? pixel / found : 0.0; }
+    int tries = 0;
+    int found = 0;
+    double sumAbs = 0.0;
+    double max = 0.0;
+    double pixel = 0.0;
+    int held = 0;
+};
+
 void SnapTable()
 {
-    std::printf("\nEdge-snapped diameters of the 5 particles and sides of the square (pixels), 5 drags each\n");
-    std::printf("%-10s %5s  %-36s %6s %8s %8s %8s %10s\n", "size", "turn", "condition", "found", "MAE", "max",
-        "held %", "pixel MAE");
+    std::printf("\nEdge-snapped diameters (pixels) of the 5 particles and sides of the square, 5 line drags each,\n"
+                "and of the particles by 5 circle drags each (centre +-2 px, radius 2 px off)\n");
+    std::printf("%-10s %5s  %-36s %6s %7s %7s %6s %9s | %6s %7s %7s %6s\n", "size", "turn", "condition", "lines",
+        "MAE", "max", "held%", "pixel MAE", "circle", "MAE", "max", "held%");
     std::mt19937 rng(2024);
-    double sumAbs = 0.0;
-    int count = 0;
-    int held = 0;
-    int missed = 0;
+    SnapStats lines;
+    SnapStats circles;
     for (const QSize& size : kSizes) {
         CSimScene scene(unsigned(size.width()), unsigned(size.height()));
         const double umpp = CSimScene::MicrometresPerPixel(unsigned(size.width()));
         for (double rotation : kRotations) {
             for (const Condition& c : kConditions) {
                 const QImage gray = Frame(scene, c, rotation).convertToFormat(QImage::Format_Grayscale8);
+                Gestures g(gray);
                 const QPointF ux = Unit(scene.FramePoint(QPointF(1, 0), 0) - scene.FramePoint(QPointF(0, 0), 0));
                 const QPointF uy(-ux.y(), ux.x());
-                double rowAbs = 0.0;
-                double rowMax = 0.0;
-                double rowPixel = 0.0;
-                int rowCount = 0;
-                int rowHeld = 0;
-                int rowTries = 0;
-                auto add = [&](const Snap& s) {
-                    ++rowTries;
-                    if (!s.found)
-                        return;
-                    ++rowCount;
-                    rowAbs += std::abs(s.error);
-                    rowMax = std::max(rowMax, std::abs(s.error));
-                    rowPixel += std::abs(s.pixelError);
-                    rowHeld += std::abs(s.error) <= s.u;
-                };
+                SnapStats rowLines;
+                SnapStats rowCircles;
                 const double diameters[] = { 20, 50, 100, 150, 250 };
                 const double centresX[] = { 430, 560, 740, 980, 1300 };
                 for (int i = 0; i < 5; ++i) {
@@ -189,8 +257,10 @@ void SnapTable()
                         const double across = v.x() * dir.y() - v.y() * dir.x();
                         return 2.0 * std::sqrt(std::max(0.0, r * r - across * across));
                     };
-                    for (int k = 0; k < 5; ++k)
-                        add(Measure(gray, centre - ux * r, centre + ux * r, rng, chord));
+                    for (int k = 0; k < 5; ++k) {
+                        rowLines.Add(Measure(g, centre - ux * r, centre + ux * r, rng, chord));
+                        rowCircles.Add(MeasureCircle(g, centre, centre + uy * r, rng, chord));
+                    }
                 }
                 // Across the square, along each of its sides' directions.
                 const QPointF sq = scene.FramePoint(QPointF(650, 1180), 0);
@@ -200,20 +270,22 @@ void SnapTable()
                         return 2 * half / std::abs(dir.x() * axis.x() + dir.y() * axis.y());
                     };
                     for (int k = 0; k < 5; ++k)
-                        add(Measure(gray, sq - axis * half, sq + axis * half, rng, across));
+                        rowLines.Add(Measure(g, sq - axis * half, sq + axis * half, rng, across));
                 }
-                std::printf("%4dx%-5d %5.0f  %-36s %3d/%-2d %8.3f %8.3f %8.0f %10.3f\n", size.width(),
-                    size.height(), rotation, c.name, rowCount, rowTries, rowCount ? rowAbs / rowCount : 0.0, rowMax,
-                    rowCount ? 100.0 * rowHeld / rowCount : 0.0, rowCount ? rowPixel / rowCount : 0.0);
-                sumAbs += rowAbs;
-                count += rowCount;
-                held += rowHeld;
-                missed += rowTries - rowCount;
+                std::printf("%4dx%-5d %5.0f  %-36s %3d/%-2d %7.3f %7.3f %6.0f %9.3f | %3d/%-2d %7.3f %7.3f %6.0f\n",
+                    size.width(), size.height(), rotation, c.name, rowLines.found, rowLines.tries, rowLines.Mae(),
+                    rowLines.max, rowLines.Held(), rowLines.Pixel(), rowCircles.found, rowCircles.tries,
+                    rowCircles.Mae(), rowCircles.max, rowCircles.Held());
+                lines += rowLines;
+                circles += rowCircles;
             }
         }
     }
-    std::printf("overall: mean |error| %.3f px, uncertainty held in %.1f %% of %d, %d drags found no edge\n\n",
-        count ? sumAbs / count : 0.0, count ? 100.0 * held / count : 0.0, count, missed);
+    std::printf("overall lines: mean |error| %.3f px (whole pixels %.3f), uncertainty held in %.1f %% of %d, %d found "
+                "no edge\n",
+        lines.Mae(), lines.Pixel(), lines.Held(), lines.found, lines.tries - lines.found);
+    std::printf("overall circles: mean |error| %.3f px, uncertainty held in %.1f %% of %d, %d found no edge\n\n",
+        circles.Mae(), circles.Held(), circles.found, circles.tries - circles.found);
 }
 
 void BM_AccuracyTables(benchmark::State& state)

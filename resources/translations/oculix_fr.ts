@@ -1205,6 +1205,14 @@ texte</translation>
         <source>Redo the previously undone action</source>
         <translation>Rétablir l&apos;action annulée</translation>
     </message>
+    <message>
+        <source>Snap to &amp;Edges</source>
+        <translation>Accrocher aux &amp;bords</translation>
+    </message>
+    <message>
+        <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
+        <translation>Placer les extrémités des lignes et le bord des cercles sur le contour le plus proche de l&apos;image</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>

@@ -1204,6 +1204,14 @@ Background</source>
         <source>Redo the previously undone action</source>
         <translation>重做刚撤销的操作</translation>
     </message>
+    <message>
+        <source>Snap to &amp;Edges</source>
+        <translation>吸附到边缘(&amp;E)</translation>
+    </message>
+    <message>
+        <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
+        <translation>将直线的端点和圆周放到图像上最近的边缘</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>

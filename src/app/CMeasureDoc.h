@@ -163,6 +163,14 @@ public:
     using ExportDialogHandler = std::function<QString(QWidget* parent, const QString& proposedName)>;
     static ExportDialogHandler SetExportDialogHandler(ExportDialogHandler handler);
 
+    // "Snap to &Edges", for every document, kept in the program's own user
+    // settings (CMeasureDocSnap.cpp). Off until the user turns it on.
+    static bool SnapToEdges();
+    static void SetSnapToEdges(bool on);
+    // What the shapes snap to: the picture, or for the live document the
+    // frame under the overlay; null while snapping is off.
+    QImage SnapPicture() const;
+
 signals:
     // The frame size or the zoom changed: the view lays itself out again.
     void layoutNeeded();
@@ -170,6 +178,7 @@ signals:
 private:
     void ReadSettings();
     void MapSaveCommands();
+    void MapSnapCommand();
     void WriteMeasurementXmp(const QString& path, const SaveOverlay& overlay, double scaleX, double scaleY);
     void ReadMeasurementXmp(const QString& path);
     void WriteSettings() const;

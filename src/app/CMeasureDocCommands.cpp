@@ -108,6 +108,7 @@ void CMeasureDoc::MapCommands()
     MapTool(ID_MEASURE_COUNTING, CGVLShape::kToolCounting);
     MapTool(ID_MEASURE_ARROW, CGVLShape::kToolArrow);
     MapTool(ID_MEASURE_TEXT, CGVLShape::kToolText);
+    MapSnapCommand();
     MapCommand(ID_MEASURE_DELETE_ALL, [this] { DeleteAll(); });
     MapUpdate(ID_MEASURE_DELETE_ALL, [this](CCmdUI& ui) { ui.Enable(CanDraw()); });
 

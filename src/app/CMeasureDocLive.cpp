@@ -41,6 +41,7 @@ bool CMeasureDoc::StartLive(QWidget* videoOwner)
         RepaintOverlayWindow();
     });
     AllocateOverlays(width, height);
+    m_graph.KeepCleanFrames(SnapToEdges());
     m_graph.SetProcessEnable(1);
     m_graph.SetOverlay(1, &m_pCurrentOverlay);
     ReadBackState();

@@ -89,6 +89,8 @@ constexpr int ID_MEASURE_EXPORT = 32922;
 constexpr int ID_MEASURE_POLYGON = 32923;
 constexpr int ID_MEASURE_ARROW = 32924;
 constexpr int ID_MEASURE_TEXT = 32925;
+// Lines and circles put their points on the picture's edges.
+constexpr int ID_MEASURE_SNAP_EDGES = 32995;
 
 // The separator in menu and toolbar layouts.
 constexpr int ID_SEPARATOR = 0;

@@ -2,6 +2,9 @@
 
 #include "platform/NumberText.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace MeasureTables {
 
 QColor PaletteColor(int index)
@@ -56,6 +59,19 @@ QString FormatLabel(const PrecisionFormats& formats, int precision, double value
     if (!format)
         return QString();
     return NumberText::FormatC(format, value, unitText ? unitText : "");
+}
+
+QString FormatLabel(
+    const PrecisionFormats& formats, int precision, double value, const char* unitText, double uncertainty)
+{
+    const char* format = FormatForPrecision(formats, precision);
+    if (!format)
+        return QString();
+    int decimals = precision;
+    if (uncertainty > 0 && std::isfinite(uncertainty))
+        decimals = std::clamp(1 - int(std::floor(std::log10(uncertainty))), precision, 6);
+    return NumberText::FormatC(format, value, "") + QChar(0x00B1)
+        + NumberText::FormatC("%.*f%s", decimals, uncertainty, unitText ? unitText : "");
 }
 
 } // namespace MeasureTables

@@ -83,5 +83,10 @@ const char* FormatForPrecision(const PrecisionFormats& formats, int precision);
 // A label from one of the tables above: value and unit text (`unitText` may be
 // null for formats without %s). Empty when the precision is outside 1..5.
 QString FormatLabel(const PrecisionFormats& formats, int precision, double value, const char* unitText = "");
+// The same with an uncertainty between the value and the unit ("L=12.34±0.052um"): the
+// uncertainty to two significant digits, never fewer decimals than the value. For the formats that
+// end with the unit (length, radius).
+QString FormatLabel(
+    const PrecisionFormats& formats, int precision, double value, const char* unitText, double uncertainty);
 
 } // namespace MeasureTables

@@ -205,6 +205,37 @@ void CCamProcess::WaitOverlayUnused(const uchar* buffer) const
         std::this_thread::yield();
 }
 
+void CCamProcess::KeepCleanFrames(bool on)
+{
+    Update([on](State& s) { s.keepClean = on; });
+    if (!on) {
+        std::lock_guard lock(m_cleanMutex);
+        m_clean = {};
+        m_cleanWidth = m_cleanHeight = 0;
+    }
+}
+
+QImage CCamProcess::CleanFrame() const
+{
+    std::lock_guard lock(m_cleanMutex);
+    if (m_clean.empty())
+        return QImage();
+    const QImage bottomUp(m_clean.data(), int(m_cleanWidth), int(m_cleanHeight), qsizetype(DibStride(m_cleanWidth)),
+        QImage::Format_BGR888);
+    return bottomUp.mirrored(false, true);
+}
+
+void CCamProcess::KeepClean(const uchar* rows, std::ptrdiff_t step, unsigned width, unsigned height)
+{
+    const std::size_t stride = DibStride(width);
+    std::lock_guard lock(m_cleanMutex);
+    m_clean.resize(stride * height);
+    m_cleanWidth = width;
+    m_cleanHeight = height;
+    for (unsigned y = 0; y < height; ++y)
+        std::memcpy(m_clean.data() + y * stride, rows + std::ptrdiff_t(y) * step, stride);
+}
+
 void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptrdiff_t dstStep,
     unsigned width, unsigned height)
 {
@@ -230,10 +261,14 @@ void CCamProcess::ProcessFrame(
 
     if (!s.enable) {
         FusedProcess(rows, dst, dstStep, width, height, ProcessSwitches(), nullptr);
+        if (s.keepClean)
+            KeepClean(dst, dstStep, width, height);
         return;
     }
     if (!overlay) {
         FusedProcess(rows, dst, dstStep, width, height, s.switches, nullptr);
+        if (s.keepClean)
+            KeepClean(dst, dstStep, width, height);
         return;
     }
 
@@ -249,6 +284,19 @@ void CCamProcess::ProcessFrame(
             break;
         buffer = again;
     }
-    FusedProcess(rows, dst, dstStep, width, height, s.switches, buffer);
+    if (s.keepClean) {
+        // Processed into the kept frame first, then the overlay laid over a
+        // copy of it: the same bytes as in one sweep.
+        std::lock_guard lock(m_cleanMutex);
+        const std::size_t stride = DibStride(width);
+        m_clean.resize(stride * height);
+        m_cleanWidth = width;
+        m_cleanHeight = height;
+        FusedProcess(rows, m_clean.data(), std::ptrdiff_t(stride), width, height, s.switches, nullptr);
+        FusedProcess(PaddedRows(m_clean.data(), std::ptrdiff_t(stride), width), dst, dstStep, width, height,
+            ProcessSwitches(), buffer);
+    } else {
+        FusedProcess(rows, dst, dstStep, width, height, s.switches, buffer);
+    }
     m_overlayInUse.store(nullptr);
 }

@@ -3,9 +3,12 @@
 #include "capture/ICamProcess.h"
 #include "image/FusedProcess.h"
 
+#include <QImage>
+
 #include <atomic>
 #include <cstddef>
 #include <mutex>
+#include <vector>
 
 // The state and the frame work of the live processing element. The switches
 // are set on the user-interface thread and read by the streaming thread once
@@ -58,6 +61,13 @@ public:
     // Any thread: waits while a frame is reading this overlay buffer.
     void WaitOverlayUnused(const uchar* buffer) const;
 
+    // Keeps each frame as processed, before the overlay is laid over it, so
+    // that shapes can snap to the picture under them. Off by default: it
+    // costs a pass over every frame.
+    void KeepCleanFrames(bool on);
+    // Any thread: the last frame kept, top-down 24-bit; null when none was.
+    QImage CleanFrame() const;
+
     // Streaming thread: processes one frame. Rows are given bottom-up, in the
     // order of a bottom-up picture (see FusedProcess); steps may be negative.
     void ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptrdiff_t dstStep,
@@ -74,6 +84,7 @@ private:
         uchar* const* overlayPointer = nullptr;
         unsigned overlayWidth = 0;
         unsigned overlayHeight = 0;
+        bool keepClean = false;
     };
     template <typename Fn> int Update(Fn&& fn);
     State Snapshot() const;
@@ -84,6 +95,15 @@ private:
     std::mutex m_frameMutex;
     // The overlay buffer a frame is reading, or null (a hazard pointer).
     std::atomic<const uchar*> m_overlayInUse { nullptr };
+
+    // Writes the kept frame from rows in buffer order (bottom-up).
+    void KeepClean(const uchar* rows, std::ptrdiff_t step, unsigned width, unsigned height);
+
+    mutable std::mutex m_cleanMutex;
+    // The kept frame: bottom-up rows of DibStride(m_cleanWidth) bytes.
+    std::vector<uchar> m_clean;
+    unsigned m_cleanWidth = 0;
+    unsigned m_cleanHeight = 0;
 
     std::atomic<int> m_lastWidth { 0 };
     std::atomic<int> m_lastHeight { 0 };

@@ -364,3 +364,13 @@ void CXCapGraph::WaitOverlayUnused(const uchar* buffer) const
 {
     m_processState->WaitOverlayUnused(buffer);
 }
+
+void CXCapGraph::KeepCleanFrames(bool on)
+{
+    m_processState->KeepCleanFrames(on);
+}
+
+QImage CXCapGraph::CleanFrame() const
+{
+    return m_processState->CleanFrame();
+}

@@ -3,6 +3,7 @@
 #include "capture/CaptureFormat.h"
 #include "capture/HResult.h"
 
+#include <QImage>
 #include <QPointer>
 #include <QString>
 #include <QStringList>
@@ -130,6 +131,10 @@ public:
     int GetStateB(int* frames);
     // Any thread: returns once no frame reads this overlay buffer.
     void WaitOverlayUnused(const uchar* buffer) const;
+    // The frames as processed but without the overlay, kept while asked for
+    // (see CCamProcess); they outlast a rebuild of the pipeline.
+    void KeepCleanFrames(bool on);
+    QImage CleanFrame() const;
 
     // The grabber's last frame: with a null buffer, *size becomes the bytes
     // needed (width * height * 3); with a buffer of at least *size bytes, the

@@ -21,27 +21,49 @@ int CGVLCircle::PixelRadius() const
     return int(std::min(std::sqrt(dx * dx + dy * dy), double(INT_MAX)));
 }
 
+double CGVLCircle::ExactRadius() const
+{
+    if (CoordCount() == 2 && IsSnapped()) {
+        const QPointF d = ExactCoord(1) - ExactCoord(0);
+        return std::hypot(d.x(), d.y());
+    }
+    return PixelRadius();
+}
+
+double CGVLCircle::RadiusUncertainty() const
+{
+    if (CoordCount() != 2 || !IsSnapped())
+        return 0.0;
+    // The centre's uncertainty, half the two rims' together, is the radius's.
+    const CalibrationRecord& unit = Unit();
+    return kSnapCoverage * CoordSigma(0) * (unit.m_dcxPerPixel + unit.m_dcyPerPixel) / 2;
+}
+
 double CGVLCircle::GetRadius() const
 {
     const CalibrationRecord& unit = Unit();
-    return PixelRadius() * (unit.m_dcxPerPixel + unit.m_dcyPerPixel) / 2;
+    return ExactRadius() * (unit.m_dcxPerPixel + unit.m_dcyPerPixel) / 2;
 }
 
 double CGVLCircle::GetPerimeter() const
 {
-    return PixelRadius() * 6.28318 * Unit().m_dcxPerPixel;
+    return ExactRadius() * 6.28318 * Unit().m_dcxPerPixel;
 }
 
 double CGVLCircle::GetArea() const
 {
     const CalibrationRecord& unit = Unit();
-    const int r = PixelRadius();
+    const double r = ExactRadius();
     return r * 3.14159 * r * unit.m_dcxPerPixel * unit.m_dcyPerPixel;
 }
 
 QString CGVLCircle::RadiusText() const
 {
     const CalibrationRecord& unit = Unit();
+    if (IsSnapped()) {
+        return MeasureTables::FormatLabel(
+            MeasureTables::kRadiusFormats, Precision(), GetRadius(), UnitText(), RadiusUncertainty());
+    }
     const double radius = PixelRadius() * (unit.m_dcyPerPixel + unit.m_dcxPerPixel) * 0.5;
     return MeasureTables::FormatLabel(MeasureTables::kRadiusFormats, Precision(), radius, UnitText());
 }
@@ -85,7 +107,30 @@ int CGVLCircle::OnMouseMove(unsigned, const QPoint& point, int)
 
 int CGVLCircle::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
-    return ReleaseOrDiscard(tool, kToolCircle, CoordCount() == 2 && PixelRadius() < kMinRadius);
+    const bool tooSmall = CoordCount() == 2 && PixelRadius() < kMinRadius;
+    if (m_bDown && CoordCount() == 2 && !tooSmall)
+        SnapRim();
+    return ReleaseOrDiscard(tool, kToolCircle, tooSmall);
+}
+
+void CGVLCircle::SnapRim()
+{
+    const QImage picture = SnapPicture();
+    if (picture.isNull())
+        return;
+    const QPoint centre = m_arCoord[0];
+    const QPointF along(m_arCoord[1] - centre);
+    const std::optional<EdgePoint> rim = SnapToEdge(picture, m_arCoord[1], along);
+    if (!rim)
+        return;
+    // Looked for as far beyond the centre as the rim found lies before it,
+    // so only the centre's own misplacement is left to search.
+    const QPointF mirrored = 2 * QPointF(centre) - rim->exact;
+    const std::optional<EdgePoint> opposite = SnapToEdge(picture, mirrored.toPoint(), along);
+    if (!opposite)
+        return;
+    const QPointF middle = (rim->exact + opposite->exact) / 2;
+    SetSnapped({ { middle.toPoint(), middle, std::hypot(rim->sigma, opposite->sigma) / 2 }, *rim });
 }
 
 void CGVLCircle::UpdateElem()

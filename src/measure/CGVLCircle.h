@@ -28,6 +28,17 @@ public:
     void UpdateElem() override;
     void ClearCoords() override;
 
-    // "R=" with the radius; empty outside precision 1..5.
+    // "R=" with the radius; empty outside precision 1..5. A snapped circle
+    // adds its uncertainty.
     QString RadiusText() const;
+    // The radius in pixels: to a fraction of a pixel when snapped, else
+    // PixelRadius.
+    double ExactRadius() const;
+    // The expanded uncertainty of GetRadius for a snapped circle, else 0.
+    double RadiusUncertainty() const;
+
+private:
+    // The rim point finds its edge along the drag and the opposite rim its
+    // own; the centre goes midway between them.
+    void SnapRim();
 };

@@ -72,12 +72,59 @@ CGVLCircleT::Circle CGVLCircleT::FitCircle() const
     return { QPoint(int(cx), int(cy)), int(r) };
 }
 
+CGVLCircleT::ExactCircle CGVLCircleT::Circumcircle(const QPointF& a, const QPointF& b, const QPointF& c)
+{
+    const QPointF ab = b - a;
+    const QPointF ac = c - a;
+    const double d = 2 * (ab.x() * ac.y() - ab.y() * ac.x());
+    const double ab2 = QPointF::dotProduct(ab, ab);
+    const double ac2 = QPointF::dotProduct(ac, ac);
+    if (std::abs(d) < 1e-9 * (ab2 + ac2))
+        return {};
+    const QPointF o((ac.y() * ab2 - ab.y() * ac2) / d, (ab.x() * ac2 - ac.x() * ab2) / d);
+    const double r = std::hypot(o.x(), o.y());
+    if (!Within(r))
+        return {};
+    return { a + o, r };
+}
+
+double CGVLCircleT::ExactRadius() const
+{
+    if (CoordCount() != 3)
+        return 0.0;
+    if (IsSnapped())
+        return Circumcircle(ExactCoord(0), ExactCoord(1), ExactCoord(2)).radius;
+    return FitCircle().radius;
+}
+
+double CGVLCircleT::RadiusUncertainty() const
+{
+    if (CoordCount() != 3 || !IsSnapped())
+        return 0.0;
+    // Each point was placed along its line from the centre; how far the
+    // radius follows a small step of it there, times its own uncertainty.
+    const QPointF p[3] = { ExactCoord(0), ExactCoord(1), ExactCoord(2) };
+    const ExactCircle circle = Circumcircle(p[0], p[1], p[2]);
+    if (circle.radius == 0.0)
+        return 0.0;
+    constexpr double kStep = 1e-3;
+    double sum = 0.0;
+    for (int i = 0; i < 3; ++i) {
+        QPointF moved[3] = { p[0], p[1], p[2] };
+        moved[i] += (p[i] - circle.centre) / circle.radius * kStep;
+        const double slope = (Circumcircle(moved[0], moved[1], moved[2]).radius - circle.radius) / kStep;
+        sum += slope * slope * CoordSigma(i) * CoordSigma(i);
+    }
+    const CalibrationRecord& unit = Unit();
+    return kSnapCoverage * std::sqrt(sum) * (unit.m_dcxPerPixel + unit.m_dcyPerPixel) / 2;
+}
+
 double CGVLCircleT::GetRadius() const
 {
     if (CoordCount() != 3)
         return 0.0;
     const CalibrationRecord& unit = Unit();
-    return (unit.m_dcyPerPixel + unit.m_dcxPerPixel) * FitCircle().radius * 0.5;
+    return (unit.m_dcyPerPixel + unit.m_dcxPerPixel) * ExactRadius() * 0.5;
 }
 
 double CGVLCircleT::GetArea() const
@@ -85,12 +132,33 @@ double CGVLCircleT::GetArea() const
     if (CoordCount() != 3)
         return 0.0;
     const CalibrationRecord& unit = Unit();
-    const double r = FitCircle().radius;
+    const double r = ExactRadius();
     return r * 3.14159 * unit.m_dcxPerPixel * r * unit.m_dcyPerPixel;
+}
+
+int CGVLCircleT::OnLButtonUp(unsigned flags, const QPoint& point, int tool)
+{
+    const bool completes = tool == m_nOwnTool && m_bDown && m_nClick == 2;
+    const bool dragged = tool == kToolMove && m_bDown && m_bDragging;
+    const int hit = CGVLThreeClick::OnLButtonUp(flags, point, tool);
+    if ((completes || dragged) && CoordCount() == 3) {
+        const ExactCircle circle = Circumcircle(m_arCoord[0], m_arCoord[1], m_arCoord[2]);
+        if (circle.radius > 0.0) {
+            std::vector<QPointF> outward;
+            for (const QPoint& p : m_arCoord)
+                outward.push_back(QPointF(p) - circle.centre);
+            SnapPoints(outward);
+        }
+    }
+    return hit;
 }
 
 QString CGVLCircleT::RadiusText() const
 {
+    if (IsSnapped()) {
+        return MeasureTables::FormatLabel(
+            MeasureTables::kRadiusFormats, Precision(), GetRadius(), UnitText(), RadiusUncertainty());
+    }
     return MeasureTables::FormatLabel(MeasureTables::kRadiusFormats, Precision(), GetRadius(), UnitText());
 }
 

@@ -24,11 +24,29 @@ public:
     // collinear for a centre within reach, give centre (0, 0) and radius 0.
     Circle FitCircle() const;
 
+    // The circle through three points to a fraction of a pixel; radius 0
+    // for (nearly) collinear points.
+    struct ExactCircle
+    {
+        QPointF centre;
+        double radius = 0.0;
+    };
+    static ExactCircle Circumcircle(const QPointF& a, const QPointF& b, const QPointF& c);
+
     virtual double GetRadius() const;
     double GetArea() const override;
     void Draw(QPainter& dc, int hidden, int reserved) override;
+    // The third click, or the end of a drag, snaps the points to the rim
+    // while "Snap to edges" is on.
+    int OnLButtonUp(unsigned flags, const QPoint& point, int tool) override;
     void UpdateElem() override;
 
-    // "R=" with the radius; empty outside precision 1..5.
+    // "R=" with the radius; empty outside precision 1..5. A snapped circle
+    // adds its uncertainty.
     QString RadiusText() const;
+    // The radius in pixels: through the snapped points when snapped, else
+    // FitCircle's.
+    double ExactRadius() const;
+    // The expanded uncertainty of GetRadius for a snapped circle, else 0.
+    double RadiusUncertainty() const;
 };

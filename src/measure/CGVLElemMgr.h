@@ -6,6 +6,7 @@
 #include "measure/CGVLShape.h"
 
 #include <QByteArray>
+#include <QImage>
 #include <QPoint>
 #include <QString>
 #include <QStringList>
@@ -123,6 +124,10 @@ public:
     int m_nFontBackground = 1;
     // Replaceable so that the engine runs, and tests, without a user.
     TextInput m_fnTextInput = AskTextWithDialog;
+    // The picture under the overlay, without it, that lines and circles snap
+    // their points to as a drag ends. Unset, or answering a null picture
+    // ("Snap to edges" off), leaves every point where the mouse put it.
+    std::function<QImage()> m_fnSnapPicture;
 
 private:
     class Call;

@@ -20,10 +20,24 @@ CGVLLine::CGVLLine(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CG
     m_nType = type;
 }
 
+namespace {
+
+double Calibrated(double dx, double dy, const CalibrationRecord& unit)
+{
+    return std::sqrt(dx * dx * unit.m_dcxPerPixel * unit.m_dcxPerPixel
+        + dy * dy * unit.m_dcyPerPixel * unit.m_dcyPerPixel);
+}
+
+} // namespace
+
 double CGVLLine::GetLength() const
 {
     if (CoordCount() != 2)
         return 0.0;
+    if (IsSnapped()) {
+        const QPointF d = ExactCoord(0) - ExactCoord(1);
+        return Calibrated(d.x(), d.y(), Unit());
+    }
     const double dx = m_arCoord[0].x() - m_arCoord[1].x();
     const double dy = m_arCoord[0].y() - m_arCoord[1].y();
     const CalibrationRecord& unit = Unit();
@@ -86,6 +100,11 @@ int CGVLLine::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
     const bool tooShort = CoordCount() == 2 && std::abs(m_arCoord[0].x() - m_arCoord[1].x()) < m_nMinSize
         && std::abs(m_arCoord[0].y() - m_arCoord[1].y()) < m_nMinSize;
+    // Both ends look for their edge along the line, the way the drag went.
+    if (m_bDown && m_nOwnTool == kToolLine && CoordCount() == 2 && !tooShort) {
+        const QPointF along(m_arCoord[0] - m_arCoord[1]);
+        SnapPoints({ along, along });
+    }
     return ReleaseOrDiscard(tool, m_nOwnTool, tooShort);
 }
 
@@ -134,7 +153,25 @@ QPoint CGVLLine::LabelPos() const
     return mid + (slope >= -0.08 ? QPoint(10, -20) : QPoint(10, 10));
 }
 
+double CGVLLine::LengthUncertainty() const
+{
+    if (CoordCount() != 2 || !IsSnapped())
+        return 0.0;
+    const QPointF d = ExactCoord(0) - ExactCoord(1);
+    const double length = std::hypot(d.x(), d.y());
+    if (length == 0.0)
+        return 0.0;
+    // Each end was placed along the line: it moves the length by its own
+    // error, at the calibrated scale along the line.
+    const double scale = Calibrated(d.x() / length, d.y() / length, Unit());
+    return kSnapCoverage * scale * std::hypot(CoordSigma(0), CoordSigma(1));
+}
+
 QString CGVLLine::LabelText() const
 {
+    if (IsSnapped()) {
+        return MeasureTables::FormatLabel(
+            MeasureTables::kLengthFormats, Precision(), GetLength(), UnitText(), LengthUncertainty());
+    }
     return MeasureTables::FormatLabel(MeasureTables::kLengthFormats, Precision(), GetLength(), UnitText());
 }

@@ -24,7 +24,10 @@ public:
     // Top-left of the label's cell, beside the middle of the line.
     QPoint LabelPos() const;
     // "L=" with the length at the manager's precision; empty outside 1..5.
+    // A snapped line adds its uncertainty: "L=12.34±0.052um".
     QString LabelText() const;
+    // The expanded uncertainty of GetLength for a snapped line, else 0.
+    double LengthUncertainty() const;
 
 protected:
     // For shapes made the same way with another tool and minimum size.

@@ -239,6 +239,69 @@ void CGVLShape::InvalidateWithAreaLabel(const GdiRect& box) const
         std::max(box.right, m_arCoord[0].x() + 300) + 10, std::max(box.bottom, labelBottom) + 10 });
 }
 
+bool CGVLShape::IsSnapped() const
+{
+    if (m_arCoord.empty() || m_arEdge.size() != m_arCoord.size())
+        return false;
+    for (std::size_t i = 0; i < m_arCoord.size(); ++i) {
+        if (!(m_arEdge[i].sigma > 0.0) || m_arEdge[i].coord != m_arCoord[i])
+            return false;
+    }
+    return true;
+}
+
+QPointF CGVLShape::ExactCoord(int index) const
+{
+    const auto i = std::size_t(index);
+    if (i < m_arEdge.size() && m_arEdge[i].sigma > 0.0 && m_arEdge[i].coord == m_arCoord.at(i))
+        return m_arEdge[i].exact;
+    return QPointF(m_arCoord.at(i));
+}
+
+double CGVLShape::CoordSigma(int index) const
+{
+    const auto i = std::size_t(index);
+    if (i < m_arEdge.size() && i < m_arCoord.size() && m_arEdge[i].coord == m_arCoord[i])
+        return m_arEdge[i].sigma;
+    return 0.0;
+}
+
+QImage CGVLShape::SnapPicture() const
+{
+    if (!m_pMgr || !m_pMgr->m_fnSnapPicture)
+        return QImage();
+    const QImage picture = m_pMgr->m_fnSnapPicture();
+    // Converted once here rather than by every search line.
+    return picture.isNull() || picture.format() == QImage::Format_Grayscale8
+        ? picture
+        : picture.convertToFormat(QImage::Format_Grayscale8);
+}
+
+bool CGVLShape::SnapPoints(const std::vector<QPointF>& directions)
+{
+    const QImage picture = SnapPicture();
+    if (picture.isNull() || directions.size() != m_arCoord.size())
+        return false;
+    std::vector<EdgePoint> found;
+    for (std::size_t i = 0; i < m_arCoord.size(); ++i) {
+        const std::optional<EdgePoint> edge = SnapToEdge(picture, m_arCoord[i], directions[i]);
+        if (!edge)
+            return false;
+        found.push_back(*edge);
+    }
+    SetSnapped(found);
+    return true;
+}
+
+void CGVLShape::SetSnapped(const std::vector<EdgePoint>& points)
+{
+    UpdateElem();
+    for (std::size_t i = 0; i < points.size() && i < m_arCoord.size(); ++i)
+        m_arCoord[i] = points[i].coord;
+    m_arEdge = points;
+    UpdateElem();
+}
+
 int CGVLShape::StandardLButtonDown(const QPoint& point, int tool, int ownTool)
 {
     m_nHit = HitTest(point);

@@ -2,6 +2,7 @@
 
 #include "calibration/CalibrationRecord.h"
 #include "calibration/ColorRecord.h"
+#include "measure/EdgeSnap.h"
 #include "measure/GdiPainter.h"
 #include "measure/GdiRect.h"
 
@@ -92,6 +93,13 @@ public:
     virtual bool IsRefPoint(const QPoint& point) const;
 
     int CoordCount() const { return int(m_arCoord.size()); }
+    // Every point still sits where "Snap to edges" placed it.
+    bool IsSnapped() const;
+    // Where point `index` really is: its edge when snapped, else the point.
+    QPointF ExactCoord(int index) const;
+    // The standard uncertainty of ExactCoord along its search line; 0 when
+    // the point is not snapped.
+    double CoordSigma(int index) const;
     // "S=" with GetArea(); empty outside precision 1..5.
     QString AreaText() const;
 
@@ -113,8 +121,20 @@ public:
     bool m_bSelected = false;
     QPoint m_ptDragFrom;
     int m_nHit = -1;
+    // The points snapping placed, by index; see EdgePoint.
+    std::vector<EdgePoint> m_arEdge;
 
 protected:
+    // The picture under the overlay while "Snap to edges" is on, grayscale;
+    // null when snapping is off or there is no picture.
+    QImage SnapPicture() const;
+    // Puts every point on the nearest edge along its direction (one per
+    // point) and returns true; or, when one of them finds none, moves none: a
+    // value is snapped whole or not at all.
+    bool SnapPoints(const std::vector<QPointF>& directions);
+    // Takes points found by snapping (one per point) as the shape's own.
+    void SetSnapped(const std::vector<EdgePoint>& points);
+
     // Copied only as the concrete kind (CGVLElemMgr::CopyShapes, for the undo
     // history); a copy keeps the id and the manager.
     CGVLShape(const CGVLShape&) = default;

@@ -1,16 +1,15 @@
 #include "app/CMeasureApp.h"
 
+#include "app/AppLanguage.h"
+#include "app/CAboutDlg.h"
 #include "app/CChildFrame.h"
 #include "app/CommandTable.h"
 #include "app/TestDocuments.h"
 #include "app/TestHome.h"
 #include "capture/CameraModels.h"
 #include "capture/SimDeviceProvider.h"
-#include "platform/PrivateProfile.h"
-
-#include "app/AppLanguage.h"
-#include "app/CAboutDlg.h"
 #include "platform/MessageBox.h"
+#include "platform/PrivateProfile.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -19,13 +18,13 @@
 #include <QLabel>
 #include <QMdiArea>
 #include <QMenuBar>
+#include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
-#include <functional>
-#include <QTimer>
 #include <QUrl>
 
 #include <csignal>
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace {
@@ -231,8 +230,8 @@ TEST_F(MeasureAppTest, HelpAboutAndASecondCopysRequest)
     UrlSpy spy;
     QDesktopServices::setUrlHandler("file", &spy, "open");
 
-    const QString manual = app->GetPaths().m_programFolder
-        + (app->IsChinese() ? "KorvalCam_CN.pdf" : "KorvalCam_EN.pdf");
+    const QString manual
+        = app->GetPaths().m_programFolder + (app->IsChinese() ? "KorvalCam_CN.pdf" : "KorvalCam_EN.pdf");
     EXPECT_EQ(app->HelpFilePath(), manual);
     CMainFrame* frame = app->GetMainFrame();
     QFile::remove(manual);
@@ -256,7 +255,8 @@ TEST_F(MeasureAppTest, HelpAboutAndASecondCopysRequest)
         ASSERT_NE(about, nullptr);
         aboutShown = true;
         EXPECT_TRUE(about->findChild<QLabel*>("version")->text().contains("V1.18.7.27"));
-        EXPECT_TRUE(about->findChild<QLabel*>("link")->text().contains(QUrl::fromLocalFile(manual).toString()));
+        EXPECT_TRUE(
+            about->findChild<QLabel*>("link")->text().contains(QUrl::fromLocalFile(manual).toString()));
         about->accept();
     });
     EXPECT_TRUE(frame->RouteCommand(ID_APP_ABOUT));
@@ -279,7 +279,8 @@ TEST_F(MeasureAppTest, LanguageTranslatesMenusDialogsAndMessages)
         const char* file;
         const char* about;
         const char* message;
-    } rows[] { { kLangIdFrench, "&Fichier", "À propos de Oculix", "Une instance est déjà en cours d'exécution !" },
+    } rows[] { { kLangIdFrench, "&Fichier", "À propos de Oculix",
+                   "Une instance est déjà en cours d'exécution !" },
         { kLangIdChinese, "文件(&F)", "关于 Oculix", "已有一个实例正在运行！" },
         { kLangIdEnglish, "&File", "About Oculix", "Already having one instance running!" } };
     for (const auto& row : rows) {
@@ -305,7 +306,8 @@ TEST_F(MeasureAppTest, LanguageTranslatesMenusDialogsAndMessages)
         ASSERT_EQ(texts.size(), 1u);
         EXPECT_EQ(texts.front(), QString::fromUtf8(row.message));
         app.reset();
-        EXPECT_EQ(QCoreApplication::translate("Menu", "&File"), "&File") << "translators leave with the program";
+        EXPECT_EQ(QCoreApplication::translate("Menu", "&File"), "&File")
+            << "translators leave with the program";
     }
 }
 

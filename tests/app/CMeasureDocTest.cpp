@@ -4,6 +4,7 @@
 #include "app/DlgSelectFile.h"
 #include "image/FCObjImage.h"
 #include "measure/CRulerSettingDlg.h"
+#include "platform/AppPaths.h"
 #include "platform/PrivateProfile.h"
 
 #include <QComboBox>
@@ -13,6 +14,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScopeGuard>
+#include <QSettings>
 #include <QTest>
 #include <QTimer>
 
@@ -66,6 +68,12 @@ TEST_F(MeasureFrameTest, LiveVideoComesUpALineDrawnOnItIsExportedAndCaptureMakes
     EXPECT_TRUE(frame->QueryCommand(ID_MEASURE_LINE).IsChecked());
     Drag(ActiveView()->GetOverlayWnd(), QPoint(200, 300), QPoint(400, 300));
     ASSERT_EQ(ShapeTypes(*live), (std::vector<int> { 9, 2 }));
+    // With "Snap to Edges" on, the live document snaps to the frame as
+    // processed, before the shapes are laid over it; off, it keeps none.
+    frame->RouteCommand(ID_MEASURE_SNAP_EDGES);
+    EXPECT_TRUE(WaitFor([&] { return live->SnapPicture().size() == live->GetImageSize(); }, 2000));
+    frame->RouteCommand(ID_MEASURE_SNAP_EDGES);
+    EXPECT_TRUE(live->SnapPicture().isNull());
 
     // The worker keeps publishing overlays while the video runs, and says so
     // in the debug output.
@@ -248,6 +256,25 @@ TEST_F(MeasureFrameTest, PictureViewZoomCrossLinesAndCalibrationDialog)
     doc->SetZoomIndex(4);
     ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
     ASSERT_EQ(doc->GetCurrentTool(), 2);
+
+    // "Snap to Edges", off at first, is kept in the user settings; with it on
+    // a line's ends land on the picture's edges (red falls from 252 to 0
+    // between pixels 63 and 64, and 127 and 128).
+    EXPECT_FALSE(frame->QueryCommand(ID_MEASURE_SNAP_EDGES).IsChecked());
+    EXPECT_TRUE(doc->SnapPicture().isNull());
+    frame->RouteCommand(ID_MEASURE_SNAP_EDGES);
+    EXPECT_TRUE(frame->QueryCommand(ID_MEASURE_SNAP_EDGES).IsChecked());
+    EXPECT_TRUE(QSettings(UserSettingsFilePath(), QSettings::IniFormat).value("Measure/SnapToEdges").toBool());
+    Drag(view->GetOverlayWnd(), QPoint(66, 150), QPoint(126, 150));
+    frame->RouteCommand(ID_MEASURE_SNAP_EDGES);
+    EXPECT_FALSE(CMeasureDoc::SnapToEdges());
+    ASSERT_EQ(mgr.m_arShape.size(), 2u);
+    const CGVLShape& line = *mgr.m_arShape[1];
+    EXPECT_TRUE(line.IsSnapped());
+    EXPECT_NEAR(line.ExactCoord(0).x(), 127.5, 0.1);
+    EXPECT_NEAR(line.ExactCoord(1).x(), 63.5, 0.1);
+    mgr.DeleteAll();
+
     frame->RouteCommand(ID_MEASURE_CALIBRATION);
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_EQ(mgr.m_bShowRuler, 1);

@@ -12,11 +12,11 @@
 #include <QDesktopServices>
 #include <QDialog>
 #include <QFileInfo>
-#include <QStatusBar>
-#include <QToolBar>
 #include <QImage>
 #include <QPointer>
+#include <QStatusBar>
 #include <QTimer>
+#include <QToolBar>
 #include <QUrl>
 
 #include <atomic>
@@ -38,7 +38,7 @@ namespace {
 
 #if defined(__SANITIZE_ADDRESS__)
 // Sized so that the run under the sanitizers stays near a minute.
-constexpr int kDefaultActions = 1500;
+constexpr int kDefaultActions = 1000;
 #else
 constexpr int kDefaultActions = 3000;
 #endif
@@ -62,7 +62,9 @@ class CrashJournal
 public:
     CrashJournal()
     {
-        struct sigaction action {};
+        struct sigaction action
+        {
+        };
         action.sa_handler = &CrashJournal::OnSignal;
         sigemptyset(&action.sa_mask);
         for (std::size_t i = 0; i < std::size(kSignals); ++i)
@@ -240,10 +242,17 @@ protected:
     {
         std::vector<int> answers { IDOK };
         switch (request.flags & 0xF) {
-        case MB_OKCANCEL: answers = { IDOK, IDCANCEL }; break;
-        case MB_YESNOCANCEL: answers = { IDYES, IDNO, IDCANCEL }; break;
-        case MB_YESNO: answers = { IDYES, IDNO }; break;
-        default: break;
+        case MB_OKCANCEL:
+            answers = { IDOK, IDCANCEL };
+            break;
+        case MB_YESNOCANCEL:
+            answers = { IDYES, IDNO, IDCANCEL };
+            break;
+        case MB_YESNO:
+            answers = { IDYES, IDNO };
+            break;
+        default:
+            break;
         }
         const int answer = nextAnswer == AnyAnswer
             ? answers[std::uniform_int_distribution<std::size_t>(0, answers.size() - 1)(answerRng)]
@@ -310,9 +319,9 @@ TEST_F(Monkey, RandomActionsOverTheWholeProgram)
     for (const CommandInfo& info : Commands())
         if (std::ranges::count(ending, info.id) == 0)
             commands.push_back(info.id);
-    const int tools[] { ID_MEASURE_POINT, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT, ID_MEASURE_POLYGON,
-        ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, ID_MEASURE_ARROW, ID_MEASURE_TEXT,
-        ID_MEASURE_MOVE, ID_MEASURE_DELETE, ID_MEASURE_CALIBRATION };
+    const int tools[] { ID_MEASURE_POINT, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT,
+        ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, ID_MEASURE_ARROW,
+        ID_MEASURE_TEXT, ID_MEASURE_MOVE, ID_MEASURE_DELETE, ID_MEASURE_CALIBRATION };
     const auto pick = [&rng](auto& range) {
         return range[std::uniform_int_distribution<std::size_t>(0, std::size(range) - 1)(rng)];
     };
@@ -344,13 +353,15 @@ TEST_F(Monkey, RandomActionsOverTheWholeProgram)
         const int steps = std::uniform_int_distribution(1, 5)(rng);
         for (int step = 0; step < steps; ++step) {
             const QPoint from = point();
-            const QPoint to = chance(70) ? from + QPoint(std::uniform_int_distribution(-150, 150)(rng),
-                                               std::uniform_int_distribution(-150, 150)(rng))
+            const QPoint to = chance(70) ? from
+                    + QPoint(std::uniform_int_distribution(-150, 150)(rng),
+                        std::uniform_int_distribution(-150, 150)(rng))
                                          : from;
             switch (std::uniform_int_distribution(0, 4)(rng)) {
             case 0: // a drag
             case 1:
-                Note(QStringLiteral("  drag %1,%2 %3,%4").arg(from.x()).arg(from.y()).arg(to.x()).arg(to.y()));
+                Note(
+                    QStringLiteral("  drag %1,%2 %3,%4").arg(from.x()).arg(from.y()).arg(to.x()).arg(to.y()));
                 send(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
                 for (QPoint at : { from, (from + to) / 2, to })
                     send(QEvent::MouseMove, at, Qt::NoButton, Qt::LeftButton);
@@ -369,7 +380,11 @@ TEST_F(Monkey, RandomActionsOverTheWholeProgram)
                 send(QEvent::MouseButtonRelease, from, Qt::LeftButton, Qt::NoButton);
                 break;
             default: // the right button, or a move with no button held
-                Note(QStringLiteral("  right %1,%2 move %3,%4").arg(from.x()).arg(from.y()).arg(to.x()).arg(to.y()));
+                Note(QStringLiteral("  right %1,%2 move %3,%4")
+                         .arg(from.x())
+                         .arg(from.y())
+                         .arg(to.x())
+                         .arg(to.y()));
                 send(QEvent::MouseButtonPress, from, Qt::RightButton, Qt::RightButton);
                 send(QEvent::MouseButtonRelease, from, Qt::RightButton, Qt::NoButton);
                 send(QEvent::MouseMove, to, Qt::NoButton, Qt::NoButton);
@@ -388,8 +403,9 @@ TEST_F(Monkey, RandomActionsOverTheWholeProgram)
             gesture();
         } else if (kind < 78) {
             // Half of the time back to 100 %, where the live video can be drawn on.
-            const int index = chance(50) ? CMeasureDoc::kZoomActualSize
-                                         : std::uniform_int_distribution(0, frame->GetZoomBox()->count() - 1)(rng);
+            const int index = chance(50)
+                ? CMeasureDoc::kZoomActualSize
+                : std::uniform_int_distribution(0, frame->GetZoomBox()->count() - 1)(rng);
             Note(QStringLiteral("zoom %1").arg(index));
             frame->GetZoomBox()->setCurrentIndex(index);
             emit frame->GetZoomBox()->activated(index);
@@ -406,7 +422,8 @@ TEST_F(Monkey, RandomActionsOverTheWholeProgram)
         } else if (kind < 96) {
             const auto children = frame->GetChildFrames();
             if (!children.empty()) {
-                const std::size_t index = std::uniform_int_distribution<std::size_t>(0, children.size() - 1)(rng);
+                const std::size_t index
+                    = std::uniform_int_distribution<std::size_t>(0, children.size() - 1)(rng);
                 Note(QStringLiteral("activate child %1").arg(index));
                 frame->GetMdiArea()->setActiveSubWindow(children[index]);
             }
@@ -578,6 +595,7 @@ TEST_F(Monkey, EveryCommandOfTheTableHasItsEffect)
         { ID_CAMERA_FULLSCREEN, flips(fullScreen) },
         { ID_VIEW_CROSSLINE, flips(checked(ID_VIEW_CROSSLINE)) },
         { ID_VIEW_DASHED_CROSSLINE, flips(checked(ID_VIEW_DASHED_CROSSLINE)) },
+        { ID_MEASURE_SNAP_EDGES, flips(checked(ID_MEASURE_SNAP_EDGES)) },
         { ID_ZOOM,
             [&](int id) {
                 frame->GetZoomBox()->setCurrentIndex(CMeasureDoc::kZoomActualSize);
@@ -621,6 +639,7 @@ TEST_F(Monkey, EveryCommandOfTheTableHasItsEffect)
             } },
         { ID_EDIT_UNDO, changes([&] { return int(ShapeTypes(*live).size()); }, -1) },
         { ID_EDIT_REDO, changes([&] { return int(ShapeTypes(*live).size()); }, +1) },
+        { ID_MEASURE_SNAP_EDGES, flips(checked(ID_MEASURE_SNAP_EDGES)) },
         { ID_MEASURE_DELETE_ALL, makes([&] { return ShapeTypes(*live) == std::vector<int> { 9 }; }) },
         { ID_MEASURE_CALIBRATION, flips([&] { return live->GetCalibrationDialog()->isVisible(); }) },
         { ID_MEASURE_SETTING, shows("CMeasureColorDlg") },

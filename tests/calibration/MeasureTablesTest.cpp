@@ -33,4 +33,24 @@ TEST(MeasureTables, LabelsByPrecisionAndEmptyOutsideOneToFive)
     EXPECT_EQ(FormatLabel(kValueFormats, 1, 10.0, SpacedUnitText(1)), "10.0 mm");
     for (int precision : { 0, 6 })
         EXPECT_TRUE(FormatLabel(kLengthFormats, precision, 1.0, "mm").isEmpty()) << precision;
+
+    // With an uncertainty: two significant digits of it, never fewer decimals than the value.
+    struct Row
+    {
+        const PrecisionFormats& formats;
+        int precision;
+        double value;
+        double u;
+        const char* unit;
+        const char* label;
+    };
+    const Row rows[] = {
+        { kLengthFormats, 2, 12.3456, 0.0523, "um", "L=12.35±0.052um" },
+        { kLengthFormats, 1, 5.0, 0.25, "mm", "L=5.0±0.25mm" },
+        { kRadiusFormats, 3, 1.0, 2.5, "inch", "R=1.000±2.500inch" },
+        { kRadiusFormats, 2, 1.0, 1e-9, "mm", "R=1.00±0.000000mm" },
+        { kLengthFormats, 0, 1.0, 0.1, "mm", "" },
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(FormatLabel(r.formats, r.precision, r.value, r.unit, r.u), QString::fromUtf8(r.label)) << r.label;
 }

@@ -1,7 +1,10 @@
 #include "image/FusedProcess.h"
 
+#include "capture/CCamProcess.h"
 #include "capture/YuvFrameRows.h"
 #include "image/ImageProcess.h"
+
+#include <QImage>
 
 #include <cstdlib>
 #include <cstring>
@@ -154,6 +157,36 @@ TEST(FusedProcess, OverlayPixelsOtherThanTheKeyReplaceTheResult)
             }
         EXPECT_TRUE(Fused(picture, w, h, s, overlay.data()) == expected) << mask;
     }
+
+    // The live element keeping the frame under the overlay (for snapping)
+    // gives the same frame, and keeps it processed without the overlay.
+    const ProcessSwitches s = FromMask(4 | 32);
+    std::vector<uchar> expected = StillChain(picture, w, h, s);
+    const std::vector<uchar> under = expected;
+    for (unsigned y = 0; y < h; ++y)
+        for (unsigned x = 0; x < w; ++x) {
+            const uchar* o = &overlay[y * stride + 3 * x];
+            if (!(o[0] == 1 && o[1] == 1 && o[2] == 1))
+                std::memcpy(&expected[y * stride + 3 * x], o, 3);
+        }
+    CCamProcess process;
+    process.SetOverlaySize(w, h);
+    uchar* published = overlay.data();
+    process.SetOverlay(1, &published);
+    process.SetGray(1);
+    process.SetEmboss(1);
+    process.KeepCleanFrames(true);
+    std::vector<uchar> out(picture.size(), 0xEE);
+    process.ProcessFrame(picture.data(), std::ptrdiff_t(stride), out.data(), std::ptrdiff_t(stride), w, h);
+    EXPECT_TRUE(out == expected);
+    const QImage clean = process.CleanFrame();
+    ASSERT_EQ(clean.size(), QSize(int(w), int(h)));
+    int differing = 0;
+    for (unsigned y = 0; y < h; ++y)
+        differing += std::memcmp(clean.constScanLine(int(h - 1 - y)), &under[y * stride], 3 * w) != 0;
+    EXPECT_EQ(differing, 0) << "rows kept top-down, without the overlay";
+    process.KeepCleanFrames(false);
+    EXPECT_TRUE(process.CleanFrame().isNull());
 }
 
 // A camera's YUV frame, top row first, read bottom-up as BGR through the

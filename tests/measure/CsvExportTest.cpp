@@ -1,5 +1,10 @@
 #include "MeasureTestSupport.h"
 #include "calibration/MeasureTables.h"
+#include "measure/CGVLCircle.h"
+#include "measure/CGVLCircleT.h"
+#include "measure/CGVLLine.h"
+
+#include <functional>
 
 #include <clocale>
 #include <cstdio>
@@ -32,35 +37,58 @@ struct CsvFixture : MeasureFixture
 
 TEST_F(CsvFixture, EveryMeasuringShapeGivesItsRowsInCreationOrderAndNoneNothing)
 {
-    EXPECT_EQ(Csv(), "") << "the ruler alone";
-    Annotate({ 100, 100 });
-    EXPECT_EQ(Csv(true), "No.;Type;Result;Unit\n") << "only elements that measure nothing";
-    mgr.DeleteAll();
-    EXPECT_EQ(Csv(), "") << "after Delete all, not even the header";
-    mgr.m_unit = { 1, 0.1, 0.1, 0, 0 };
-    mgr.m_nPrecision = 3;
-    AddLine(mgr, { 0, 0 }, { 30, 40 });
-    Annotate({ 300, 20 });
-    Clicks(mgr, 3, { { 150, 100 }, { 100, 100 }, { 150, 150 } });
-    Drag(mgr, 4, { 50, 50 }, { { 51, 51 }, { 150, 120 } });
-    Annotate({ 300, 200 });
-    Clicks(mgr, 5, { { 100, 100 }, { 110, 100 }, { 100, 110 } });
-    RightClick(mgr, 5, { 0, 0 });
-    Drag(mgr, 6, { 100, 100 }, { { 101, 101 }, { 130, 140 } });
-    Clicks(mgr, 7, { { 100, 100 }, { 110, 100 }, { 100, 110 } });
-    ASSERT_EQ(mgr.m_arShape.size(), 15u);
-    const QByteArray comma = "No.,Type,Result,Unit\n"
-                             "1,Line distance,5.000, mm\n"
-                             "2,Angle,45.000,degree\n"
-                             "3,Rect area,70.000, mm2\n"
-                             "4,Ploygon area,0.500, mm2\n"
-                             "5,Circle radius,5.000, mm\n"
-                             "5,Circle area,78.540, mm2\n"
-                             "6,Tri-circle radius,0.700, mm\n"
-                             "6,Tri-circle area,1.539, mm2\n";
-    EXPECT_EQ(Csv(), comma);
-    QByteArray semicolon = comma;
-    EXPECT_EQ(Csv(true), semicolon.replace(',', ';'));
+    // The same rows and labels as ever when "Snap to edges" is off (no hook,
+    // or no picture) and when it finds no edge on a flat picture.
+    QImage flat(400, 300, QImage::Format_Grayscale8);
+    flat.fill(90);
+    const std::function<QImage()> snaps[] = { {}, [] { return QImage(); }, [flat] { return flat; } };
+    std::vector<QStringList> labels;
+    for (const auto& snap : snaps) {
+        mgr.DeleteAll();
+        mgr.m_fnSnapPicture = snap;
+        EXPECT_EQ(Csv(), "") << "the ruler alone";
+        Annotate({ 100, 100 });
+        EXPECT_EQ(Csv(true), "No.;Type;Result;Unit\n") << "only elements that measure nothing";
+        mgr.DeleteAll();
+        EXPECT_EQ(Csv(), "") << "after Delete all, not even the header";
+        mgr.m_unit = { 1, 0.1, 0.1, 0, 0 };
+        mgr.m_nPrecision = 3;
+        Drag(mgr, 2, { 0, 0 }, { { 0, 0 }, { 30, 40 } });
+        Annotate({ 300, 20 });
+        Clicks(mgr, 3, { { 150, 100 }, { 100, 100 }, { 150, 150 } });
+        Drag(mgr, 4, { 50, 50 }, { { 51, 51 }, { 150, 120 } });
+        Annotate({ 300, 200 });
+        Clicks(mgr, 5, { { 100, 100 }, { 110, 100 }, { 100, 110 } });
+        RightClick(mgr, 5, { 0, 0 });
+        Drag(mgr, 6, { 100, 100 }, { { 101, 101 }, { 130, 140 } });
+        Clicks(mgr, 7, { { 100, 100 }, { 110, 100 }, { 100, 110 } });
+        ASSERT_EQ(mgr.m_arShape.size(), 15u);
+        const QByteArray comma = "No.,Type,Result,Unit\n"
+                                 "1,Line distance,5.000, mm\n"
+                                 "2,Angle,45.000,degree\n"
+                                 "3,Rect area,70.000, mm2\n"
+                                 "4,Ploygon area,0.500, mm2\n"
+                                 "5,Circle radius,5.000, mm\n"
+                                 "5,Circle area,78.540, mm2\n"
+                                 "6,Tri-circle radius,0.700, mm\n"
+                                 "6,Tri-circle area,1.539, mm2\n";
+        EXPECT_EQ(Csv(), comma);
+        QByteArray semicolon = comma;
+        EXPECT_EQ(Csv(true), semicolon.replace(',', ';'));
+        QStringList texts;
+        for (const auto& shape : mgr.m_arShape) {
+            if (const auto* line = dynamic_cast<const CGVLLine*>(shape.get()); line && line->GetType() == 2)
+                texts << line->LabelText();
+            else if (const auto* circle = dynamic_cast<const CGVLCircle*>(shape.get()))
+                texts << circle->RadiusText() << circle->AreaText();
+            else if (const auto* tri = dynamic_cast<const CGVLCircleT*>(shape.get()))
+                texts << tri->RadiusText() << tri->AreaText();
+        }
+        labels.push_back(texts);
+    }
+    EXPECT_EQ(labels[0], (QStringList { "L=5.000mm", "R=5.000mm", "S=78.540mm2", "R=0.700mm", "S=1.539mm2" }));
+    EXPECT_EQ(labels[1], labels[0]);
+    EXPECT_EQ(labels[2], labels[0]);
 }
 
 TEST_F(CsvFixture, EveryPrecisionAndUnitWithTheUnitsLeadingSpace)
