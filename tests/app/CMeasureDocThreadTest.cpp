@@ -24,17 +24,20 @@ TEST_F(MeasureFrameTest, ClosingTheLiveDocumentEndsTheWorkerAndWritesItsSettings
     frame->RouteCommand(ID_MEASURE_LINE);
     Drag(wnd, QPoint(10, 500), QPoint(60, 500));
     const unsigned drawn = live->OverlaysDrawn();
-    ASSERT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= drawn + 3; }, 3000));
+    ASSERT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= drawn + 3; }, 30000));
 
-    // Undo and redo swap the whole list while the worker draws it.
+    // Undo and redo swap the whole list while the worker draws it. Under the
+    // thread checker a step waits out whole worker passes for the lock, about
+    // a second each, hence few steps and a long bound.
     int steps = 0;
     const unsigned before = live->OverlaysDrawn();
     ASSERT_TRUE(WaitFor(
         [&] {
             frame->RouteCommand(++steps % 16 < 8 ? ID_EDIT_UNDO : ID_EDIT_REDO);
-            return steps >= 32 && live->OverlaysDrawn() >= before + 3;
+            return steps >= 16 && live->OverlaysDrawn() >= before + 3;
         },
-        5000));
+        30000))
+        << steps << " steps, " << live->OverlaysDrawn() - before << " overlays drawn";
     while (frame->QueryCommand(ID_EDIT_REDO).IsEnabled())
         frame->RouteCommand(ID_EDIT_REDO);
     EXPECT_EQ(ShapeTypes(*live), (std::vector<int> { 9, 2 })) << "redone to the last line";
