@@ -259,14 +259,8 @@ void CCamProcess::ProcessFrame(
     if (!overlay)
         frame.unlock();
 
-    if (!s.enable) {
-        FusedProcess(rows, dst, dstStep, width, height, ProcessSwitches(), nullptr);
-        if (s.keepClean)
-            KeepClean(dst, dstStep, width, height);
-        return;
-    }
     if (!overlay) {
-        FusedProcess(rows, dst, dstStep, width, height, s.switches, nullptr);
+        FusedProcess(rows, dst, dstStep, width, height, s.enable ? s.switches : ProcessSwitches(), nullptr);
         if (s.keepClean)
             KeepClean(dst, dstStep, width, height);
         return;
