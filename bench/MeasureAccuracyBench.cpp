@@ -20,11 +20,10 @@
 
 #include <QBuffer>
 
-#include <opencv2/core.hpp>
-
 #include <cmath>
 #include <cstdio>
 #include <functional>
+#include <opencv2/core.hpp>
 #include <random>
 #include <vector>
 
@@ -96,8 +95,8 @@ void CalibrationTable()
                 worstRuler = std::max(worstRuler, std::abs(rulerErr));
                 ++rows;
                 if (!fit.found) {
-                    std::printf("%4dx%-5d %5.0f  %-36s  not found: %s\n", size.width(), size.height(), rotation,
-                        c.name, qPrintable(fit.reason));
+                    std::printf("%4dx%-5d %5.0f  %-36s  not found: %s\n", size.width(), size.height(),
+                        rotation, c.name, qPrintable(fit.reason));
                     worst = 100.0;
                     continue;
                 }
@@ -106,13 +105,14 @@ void CalibrationTable()
                 const bool in = std::abs(err) <= u;
                 held += in;
                 worst = std::max(worst, std::abs(err));
-                std::printf("%4dx%-5d %5.0f  %-36s %6zu %+11.4f %11.4f %8s %+12.4f\n", size.width(), size.height(),
-                    rotation, c.name, fit.ticks.size(), err, u, in ? "yes" : "no", rulerErr);
+                std::printf("%4dx%-5d %5.0f  %-36s %6zu %+11.4f %11.4f %8s %+12.4f\n", size.width(),
+                    size.height(), rotation, c.name, fit.ticks.size(), err, u, in ? "yes" : "no", rulerErr);
             }
         }
     }
-    std::printf("worst |error|: micrometer %.4f %%, whole-pixel ruler %.4f %%; uncertainty held in %d of %d\n",
-        worst, worstRuler, held, rows);
+    std::printf(
+        "worst |error|: micrometer %.4f %%, whole-pixel ruler %.4f %%; uncertainty held in %d of %d\n", worst,
+        worstRuler, held, rows);
 }
 
 struct Snap
@@ -228,10 +228,11 @@ struct SnapStats
 
 void SnapTable()
 {
-    std::printf("\nEdge-snapped diameters (pixels) of the 5 particles and sides of the square, 5 line drags each,\n"
-                "and of the particles by 5 circle drags each (centre +-2 px, radius 2 px off)\n");
-    std::printf("%-10s %5s  %-36s %6s %7s %7s %6s %9s | %6s %7s %7s %6s\n", "size", "turn", "condition", "lines",
-        "MAE", "max", "held%", "pixel MAE", "circle", "MAE", "max", "held%");
+    std::printf(
+        "\nEdge-snapped diameters (pixels) of the 5 particles and sides of the square, 5 line drags each,\n"
+        "and of the particles by 5 circle drags each (centre +-2 px, radius 2 px off)\n");
+    std::printf("%-10s %5s  %-36s %6s %7s %7s %6s %9s | %6s %7s %7s %6s\n", "size", "turn", "condition",
+        "lines", "MAE", "max", "held%", "pixel MAE", "circle", "MAE", "max", "held%");
     std::mt19937 rng(2024);
     SnapStats lines;
     SnapStats circles;
@@ -242,7 +243,8 @@ void SnapTable()
             for (const Condition& c : kConditions) {
                 const QImage gray = Frame(scene, c, rotation).convertToFormat(QImage::Format_Grayscale8);
                 Gestures g(gray);
-                const QPointF ux = Unit(scene.FramePoint(QPointF(1, 0), 0) - scene.FramePoint(QPointF(0, 0), 0));
+                const QPointF ux
+                    = Unit(scene.FramePoint(QPointF(1, 0), 0) - scene.FramePoint(QPointF(0, 0), 0));
                 const QPointF uy(-ux.y(), ux.x());
                 SnapStats rowLines;
                 SnapStats rowCircles;
@@ -272,19 +274,22 @@ void SnapTable()
                     for (int k = 0; k < 5; ++k)
                         rowLines.Add(Measure(g, sq - axis * half, sq + axis * half, rng, across));
                 }
-                std::printf("%4dx%-5d %5.0f  %-36s %3d/%-2d %7.3f %7.3f %6.0f %9.3f | %3d/%-2d %7.3f %7.3f %6.0f\n",
-                    size.width(), size.height(), rotation, c.name, rowLines.found, rowLines.tries, rowLines.Mae(),
-                    rowLines.max, rowLines.Held(), rowLines.Pixel(), rowCircles.found, rowCircles.tries,
-                    rowCircles.Mae(), rowCircles.max, rowCircles.Held());
+                std::printf(
+                    "%4dx%-5d %5.0f  %-36s %3d/%-2d %7.3f %7.3f %6.0f %9.3f | %3d/%-2d %7.3f %7.3f %6.0f\n",
+                    size.width(), size.height(), rotation, c.name, rowLines.found, rowLines.tries,
+                    rowLines.Mae(), rowLines.max, rowLines.Held(), rowLines.Pixel(), rowCircles.found,
+                    rowCircles.tries, rowCircles.Mae(), rowCircles.max, rowCircles.Held());
                 lines += rowLines;
                 circles += rowCircles;
             }
         }
     }
-    std::printf("overall lines: mean |error| %.3f px (whole pixels %.3f), uncertainty held in %.1f %% of %d, %d found "
+    std::printf("overall lines: mean |error| %.3f px (whole pixels %.3f), uncertainty held in %.1f %% of %d, "
+                "%d found "
                 "no edge\n",
         lines.Mae(), lines.Pixel(), lines.Held(), lines.found, lines.tries - lines.found);
-    std::printf("overall circles: mean |error| %.3f px, uncertainty held in %.1f %% of %d, %d found no edge\n\n",
+    std::printf(
+        "overall circles: mean |error| %.3f px, uncertainty held in %.1f %% of %d, %d found no edge\n\n",
         circles.Mae(), circles.Held(), circles.found, circles.tries - circles.found);
 }
 

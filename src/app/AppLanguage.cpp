@@ -165,7 +165,6 @@ namespace {
 
 const QString kChoiceKey = QStringLiteral("Interface/LangId");
 
-
 } // namespace
 
 int StoredLanguageChoice()

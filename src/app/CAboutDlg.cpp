@@ -16,12 +16,15 @@ CAboutDlg::CAboutDlg(const QString& brandName, const QString& manualPath, QWidge
     auto* icon = new QLabel(this);
     icon->setPixmap(QIcon(QStringLiteral(":/icons/oculix.svg")).pixmap(64, 64));
 
-    auto* name = new QLabel(QStringLiteral("<b>%1</b> %2").arg(brandName.toHtmlEscaped(), QLatin1String(kVersion)), this);
+    auto* name = new QLabel(
+        QStringLiteral("<b>%1</b> %2").arg(brandName.toHtmlEscaped(), QLatin1String(kVersion)), this);
     name->setObjectName(QStringLiteral("version"));
-    auto* summary = new QLabel(tr("Live pictures, measurements and recordings from USB microscope cameras."), this);
+    auto* summary
+        = new QLabel(tr("Live pictures, measurements and recordings from USB microscope cameras."), this);
     summary->setWordWrap(true);
-    auto* link = new QLabel(QStringLiteral("<a href=\"%1\">%2</a>")
-                                .arg(QUrl::fromLocalFile(manualPath).toString(QUrl::FullyEncoded), tr("User manual")),
+    auto* link = new QLabel(
+        QStringLiteral("<a href=\"%1\">%2</a>")
+            .arg(QUrl::fromLocalFile(manualPath).toString(QUrl::FullyEncoded), tr("User manual")),
         this);
     link->setObjectName(QStringLiteral("link"));
     link->setTextInteractionFlags(Qt::TextBrowserInteraction);

@@ -47,8 +47,9 @@ CFolderEdit::Browser CFolderEdit::SetBrowser(Browser browser)
 
 void CFolderEdit::Browse()
 {
-    const QString folder = CurrentBrowser() ? CurrentBrowser()(this, Folder())
-                                            : QFileDialog::getExistingDirectory(this, tr("Select Path:"), Folder());
+    const QString folder = CurrentBrowser()
+        ? CurrentBrowser()(this, Folder())
+        : QFileDialog::getExistingDirectory(this, tr("Select Path:"), Folder());
     if (!folder.isEmpty())
         SetFolder(folder);
 }

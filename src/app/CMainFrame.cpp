@@ -10,16 +10,16 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
-#include <QCoreApplication>
+#include <QFileInfo>
 #include <QIcon>
 #include <QKeySequence>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
-#include <QFileInfo>
 #include <QPainter>
 #include <QPixmap>
 #include <QPointer>
@@ -27,7 +27,6 @@
 #include <QPrinter>
 #include <QProxyStyle>
 #include <QStatusBar>
-#include <QToolButton>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>

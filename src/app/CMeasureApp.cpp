@@ -5,8 +5,8 @@
 #include "app/CExitSignalWatcher.h"
 #include "app/CMainFrame.h"
 #include "app/CMeasureDoc.h"
-#include "app/CommandTable.h"
 #include "app/CSingleInstance.h"
+#include "app/CommandTable.h"
 #include "app/DlgSelectFile.h"
 #include "capture/CDeviceWatcher.h"
 #include "capture/CameraModels.h"
@@ -26,9 +26,9 @@
 #include <QProcess>
 #include <QScreen>
 #include <QSettings>
+#include <QStatusBar>
 #include <QTranslator>
 #include <QUrl>
-#include <QStatusBar>
 
 #include <cstdio>
 
@@ -63,12 +63,11 @@ CMeasureApp::CMeasureApp()
 
 void CMeasureApp::MapAppCommands()
 {
-    for (auto [id, langId] : { std::pair { ID_LANGUAGE_ENGLISH, kLangIdEnglish },
-             std::pair { ID_LANGUAGE_FRENCH, kLangIdFrench }, std::pair { ID_LANGUAGE_CHINESE, kLangIdChinese } }) {
+    for (auto [id, langId] :
+        { std::pair { ID_LANGUAGE_ENGLISH, kLangIdEnglish }, std::pair { ID_LANGUAGE_FRENCH, kLangIdFrench },
+            std::pair { ID_LANGUAGE_CHINESE, kLangIdChinese } }) {
         MapCommand(id, [this, langId] { SetLanguage(langId); });
-        MapUpdate(id, [this, langId](CCmdUI& ui) {
-            ui.SetCheck(ClassifyLanguageId(langId) == m_language);
-        });
+        MapUpdate(id, [this, langId](CCmdUI& ui) { ui.SetCheck(ClassifyLanguageId(langId) == m_language); });
     }
     for (int i = 0; i < kRecentFileCount; ++i)
         MapCommand(ID_FILE_MRU_FILE1 + i, [this, i] { OnOpenRecentFile(i); });
@@ -132,11 +131,14 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
     m_mainFrame = new CMainFrame(m_langId);
     m_mainFrame->SetAppTarget(this);
     m_mainFrame->setAttribute(Qt::WA_DeleteOnClose, false);
-    m_recentFiles = QSettings(UserSettingsFilePath(), QSettings::IniFormat).value(kRecentFilesKey).toStringList().mid(0, kRecentFileCount);
+    m_recentFiles = QSettings(UserSettingsFilePath(), QSettings::IniFormat)
+                        .value(kRecentFilesKey)
+                        .toStringList()
+                        .mid(0, kRecentFileCount);
     m_mainFrame->SetRecentFiles(m_recentFiles);
     // Queued: the frame's message box must not hold the second copy's call.
-    connect(m_instance, &CSingleInstance::activationRequested, m_mainFrame,
-        &CMainFrame::OnActivateInstance, Qt::QueuedConnection);
+    connect(m_instance, &CSingleInstance::activationRequested, m_mainFrame, &CMainFrame::OnActivateInstance,
+        Qt::QueuedConnection);
 
     m_signals = new CExitSignalWatcher(this);
     connect(m_signals, &CExitSignalWatcher::exitRequested, this, [this](int signalNumber) {
@@ -172,7 +174,9 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
     if (QScreen* screen = QGuiApplication::primaryScreen())
         m_mainFrame->setGeometry(screen->availableGeometry());
     m_mainFrame->showMaximized();
-    qCInfo(lcApp) << "started in" << (TranslationLocale(m_language).isEmpty() ? QStringLiteral("en") : TranslationLocale(m_language))
+    qCInfo(lcApp) << "started in"
+                  << (TranslationLocale(m_language).isEmpty() ? QStringLiteral("en")
+                                                              : TranslationLocale(m_language))
                   << "with data folder" << m_paths.m_dataFolder;
     return true;
 }
@@ -405,7 +409,8 @@ void CMeasureApp::OnOpenPictureFolder()
     // The file manager cannot show a folder that is not there yet.
     QDir().mkpath(folder);
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
-        MessageBox(tr("No file manager could show %1.").arg(folder), m_paths.m_brand.m_name, MB_OK | MB_ICONWARNING);
+        MessageBox(
+            tr("No file manager could show %1.").arg(folder), m_paths.m_brand.m_name, MB_OK | MB_ICONWARNING);
 }
 
 int CMeasureApp::ExitInstance(int code)

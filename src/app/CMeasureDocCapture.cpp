@@ -1,5 +1,4 @@
 #include "app/CMeasureDoc.h"
-
 #include "app/CommandTable.h"
 #include "capture/CIntervalCapDlg.h"
 #include "capture/CRecordDlg.h"
@@ -37,7 +36,8 @@ void CMeasureDoc::OnRecord()
 // Closing this document stops a running series: nothing is saved after it.
 void CMeasureDoc::OnIntervalCapture()
 {
-    CIntervalCapDlg dialog(this, [this] { SilentQuickSave(); }, DialogParent());
+    CIntervalCapDlg dialog(
+        this, [this] { SilentQuickSave(); }, DialogParent());
     connect(this, &QObject::destroyed, &dialog, &CIntervalCapDlg::OnDocumentClosed);
     dialog.exec();
 }
@@ -62,4 +62,3 @@ void CMeasureDoc::UpdateLiveView()
     }
     emit layoutNeeded();
 }
-

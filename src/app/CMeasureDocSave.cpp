@@ -1,9 +1,8 @@
 // Saving pictures: the quick save, the save-as dialog and the save routine
 // they share, the saving resolution, and the measurements kept as XMP data in
 // the file and restored when it is opened again.
-#include "app/CMeasureDoc.h"
-
 #include "app/CCmdUI.h"
+#include "app/CMeasureDoc.h"
 #include "app/CResolutionDlg.h"
 #include "app/CSaveAsDlg.h"
 #include "app/CSaveOptionDlg.h"

@@ -1,8 +1,7 @@
 // "Snap to edges": the toggle, where it is kept, and the picture the shapes
 // of a document snap to.
-#include "app/CMeasureDoc.h"
-
 #include "app/CCmdUI.h"
+#include "app/CMeasureDoc.h"
 #include "app/CommandTable.h"
 #include "measure/CGVLElemMgr.h"
 #include "platform/AppPaths.h"
@@ -24,7 +23,8 @@ std::optional<bool> g_snapToEdges;
 bool CMeasureDoc::SnapToEdges()
 {
     if (!g_snapToEdges)
-        g_snapToEdges = QSettings(UserSettingsFilePath(), QSettings::IniFormat).value(kSnapKey, false).toBool();
+        g_snapToEdges
+            = QSettings(UserSettingsFilePath(), QSettings::IniFormat).value(kSnapKey, false).toBool();
     return *g_snapToEdges;
 }
 

@@ -15,7 +15,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-CSaveAsDlg::CSaveAsDlg(const QString& settingsFile, const QString& fileName, SaveFunction save, QWidget* parent)
+CSaveAsDlg::CSaveAsDlg(
+    const QString& settingsFile, const QString& fileName, SaveFunction save, QWidget* parent)
     : QDialog(parent)
     , m_settingsFile(settingsFile)
     , m_save(std::move(save))
@@ -112,8 +113,8 @@ void CSaveAsDlg::accept()
     const bool exists = existing.open(QIODevice::ReadOnly);
     existing.close();
     if (!exists
-        || MessageBox(tr("%1 already existed. Want to replace it?").arg(QFileInfo(path).fileName()), tr("Save As"),
-               MB_YESNO | MB_ICONQUESTION)
+        || MessageBox(tr("%1 already existed. Want to replace it?").arg(QFileInfo(path).fileName()),
+               tr("Save As"), MB_YESNO | MB_ICONQUESTION)
             == IDYES) {
         if (m_save)
             m_save(path, s.overlay, s.texts);

@@ -22,12 +22,14 @@ class CSaveAsDlg : public QDialog
 public:
     // The image types in the order of their controls 1075, 1076, 1085, 1086,
     // 1087 and 1088.
-    static constexpr std::array<const char*, 6> kExtensions { ".bmp", ".jpg", ".png", ".pcx", ".tif", ".tga" };
+    static constexpr std::array<const char*, 6> kExtensions { ".bmp", ".jpg", ".png", ".pcx", ".tif",
+        ".tga" };
     static constexpr std::array<int, 6> kControlIds { 1075, 1076, 1085, 1086, 1087, 1088 };
 
     using SaveFunction = std::function<void(const QString& path, const SaveOverlay&, const SaveTexts&)>;
 
-    CSaveAsDlg(const QString& settingsFile, const QString& fileName, SaveFunction save, QWidget* parent = nullptr);
+    CSaveAsDlg(
+        const QString& settingsFile, const QString& fileName, SaveFunction save, QWidget* parent = nullptr);
 
     // Replaces the burn-in choices read from the settings (the drop-down
     // variants of the save-as button).

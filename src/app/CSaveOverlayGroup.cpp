@@ -26,8 +26,8 @@ CSaveOverlayGroup::CSaveOverlayGroup(QWidget* parent)
 
 SaveOverlay CSaveOverlayGroup::Overlay() const
 {
-    return { m_chkMeasure->isChecked(), m_chkRuler->isChecked(), m_chkScale->isChecked(), m_chkTime->isChecked(),
-        m_chkTitle->isChecked() };
+    return { m_chkMeasure->isChecked(), m_chkRuler->isChecked(), m_chkScale->isChecked(),
+        m_chkTime->isChecked(), m_chkTitle->isChecked() };
 }
 
 void CSaveOverlayGroup::SetOverlay(const SaveOverlay& overlay)

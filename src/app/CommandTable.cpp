@@ -84,14 +84,16 @@ const CommandInfo kCommands[] = {
     { ID_WINDOW_CASCADE, CMD("&Cascade"), "", nullptr, false },
     { ID_WINDOW_TILE_HORZ, CMD("Tile &Horizontal"), "", nullptr, false },
     { ID_WINDOW_TILE_VERT, CMD("Tile &Vertical"), "", nullptr, false },
-    { ID_FILE_OPEN_PICTURE_FOLDER, CMD("Open &Picture Folder"), CMD("Open pictures' saved folder"), nullptr, false },
+    { ID_FILE_OPEN_PICTURE_FOLDER, CMD("Open &Picture Folder"), CMD("Open pictures' saved folder"), nullptr,
+        false },
     { ID_FILE_MRU_FILE1, CMD("Recent File"), CMD("Open this document"), nullptr, false },
     { ID_FILE_MRU_FILE1 + 1, CMD("Recent File"), CMD("Open this document"), nullptr, false },
     { ID_FILE_MRU_FILE1 + 2, CMD("Recent File"), CMD("Open this document"), nullptr, false },
     { ID_FILE_MRU_FILE1 + 3, CMD("Recent File"), CMD("Open this document"), nullptr, false },
     { ID_FILE_PRINT_PREVIEW, "", CMD("Display full pages"), ":/icons/printpreview.svg", false },
     { ID_HELP_CONTENT, "", CMD("Help content"), ":/icons/help.svg", false },
-    { ID_VIEW_PRINTHELPBAR, CMD("Print and &Help Bar"), CMD("Show or hide the print and help bar"), nullptr, true },
+    { ID_VIEW_PRINTHELPBAR, CMD("Print and &Help Bar"), CMD("Show or hide the print and help bar"), nullptr,
+        true },
     { ID_HELP_MANUAL, CMD("&Help"), CMD("How to use"), nullptr, false },
     { ID_APP_ABOUT, CMD("&About..."), "", nullptr, false },
     // Each language by its own name, the same in every language.
@@ -103,12 +105,12 @@ const CommandInfo kCommands[] = {
 constexpr int S = ID_SEPARATOR;
 
 constexpr std::array kFileMenu { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_CLOSE, ID_FILE_SAVE, ID_FILE_SAVE_AS, S,
-    ID_SAVE_OPTION, ID_FILE_OPEN_PICTURE_FOLDER, S, ID_FILE_MRU_FILE1, ID_FILE_MRU_FILE1 + 1, ID_FILE_MRU_FILE1 + 2,
-    ID_FILE_MRU_FILE1 + 3, S, ID_APP_EXIT };
+    ID_SAVE_OPTION, ID_FILE_OPEN_PICTURE_FOLDER, S, ID_FILE_MRU_FILE1, ID_FILE_MRU_FILE1 + 1,
+    ID_FILE_MRU_FILE1 + 2, ID_FILE_MRU_FILE1 + 3, S, ID_APP_EXIT };
 constexpr std::array kEditMenu { ID_EDIT_UNDO, ID_EDIT_REDO };
-constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR, ID_VIEW_PRINTHELPBAR,
-    ID_VIEW_STATUS_BAR,
-    S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE, ID_VIEW_DASHED_CROSSLINE };
+constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR,
+    ID_VIEW_PRINTHELPBAR, ID_VIEW_STATUS_BAR, S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE,
+    ID_VIEW_DASHED_CROSSLINE };
 constexpr std::array kMeasureMenu { ID_MEASURE_MOVE, S, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT,
     ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S, ID_MEASURE_ARROW,
     ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_MEASURE_SNAP_EDGES, S,
@@ -137,8 +139,8 @@ const MenuInfo kMenus[] = {
 };
 
 constexpr std::array kStandardBar { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_SAVE, ID_FILE_SAVE_AS, S,
-    ID_CAMERA_CAPTURE, ID_CAMERA_PREVIEW, ID_CAMERA_PAUSE, ID_CAMERA_FULLSCREEN, ID_CAMERA_RECORD, ID_CAMERA_INTERVAL,
-    ID_SAVE_RESOLUTION, S, ID_ZOOM };
+    ID_CAMERA_CAPTURE, ID_CAMERA_PREVIEW, ID_CAMERA_PAUSE, ID_CAMERA_FULLSCREEN, ID_CAMERA_RECORD,
+    ID_CAMERA_INTERVAL, ID_SAVE_RESOLUTION, S, ID_ZOOM };
 constexpr std::array kMeasureBar { ID_MEASURE_MOVE, S, ID_MEASURE_POINT, ID_MEASURE_LINE, ID_MEASURE_ANGLE,
     ID_MEASURE_RECT, ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S,
     ID_MEASURE_ARROW, ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_VIEW_CROSSLINE,

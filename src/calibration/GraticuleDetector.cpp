@@ -2,13 +2,12 @@
 
 #include <QCoreApplication>
 
-#include <opencv2/core.hpp>
-#include <opencv2/imgproc.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <complex>
 #include <numeric>
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
 
 namespace {
 
@@ -114,9 +113,8 @@ std::vector<Peak> SpectrumPeaks(const cv::Mat& picture, int count)
     for (const Bin& bin : bins) {
         if (int(taken.size()) >= count)
             break;
-        const bool near = std::any_of(taken.begin(), taken.end(), [&](const Bin& t) {
-            return std::abs(t.u - bin.u) <= 3 && std::abs(t.v - bin.v) <= 3;
-        });
+        const bool near = std::any_of(taken.begin(), taken.end(),
+            [&](const Bin& t) { return std::abs(t.u - bin.u) <= 3 && std::abs(t.v - bin.v) <= 3; });
         if (near)
             continue;
         taken.push_back(bin);
@@ -309,7 +307,8 @@ std::vector<Tick> FindTicks(const std::vector<double>& s, int first, int last, d
             base = std::min(base, s[std::size_t(i)]);
         double w = 0.0;
         double wx = 0.0;
-        for (int i = std::max(first, int(std::ceil(x - half))); i <= std::min(last, int(std::floor(x + half))); ++i) {
+        for (int i = std::max(first, int(std::ceil(x - half)));
+             i <= std::min(last, int(std::floor(x + half))); ++i) {
             const double v = s[std::size_t(i)] - base;
             w += v;
             wx += v * i;
@@ -380,7 +379,9 @@ LineFit FitTicks(std::vector<Tick>& ticks, double pitch)
         std::vector<double> off;
         for (const Tick& t : ticks)
             off.push_back(std::abs(t.residual));
-        const double limit = round == 0 ? 0.3 * fit.slope : std::min(0.25 * fit.slope, std::max(0.05, 4.5 * 1.4826 * Median(off)));
+        const double limit = round == 0
+            ? 0.3 * fit.slope
+            : std::min(0.25 * fit.slope, std::max(0.05, 4.5 * 1.4826 * Median(off)));
         std::erase_if(ticks, [&](const Tick& t) { return std::abs(t.residual) > limit; });
         if (ticks.size() < std::size_t(kMinTicks))
             break;

@@ -119,7 +119,8 @@ Status Read(const QString& path, SvrData& data, QString* error)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (error)
-            *error = QCoreApplication::translate("SvrFile", "Cannot open %1.\n%2").arg(path, file.errorString());
+            *error
+                = QCoreApplication::translate("SvrFile", "Cannot open %1.\n%2").arg(path, file.errorString());
         return Status::CannotOpen;
     }
     // Enough for eleven lines of the longest allowed length with their line
@@ -128,7 +129,8 @@ Status Read(const QString& path, SvrData& data, QString* error)
     const QByteArray head = file.read(kHeadBytes);
     if (file.error() != QFileDevice::NoError) {
         if (error)
-            *error = QCoreApplication::translate("SvrFile", "Cannot read %1.\n%2").arg(path, file.errorString());
+            *error
+                = QCoreApplication::translate("SvrFile", "Cannot read %1.\n%2").arg(path, file.errorString());
         return Status::CannotOpen;
     }
     const std::optional<SvrData> read = FromBytes(head);

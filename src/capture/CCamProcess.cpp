@@ -220,8 +220,8 @@ QImage CCamProcess::CleanFrame() const
     std::lock_guard lock(m_cleanMutex);
     if (m_clean.empty())
         return QImage();
-    const QImage bottomUp(m_clean.data(), int(m_cleanWidth), int(m_cleanHeight), qsizetype(DibStride(m_cleanWidth)),
-        QImage::Format_BGR888);
+    const QImage bottomUp(m_clean.data(), int(m_cleanWidth), int(m_cleanHeight),
+        qsizetype(DibStride(m_cleanWidth)), QImage::Format_BGR888);
     return bottomUp.mirrored(false, true);
 }
 

@@ -73,7 +73,8 @@ public:
     void ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* dst, std::ptrdiff_t dstStep,
         unsigned width, unsigned height);
     // The same for a frame read row by row from another layout.
-    void ProcessFrame(const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, unsigned width, unsigned height);
+    void ProcessFrame(
+        const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, unsigned width, unsigned height);
 
 private:
     struct State

@@ -7,11 +7,10 @@
 #include <QPainterPath>
 #include <QRadialGradient>
 
-#include <opencv2/imgproc.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <opencv2/imgproc.hpp>
 #include <random>
 
 namespace {

@@ -12,8 +12,8 @@
 // micrometer and test objects of known size, seen through a field of view
 // 1600 um wide whatever the frame size, drifting slowly, with mild noise and
 // vignetting; for judging measurements it can also turn the slide, blur it
-// (defocus), add strong noise and light the field unevenly. The slide is drawn once per frame size; a frame is a window into
-// it, so a frame costs a copy and a few table look-ups per pixel.
+// (defocus), add strong noise and light the field unevenly. The slide is drawn once per frame size; a frame
+// is a window into it, so a frame costs a copy and a few table look-ups per pixel.
 //
 // Everything is a function of the frame number, so two cameras of the same
 // size deliver the same bytes. The ground truth is in docs/SimulatedCamera.md.

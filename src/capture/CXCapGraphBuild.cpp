@@ -1,6 +1,5 @@
-#include "capture/CXCapGraph.h"
-
 #include "capture/CCamProcess.h"
+#include "capture/CXCapGraph.h"
 #include "capture/CamProcessElement.h"
 #include "capture/CameraModels.h"
 #include "capture/JpegInputElement.h"
@@ -405,7 +404,7 @@ void CXCapGraph::BuildRecordGraph()
         // Find out now, not when the stream starts, whether the file can be made.
         QFile probe(m_recordFile);
         if (!probe.open(QIODevice::WriteOnly)) {
-                Fail(QStringLiteral("m_pFileSink->SetFileName failed"), probe.errorString());
+            Fail(QStringLiteral("m_pFileSink->SetFileName failed"), probe.errorString());
             return;
         }
     }

@@ -1,5 +1,4 @@
 #include "capture/CXCapGraph.h"
-
 #include "capture/CameraModels.h"
 #include "platform/DebugLog.h"
 #include "platform/MessageBox.h"

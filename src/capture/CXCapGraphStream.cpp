@@ -1,7 +1,6 @@
-#include "capture/CXCapGraph.h"
-
 #include "capture/CCamProcess.h"
 #include "capture/CFrameMailbox.h"
+#include "capture/CXCapGraph.h"
 #include "platform/DebugLog.h"
 
 #include <gst/video/video.h>

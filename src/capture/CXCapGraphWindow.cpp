@@ -1,11 +1,10 @@
-#include "capture/CXCapGraph.h"
-
 #include "capture/CCameraControlStore.h"
 #include "capture/CDevicePropertiesDlg.h"
 #include "capture/CDlgFullScreen.h"
 #include "capture/CFormatDlg.h"
 #include "capture/CProcessPropertiesDlg.h"
 #include "capture/CVideoWidget.h"
+#include "capture/CXCapGraph.h"
 #include "platform/DebugLog.h"
 
 #include <QApplication>

@@ -62,8 +62,9 @@ GstFlowReturn TransformFrame(GstVideoFilter* filter, GstVideoFrame* in, GstVideo
     const auto matrix = colour.matrix == GST_VIDEO_COLOR_MATRIX_BT709 ? YuvFrameRows::Matrix::Bt709
         : colour.matrix == GST_VIDEO_COLOR_MATRIX_BT2020              ? YuvFrameRows::Matrix::Bt2020
                                                                       : YuvFrameRows::Matrix::Bt601;
-    const YuvFrameRows rows(format == GST_VIDEO_FORMAT_YUY2 ? YuvFrameRows::Layout::Yuy2 : YuvFrameRows::Layout::I420,
-        planes, width, height, matrix, colour.range == GST_VIDEO_COLOR_RANGE_0_255);
+    const YuvFrameRows rows(
+        format == GST_VIDEO_FORMAT_YUY2 ? YuvFrameRows::Layout::Yuy2 : YuvFrameRows::Layout::I420, planes,
+        width, height, matrix, colour.range == GST_VIDEO_COLOR_RANGE_0_255);
     process.ProcessFrame(rows, bottom, -outStride, width, height);
     return GST_FLOW_OK;
 }
@@ -85,8 +86,10 @@ static void oculix_cam_process_class_init(OculixCamProcessClass* klass)
     GstElementClass* element = GST_ELEMENT_CLASS(klass);
     gst_element_class_set_static_metadata(element, "Oculix CamProcess", "Filter/Effect/Video",
         "Flips, effects and the measurement overlay on live frames", "Oculix");
-#define OCULIX_FRAME_SIZE "width=(int)[1, 16384], height=(int)[1, 16384], framerate=(fraction)[0/1, 2147483647/1]"
-    GstCaps* sink = gst_caps_from_string("video/x-raw, format=(string){ BGR, YUY2, I420 }, " OCULIX_FRAME_SIZE);
+#define OCULIX_FRAME_SIZE                                                                                    \
+    "width=(int)[1, 16384], height=(int)[1, 16384], framerate=(fraction)[0/1, 2147483647/1]"
+    GstCaps* sink
+        = gst_caps_from_string("video/x-raw, format=(string){ BGR, YUY2, I420 }, " OCULIX_FRAME_SIZE);
     GstCaps* src = gst_caps_from_string("video/x-raw, format=(string)BGR, " OCULIX_FRAME_SIZE);
 #undef OCULIX_FRAME_SIZE
     gst_element_class_add_pad_template(

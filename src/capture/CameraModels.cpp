@@ -184,7 +184,8 @@ AttachedCameraModel ScanAttachedCameras()
             found.m_bMjpg = StreamsMjpg(d);
         gst_object_unref(d);
     }
-    qCDebug(lcCapture) << "attached camera model:" << CameraModelName(found.m_model) << "MJPG" << found.m_bMjpg;
+    qCDebug(lcCapture) << "attached camera model:" << CameraModelName(found.m_model) << "MJPG"
+                       << found.m_bMjpg;
     std::lock_guard lock(g_mutex);
     g_attached = found;
     return found;

@@ -4,6 +4,7 @@
 
 #include <gst/video/gstvideofilter.h>
 #include <gst/video/video.h>
+
 #include <libyuv/convert.h>
 
 struct OculixToJ420
@@ -22,7 +23,8 @@ namespace {
 
 GstFlowReturn TransformFrame(GstVideoFilter*, GstVideoFrame* in, GstVideoFrame* out)
 {
-    const auto plane = [](GstVideoFrame* f, int i) { return static_cast<uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(f, i)); };
+    const auto plane
+        = [](GstVideoFrame* f, int i) { return static_cast<uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(f, i)); };
     const auto stride = [](GstVideoFrame* f, int i) { return GST_VIDEO_FRAME_PLANE_STRIDE(f, i); };
     // libyuv's "RGB24" is B, G, R in memory.
     const int failed = libyuv::RGB24ToJ420(plane(in, 0), stride(in, 0), plane(out, 0), stride(out, 0),
@@ -47,8 +49,10 @@ static void oculix_to_j420_class_init(OculixToJ420Class* klass)
         "BGR to full-range BT.601 I420 for the JPEG encoder", "Oculix");
     GstCaps* sink = gst_caps_from_string("video/x-raw, format=(string)BGR");
     GstCaps* src = gst_caps_from_string("video/x-raw, format=(string)I420, colorimetry=(string)jpeg");
-    gst_element_class_add_pad_template(element, gst_pad_template_new("sink", GST_PAD_SINK, GST_PAD_ALWAYS, sink));
-    gst_element_class_add_pad_template(element, gst_pad_template_new("src", GST_PAD_SRC, GST_PAD_ALWAYS, src));
+    gst_element_class_add_pad_template(
+        element, gst_pad_template_new("sink", GST_PAD_SINK, GST_PAD_ALWAYS, sink));
+    gst_element_class_add_pad_template(
+        element, gst_pad_template_new("src", GST_PAD_SRC, GST_PAD_ALWAYS, src));
     gst_caps_unref(sink);
     gst_caps_unref(src);
     GST_BASE_TRANSFORM_CLASS(klass)->transform_caps = TransformCaps;

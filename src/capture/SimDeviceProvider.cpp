@@ -1,7 +1,7 @@
 #include "capture/SimDeviceProvider.h"
 
-#include "platform/DebugLog.h"
 #include "capture/SimCameraSource.h"
+#include "platform/DebugLog.h"
 
 #include <atomic>
 #include <mutex>

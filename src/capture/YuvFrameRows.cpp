@@ -2,10 +2,9 @@
 
 #include "image/ImageProcess.h"
 
+#include <cstring>
 #include <libyuv/convert_argb.h>
 #include <libyuv/planar_functions.h>
-
-#include <cstring>
 
 namespace {
 
@@ -46,8 +45,8 @@ void YuvFrameRows::Read(unsigned y, uchar* out) const
         uchar* luma = m_split.data();
         uchar* u = luma + m_width;
         uchar* v = u + half;
-        libyuv::YUY2ToI422(m_planes[0].bits + std::ptrdiff_t(top) * m_planes[0].stride, 0, luma, 0, u, 0, v, 0,
-            w, 1);
+        libyuv::YUY2ToI422(
+            m_planes[0].bits + std::ptrdiff_t(top) * m_planes[0].stride, 0, luma, 0, u, 0, v, 0, w, 1);
         libyuv::I422ToRGB24Matrix(luma, 0, u, 0, v, 0, out, 0, m_constants, w, 1);
     } else {
         const auto row = [&](int plane, unsigned r) {

@@ -77,7 +77,8 @@ int RunDevices(const QStringList& arguments)
             for (const CaptureFormat& f : d.formats)
                 formats.append(QJsonObject { { QStringLiteral("width"), int(f.width) },
                     { QStringLiteral("height"), int(f.height) }, { QStringLiteral("fps"), FormatFps(f) },
-                    { QStringLiteral("format"), f.fourcc }, { QStringLiteral("argument"), FormatSpecText(f) } });
+                    { QStringLiteral("format"), f.fourcc },
+                    { QStringLiteral("argument"), FormatSpecText(f) } });
             list.append(
                 QJsonObject { { QStringLiteral("name"), d.name }, { QStringLiteral("formats"), formats } });
         }

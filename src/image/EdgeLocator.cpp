@@ -60,7 +60,8 @@ double NoiseNear(const QImage& gray, const QPointF& at)
 
 } // namespace
 
-std::optional<EdgeFix> LocateEdge(const QImage& picture, const QPointF& from, const QPointF& direction, double reach)
+std::optional<EdgeFix> LocateEdge(
+    const QImage& picture, const QPointF& from, const QPointF& direction, double reach)
 {
     const double length = std::hypot(direction.x(), direction.y());
     if (picture.isNull() || !(length > 0.0) || !(reach > 0.0))
@@ -124,7 +125,8 @@ std::optional<EdgeFix> LocateEdge(const QImage& picture, const QPointF& from, co
     std::size_t hi = peak;
     while (lo > std::size_t(kSteps) && peak - lo < std::size_t(kWindow * kSteps) && sign * g[lo - 1] > floor)
         --lo;
-    while (hi + 1 + kSteps < g.size() && hi - peak < std::size_t(kWindow * kSteps) && sign * g[hi + 1] > floor)
+    while (
+        hi + 1 + kSteps < g.size() && hi - peak < std::size_t(kWindow * kSteps) && sign * g[hi + 1] > floor)
         ++hi;
     double w = 0.0;
     double wt = 0.0;

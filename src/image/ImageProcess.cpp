@@ -174,13 +174,14 @@ __attribute__((target("avx2"))) OCULIX_INLINE __m256i Weighed8(const uchar* px)
 {
     // Pixels 0-3 from the first 12 bytes, 4-7 from bytes 12-23 (loaded from
     // 8, so nothing past the 24 bytes is read).
-    const __m256i bytes = _mm256_loadu2_m128i(
-        reinterpret_cast<const __m128i*>(px + 8), reinterpret_cast<const __m128i*>(px));
+    const __m256i bytes
+        = _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(px + 8), reinterpret_cast<const __m128i*>(px));
     const __m256i spread = _mm256_shuffle_epi8(bytes,
         _mm256_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1, 4, 5, 6, -1, 7, 8, 9, -1, 10,
             11, 12, -1, 13, 14, 15, -1));
-    return _mm256_maddubs_epi16(spread, _mm256_setr_epi8(11, 30, 30, 0, 11, 30, 30, 0, 11, 30, 30, 0, 11,
-                                            30, 30, 0, 11, 30, 30, 0, 11, 30, 30, 0, 11, 30, 30, 0, 11, 30, 30, 0));
+    return _mm256_maddubs_epi16(spread,
+        _mm256_setr_epi8(11, 30, 30, 0, 11, 30, 30, 0, 11, 30, 30, 0, 11, 30, 30, 0, 11, 30, 30, 0, 11, 30,
+            30, 0, 11, 30, 30, 0, 11, 30, 30, 0));
 }
 
 // Gray (t / 100) and the odd mask of 16 pixels' t values.

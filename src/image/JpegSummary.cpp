@@ -37,8 +37,8 @@ QByteArray Utf16Text(const QString& text)
 
 } // namespace
 
-bool WriteJpegSummary(const QString& path, const QString& title, const QString& subject, const QString& author,
-    const QString& comment)
+bool WriteJpegSummary(const QString& path, const QString& title, const QString& subject,
+    const QString& author, const QString& comment)
 {
     QFile in(path);
     if (!in.open(QIODevice::ReadOnly))
@@ -84,7 +84,8 @@ bool WriteJpegSummary(const QString& path, const QString& title, const QString& 
 
     QByteArray result;
     result.reserve(old.size() + segment.size());
-    result.append(old.constData(), kKeptHeader).append(segment).append(old.constData() + kKeptHeader,
-        old.size() - kKeptHeader);
+    result.append(old.constData(), kKeptHeader)
+        .append(segment)
+        .append(old.constData() + kKeptHeader, old.size() - kKeptHeader);
     return ReplaceFileContents(path, result);
 }

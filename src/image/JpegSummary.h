@@ -8,5 +8,5 @@
 // Every text gets two trailing spaces and is stored as UTF-16LE with a
 // terminating zero. The file is replaced as a whole, so a failure leaves it as
 // it was. False when the file cannot be read or written.
-bool WriteJpegSummary(const QString& path, const QString& title, const QString& subject, const QString& author,
-    const QString& comment);
+bool WriteJpegSummary(const QString& path, const QString& title, const QString& subject,
+    const QString& author, const QString& comment);

@@ -6,7 +6,6 @@
 #include <QFileInfo>
 
 #include <exiv2/exiv2.hpp>
-
 #include <mutex>
 #include <string>
 
@@ -35,7 +34,8 @@ std::string KeyFor(const QString& name)
 // touches the file until the result is whole.
 Exiv2::Image::AutoPtr OpenInMemory(const QByteArray& bytes)
 {
-    return Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte*>(bytes.constData()), long(bytes.size()));
+    return Exiv2::ImageFactory::open(
+        reinterpret_cast<const Exiv2::byte*>(bytes.constData()), long(bytes.size()));
 }
 
 } // namespace
@@ -104,7 +104,8 @@ Properties Read(const QString& path)
         image->readMetadata();
         for (const Exiv2::Xmpdatum& datum : image->xmpData()) {
             if (datum.groupName() == kPrefix)
-                properties.insert(QString::fromStdString(datum.tagName()), QString::fromStdString(datum.toString()));
+                properties.insert(
+                    QString::fromStdString(datum.tagName()), QString::fromStdString(datum.toString()));
         }
     } catch (const std::exception&) {
         properties.clear();

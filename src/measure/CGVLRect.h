@@ -32,7 +32,6 @@ public:
     int SetCoord(int index, const QPoint& point) override;
     void ClearCoords() override;
 
-
 private:
     // Puts points 1 and 2 at the corners that points 0 and 3 define.
     void PlaceSideCorners();

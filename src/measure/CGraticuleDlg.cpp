@@ -107,9 +107,11 @@ QString CGraticuleDlg::ResultText(const GraticuleFit& fit)
     while (decimals < 8 && fit.perPixelU > 0 && fit.perPixelU < 0.95 * std::pow(10.0, -decimals))
         ++decimals;
     return tr("1 px = %1 µm ± %2")
-        .arg(QString::number(fit.perPixel, 'f', decimals), QString::number(fit.perPixelU, 'f', decimals))
+               .arg(QString::number(fit.perPixel, 'f', decimals),
+                   QString::number(fit.perPixelU, 'f', decimals))
         + QStringLiteral("\n")
-        + tr("%n ticks, scale at %1°", nullptr, int(fit.ticks.size())).arg(QString::number(fit.angleDeg, 'f', 1));
+        + tr("%n ticks, scale at %1°", nullptr, int(fit.ticks.size()))
+              .arg(QString::number(fit.angleDeg, 'f', 1));
 }
 
 QString CGraticuleDlg::ShownResult() const

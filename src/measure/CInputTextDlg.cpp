@@ -62,7 +62,8 @@ CInputTextDlg::CInputTextDlg(QStringList* lines, QWidget* parent)
 {
     QDialog* dialog = m_pDialog.get();
     dialog->setWindowTitle(QCoreApplication::translate("CInputTextDlg", "Input Text"));
-    auto* label = new QLabel(QCoreApplication::translate("CInputTextDlg", "Text(New line by pressing CTRL+ENTER)"), dialog);
+    auto* label = new QLabel(
+        QCoreApplication::translate("CInputTextDlg", "Text(New line by pressing CTRL+ENTER)"), dialog);
     m_pEdit = new QPlainTextEdit(dialog);
     // Each paragraph is one line of the annotation, however wide.
     m_pEdit->setLineWrapMode(QPlainTextEdit::NoWrap);
@@ -70,7 +71,8 @@ CInputTextDlg::CInputTextDlg(QStringList* lines, QWidget* parent)
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
     m_pOk = buttons->button(QDialogButtonBox::Ok);
     m_pOk->setText(QCoreApplication::translate("CInputTextDlg", "OK"));
-    buttons->button(QDialogButtonBox::Cancel)->setText(QCoreApplication::translate("CInputTextDlg", "Cancel"));
+    buttons->button(QDialogButtonBox::Cancel)
+        ->setText(QCoreApplication::translate("CInputTextDlg", "Cancel"));
     QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, [this] { OnOK(); });
     QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
     m_pEdit->installEventFilter(new EnterFilter(m_pEdit, m_pOk, dialog));

@@ -71,13 +71,16 @@ CMeasureColorDlg::CMeasureColorDlg(QWidget* parent)
     auto* otherForm = new QFormLayout(others);
     otherForm->addRow(QCoreApplication::translate("CMeasureColorDlg", "Precision"), m_cbPrecision);
     otherForm->addRow(QCoreApplication::translate("CMeasureColorDlg", "Font Size"), m_cbFontSize);
-    otherForm->addRow(QCoreApplication::translate("CMeasureColorDlg", "Font \nBackground"), m_cbFontBackground);
+    otherForm->addRow(
+        QCoreApplication::translate("CMeasureColorDlg", "Font \nBackground"), m_cbFontBackground);
 
     auto* buttons = new QDialogButtonBox;
-    QPushButton* ok = buttons->addButton(QCoreApplication::translate("CMeasureColorDlg", "OK"), QDialogButtonBox::AcceptRole);
+    QPushButton* ok = buttons->addButton(
+        QCoreApplication::translate("CMeasureColorDlg", "OK"), QDialogButtonBox::AcceptRole);
     ok->setObjectName(QStringLiteral("ok"));
     ok->setDefault(true);
-    buttons->addButton(QCoreApplication::translate("CMeasureColorDlg", "Cancel"), QDialogButtonBox::RejectRole)
+    buttons
+        ->addButton(QCoreApplication::translate("CMeasureColorDlg", "Cancel"), QDialogButtonBox::RejectRole)
         ->setObjectName(QStringLiteral("cancel"));
     connect(buttons, &QDialogButtonBox::accepted, this, &CMeasureColorDlg::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &CMeasureColorDlg::reject);

@@ -181,10 +181,12 @@ void CRulerSettingDlg::BuildControls()
 
     auto* physical = new QGroupBox(QCoreApplication::translate("CRulerSettingDlg", "Physical Ruler"));
     auto* physicalGrid = new QGridLayout(physical);
-    physicalGrid->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "X-Ruler Unit")), 0, 0);
+    physicalGrid->addWidget(
+        new QLabel(QCoreApplication::translate("CRulerSettingDlg", "X-Ruler Unit")), 0, 0);
     physicalGrid->addWidget(m_edXReal, 0, 1);
     physicalGrid->addWidget(m_lbXUnit, 0, 2);
-    physicalGrid->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "Y-Ruler Unit")), 1, 0);
+    physicalGrid->addWidget(
+        new QLabel(QCoreApplication::translate("CRulerSettingDlg", "Y-Ruler Unit")), 1, 0);
     physicalGrid->addWidget(m_edYReal, 1, 1);
     physicalGrid->addWidget(m_lbYUnit, 1, 2);
     physicalGrid->addWidget(new QLabel(QCoreApplication::translate("CRulerSettingDlg", "Ruler Unit")), 2, 0);
@@ -397,7 +399,8 @@ void CRulerSettingDlg::Commit()
         history->Commit();
 }
 
-CRulerSettingDlg::GraticuleDialogRunner CRulerSettingDlg::SetGraticuleDialogRunner(GraticuleDialogRunner runner)
+CRulerSettingDlg::GraticuleDialogRunner CRulerSettingDlg::SetGraticuleDialogRunner(
+    GraticuleDialogRunner runner)
 {
     return std::exchange(GraticuleHook(), std::move(runner));
 }
@@ -420,8 +423,9 @@ bool CRulerSettingDlg::DetectFromMicrometer()
     // The ruler's box, in picture pixels, is offered as the region to search.
     Recompute();
     const double scale = OverlayScale();
-    const QRect box = QRect(QPoint(m_data.m_nXStart, m_data.m_nYStart), QPoint(m_data.m_nXEnd, m_data.m_nYEnd))
-                          .normalized();
+    const QRect box
+        = QRect(QPoint(m_data.m_nXStart, m_data.m_nYStart), QPoint(m_data.m_nXEnd, m_data.m_nYEnd))
+              .normalized();
     const QRect rulerBox(QPoint(int(box.left() / scale), int(box.top() / scale)),
         QPoint(int(box.right() / scale), int(box.bottom() / scale)));
     CGraticuleDlg dialog(picture, rulerBox, this);
@@ -482,7 +486,8 @@ QString CRulerSettingDlg::ChooseFile(bool save, const QString& folder)
 {
     FileRequest request;
     request.save = save;
-    request.caption = save ? QCoreApplication::translate("CRulerSettingDlg", "Save As") : QCoreApplication::translate("CRulerSettingDlg", "Open");
+    request.caption = save ? QCoreApplication::translate("CRulerSettingDlg", "Save As")
+                           : QCoreApplication::translate("CRulerSettingDlg", "Open");
     request.initialPath = folder + QStringLiteral("*.svr");
     request.filter = kFileFilter;
     request.defaultSuffix = QStringLiteral("svr");

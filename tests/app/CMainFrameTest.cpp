@@ -73,7 +73,8 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
     // The recent-file entries stay hidden until there are recent files.
     EXPECT_EQ(Texts(Menu("&File")),
         (QStringList { "&New Preview", "&Open...", "&Close", "&Save", "Save &As...", "-", "Save &Option",
-            "Open &Picture Folder", "-", "Recent File", "Recent File", "Recent File", "Recent File", "-", "E&xit" }));
+            "Open &Picture Folder", "-", "Recent File", "Recent File", "Recent File", "Recent File", "-",
+            "E&xit" }));
     EXPECT_EQ(frame->FindAction(ID_FILE_SAVE)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_S));
     // The save buttons drop down their variants.
     const std::pair<int, QStringList> dropDowns[] = {

@@ -264,7 +264,8 @@ TEST_F(MeasureFrameTest, PictureViewZoomCrossLinesAndCalibrationDialog)
     EXPECT_TRUE(doc->SnapPicture().isNull());
     frame->RouteCommand(ID_MEASURE_SNAP_EDGES);
     EXPECT_TRUE(frame->QueryCommand(ID_MEASURE_SNAP_EDGES).IsChecked());
-    EXPECT_TRUE(QSettings(UserSettingsFilePath(), QSettings::IniFormat).value("Measure/SnapToEdges").toBool());
+    EXPECT_TRUE(
+        QSettings(UserSettingsFilePath(), QSettings::IniFormat).value("Measure/SnapToEdges").toBool());
     Drag(view->GetOverlayWnd(), QPoint(66, 150), QPoint(126, 150));
     frame->RouteCommand(ID_MEASURE_SNAP_EDGES);
     EXPECT_FALSE(CMeasureDoc::SnapToEdges());

@@ -168,7 +168,8 @@ TEST_F(LiveCamera, CameraPluggedInWithoutALiveDocumentOpensWithNewPreview)
     messages.clear();
 
     PlugIn(QStringLiteral("Bench Camera"));
-    ASSERT_TRUE(WaitFor([&] { return frame->statusBar()->currentMessage().contains("Bench Camera"); }, 10000));
+    ASSERT_TRUE(
+        WaitFor([&] { return frame->statusBar()->currentMessage().contains("Bench Camera"); }, 10000));
     ASSERT_TRUE(frame->QueryCommand(ID_FILE_NEW).IsEnabled());
     ASSERT_TRUE(frame->RouteCommand(ID_FILE_NEW));
     CMeasureDoc* live = CMeasureDoc::GetLiveDocument();

@@ -10,8 +10,8 @@
 #include "platform/PrivateProfile.h"
 
 #include <QBuffer>
-#include <QDesktopServices>
 #include <QCheckBox>
+#include <QDesktopServices>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -281,9 +281,12 @@ TEST_F(SavePictureTest, SaveAsDialogAsksBeforeReplacing)
         const char* ext;
     };
     const Check checks[] = { { { false, false, false, false, false, false }, ".bmp" },
-        { { true, false, false, false, false, false }, ".bmp" }, { { false, true, false, false, false, false }, ".jpg" },
-        { { false, false, true, false, false, false }, ".png" }, { { false, false, false, true, false, false }, ".pcx" },
-        { { true, true, false, false, true, false }, ".tif" }, { { true, false, false, false, false, true }, ".tga" } };
+        { { true, false, false, false, false, false }, ".bmp" },
+        { { false, true, false, false, false, false }, ".jpg" },
+        { { false, false, true, false, false, false }, ".png" },
+        { { false, false, false, true, false, false }, ".pcx" },
+        { { true, true, false, false, true, false }, ".tif" },
+        { { true, false, false, false, false, true }, ".tga" } };
     for (const Check& c : checks)
         EXPECT_EQ(CSaveAsDlg::ExtensionForChecks(c.checked), QLatin1String(c.ext));
 
@@ -372,7 +375,8 @@ TEST_F(SavePictureTest, SaveOptionsAndPictureFolder)
     ASSERT_TRUE(frame->RouteCommand(ID_FILE_OPEN_PICTURE_FOLDER));
     QDesktopServices::unsetUrlHandler("file");
     EXPECT_EQ(catcher.urls,
-        (QList<QUrl> { QUrl::fromLocalFile(home.filePath("data/Images/")), QUrl::fromLocalFile(home.filePath("mine")) }));
+        (QList<QUrl> { QUrl::fromLocalFile(home.filePath("data/Images/")),
+            QUrl::fromLocalFile(home.filePath("mine")) }));
 }
 
 // Both dialogs as a user sees them, saved for a look when
@@ -394,7 +398,8 @@ TEST_F(SavePictureTest, DialogsScreenshot)
         const QImage shot = widget->grab().toImage();
         EXPECT_GE(shot.height(), 100) << name;
         if (!qEnvironmentVariableIsEmpty("OCULIX_SCREENSHOT_DIR"))
-            shot.save(QDir(qEnvironmentVariable("OCULIX_SCREENSHOT_DIR")).filePath(QString::fromLatin1(name)));
+            shot.save(
+                QDir(qEnvironmentVariable("OCULIX_SCREENSHOT_DIR")).filePath(QString::fromLatin1(name)));
     }
 }
 

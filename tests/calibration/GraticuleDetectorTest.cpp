@@ -71,7 +71,8 @@ QImage ThroughJpeg(const QImage& image, int quality)
 
 TEST(GraticuleDetector, FindsTheSpacingOfTurnedNoisyAndInvertedScalesWithinItsUncertainty)
 {
-    const struct {
+    const struct
+    {
         Scale scale;
         const char* what;
     } cases[] = {
@@ -144,7 +145,8 @@ TEST(GraticuleDetector, SaysSoWhenThereIsNoScale)
         p.fillRect(QRect(100, 200, 400, 3), Qt::black);
     }
     const QImage scale = DrawScale({});
-    const struct {
+    const struct
+    {
         QImage picture;
         QRect region;
         double division;

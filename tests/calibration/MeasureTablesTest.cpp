@@ -52,5 +52,6 @@ TEST(MeasureTables, LabelsByPrecisionAndEmptyOutsideOneToFive)
         { kLengthFormats, 0, 1.0, 0.1, "mm", "" },
     };
     for (const Row& r : rows)
-        EXPECT_EQ(FormatLabel(r.formats, r.precision, r.value, r.unit, r.u), QString::fromUtf8(r.label)) << r.label;
+        EXPECT_EQ(FormatLabel(r.formats, r.precision, r.value, r.unit, r.u), QString::fromUtf8(r.label))
+            << r.label;
 }

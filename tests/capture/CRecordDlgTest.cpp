@@ -1,8 +1,8 @@
 #include "capture/CRecordDlg.h"
 
 #include "CaptureTestSupport.h"
-#include "TestFiles.h"
 #include "FakeLiveDocument.h"
+#include "TestFiles.h"
 #include "capture/CDialogTimers.h"
 
 #include <QDateTime>

@@ -361,7 +361,8 @@ TEST(CaptureMessages, NoCameraAndNoWindowAreReported)
     ASSERT_EQ(messages.Requests().size(), 3u);
     for (std::size_t i : { 1u, 2u }) {
         EXPECT_EQ(messages.Requests()[i].caption, QStringLiteral("Error!"));
-        EXPECT_EQ(messages.Requests()[i].flags, unsigned(MB_OK | MB_TASKMODAL | MB_SETFOREGROUND)) << "no icon";
+        EXPECT_EQ(messages.Requests()[i].flags, unsigned(MB_OK | MB_TASKMODAL | MB_SETFOREGROUND))
+            << "no icon";
     }
 }
 

@@ -209,7 +209,8 @@ TEST(FusedProcess, YuvFramesGiveTheColoursOfTheirMatrix)
         { Rows::Matrix::Bt601, true, 29, 255, 107, 255, 0, 0 },
     };
     const auto near = [](const uchar* px, const Case& c) {
-        return std::abs(px[0] - c.blue) <= 3 && std::abs(px[1] - c.green) <= 3 && std::abs(px[2] - c.red) <= 3;
+        return std::abs(px[0] - c.blue) <= 3 && std::abs(px[1] - c.green) <= 3
+            && std::abs(px[2] - c.red) <= 3;
     };
     for (const Case& c : cases) {
         // Two YUY2 pixels on the top row, black below; 2 pixels pad to 8 bytes.

@@ -99,7 +99,8 @@ TEST(SimCameraJudge, HarderPicturesComeAndGoWithTheirControls)
 
 TEST(SimCameraJudge, GraticuleIsFoundAtEverySizeTurnedNoisyBlurredAndAsJpeg)
 {
-    const struct {
+    const struct
+    {
         unsigned width;
         unsigned height;
         double rotation;
@@ -161,11 +162,12 @@ TEST(SimCameraJudge, SnappedParticleDiametersAndSquareSidesMatchTheGroundTruth)
     const double umpp = CSimScene::MicrometresPerPixel(1280);
     const QPointF ux = scene.FramePoint(QPointF(1, 0), 0) - scene.FramePoint(QPointF(0, 0), 0);
     const QPointF dir = ux / std::hypot(ux.x(), ux.y());
-    const struct {
+    const struct
+    {
         QPointF centreUm;
         double widthUm;
-    } objects[] = { { { 560, 880 }, 50 }, { { 740, 880 }, 100 }, { { 980, 880 }, 150 }, { { 1300, 880 }, 250 },
-        { { 650, 1180 }, 200 } };
+    } objects[] = { { { 560, 880 }, 50 }, { { 740, 880 }, 100 }, { { 980, 880 }, 150 },
+        { { 1300, 880 }, 250 }, { { 650, 1180 }, 200 } };
     for (const auto& o : objects) {
         SCOPED_TRACE(o.widthUm);
         const QPointF centre = scene.FramePoint(o.centreUm, 0);
@@ -174,7 +176,8 @@ TEST(SimCameraJudge, SnappedParticleDiametersAndSquareSidesMatchTheGroundTruth)
         const auto a = LocateEdge(gray, centre - dir * (half - 1.6), dir);
         const auto b = LocateEdge(gray, centre + dir * (half + 1.3), dir);
         ASSERT_TRUE(a && b);
-        const double length = std::hypot(b->position.x() - a->position.x(), b->position.y() - a->position.y());
+        const double length
+            = std::hypot(b->position.x() - a->position.x(), b->position.y() - a->position.y());
         EXPECT_NEAR(length, 2 * half, 0.2);
         EXPECT_NEAR(length, 2 * half, 2 * std::hypot(a->sigma, b->sigma) + 0.05);
     }

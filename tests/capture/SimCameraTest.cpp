@@ -3,7 +3,6 @@
 #include "capture/CSimScene.h"
 #include "capture/CamProcessElement.h"
 
-
 #include <cmath>
 #include <gtest/gtest.h>
 

@@ -55,7 +55,10 @@ int main(int argc, char** argv)
     }
     QFile file(jpeg);
     file.open(QIODevice::ReadOnly);
-    if (file.read(30).mid(20) != QByteArray("\xFF\xE1\x00\x60" "Exif\0\0", 10)) {
+    if (file.read(30).mid(20)
+        != QByteArray("\xFF\xE1\x00\x60"
+                      "Exif\0\0",
+            10)) {
         std::fprintf(stderr, "no summary segment after byte 20\n");
         return 1;
     }

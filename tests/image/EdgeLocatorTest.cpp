@@ -113,12 +113,14 @@ TEST(EdgeLocator, TakesTheNearestEdgeAndNothingWhereThereIsNone)
     EXPECT_NEAR(right->position.x(), 36.5, 0.05);
     // Beyond the reach, in flat noise, off the picture, with no direction.
     EXPECT_FALSE(LocateEdge(band, QPointF(20.0, 20.0), QPointF(1, 0), 4.0).has_value());
-    EXPECT_FALSE(LocateEdge(StepEdge({ 0, 0 }, 0, 3.0, 100, 100), QPointF(30, 30), QPointF(1, 0)).has_value());
+    EXPECT_FALSE(
+        LocateEdge(StepEdge({ 0, 0 }, 0, 3.0, 100, 100), QPointF(30, 30), QPointF(1, 0)).has_value());
     EXPECT_FALSE(LocateEdge(band, QPointF(1.0, 20.0), QPointF(1, 0)).has_value());
     EXPECT_FALSE(LocateEdge(band, QPointF(32.0, 20.0), QPointF(0, 0)).has_value());
     EXPECT_FALSE(LocateEdge(QImage(), QPointF(32.0, 20.0), QPointF(1, 0)).has_value());
     // Colour pictures are read by their brightness.
-    const auto colour = LocateEdge(band.convertToFormat(QImage::Format_RGB888), QPointF(32.0, 20.0), QPointF(1, 0));
+    const auto colour
+        = LocateEdge(band.convertToFormat(QImage::Format_RGB888), QPointF(32.0, 20.0), QPointF(1, 0));
     ASSERT_TRUE(colour.has_value());
     EXPECT_NEAR(colour->position.x(), 30.5, 0.05);
 }

@@ -1,6 +1,7 @@
+#include "image/JpegSummary.h"
+
 #include "TestFiles.h"
 #include "image/FCObjImage.h"
-#include "image/JpegSummary.h"
 
 #include <QDir>
 #include <QJsonArray>

@@ -1,7 +1,8 @@
+#include "image/PictureXmp.h"
+
 #include "TestFiles.h"
 #include "image/FCObjImage.h"
 #include "image/JpegSummary.h"
-#include "image/PictureXmp.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -61,7 +62,10 @@ TEST(PictureXmp, JpegKeepsItsHeaderForTheSummarySegment)
     ASSERT_TRUE(PictureXmp::Write(path, { { "Unit", "1" } }));
     EXPECT_EQ(ReadAll(path).left(20), header);
     ASSERT_TRUE(WriteJpegSummary(path, "T", "", "", ""));
-    EXPECT_EQ(ReadAll(path).mid(20, 10), QByteArray("\xFF\xE1\x00\x60" "Exif\0\0", 10));
+    EXPECT_EQ(ReadAll(path).mid(20, 10),
+        QByteArray("\xFF\xE1\x00\x60"
+                   "Exif\0\0",
+            10));
     EXPECT_EQ(PictureXmp::Read(path).value("Unit"), "1");
     const QString exiftool = QStandardPaths::findExecutable(QStringLiteral("exiftool"));
     if (exiftool.isEmpty())

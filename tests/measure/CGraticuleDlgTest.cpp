@@ -2,7 +2,6 @@
 
 #include "measure/GraticulePicture.h"
 
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -53,7 +52,8 @@ TEST(GraticuleDialog, ResultTextKeepsASignificantDigitOfTheUncertainty)
     fit.perPixelU = 0.0008;
     fit.ticks.resize(93);
     fit.angleDeg = 3.04;
-    EXPECT_EQ(CGraticuleDlg::ResultText(fit), QStringLiteral("1 px = 1.2503 µm ± 0.0008\n93 ticks, scale at 3.0°"));
+    EXPECT_EQ(
+        CGraticuleDlg::ResultText(fit), QStringLiteral("1 px = 1.2503 µm ± 0.0008\n93 ticks, scale at 3.0°"));
     fit.perPixelU = 0.00004;
     EXPECT_TRUE(CGraticuleDlg::ResultText(fit).startsWith(QStringLiteral("1 px = 1.25031 µm ± 0.00004")));
 }

@@ -4,10 +4,9 @@
 #include "measure/CGVLCircleT.h"
 #include "measure/CGVLLine.h"
 
-#include <functional>
-
 #include <clocale>
 #include <cstdio>
+#include <functional>
 
 using namespace MeasureTest;
 
@@ -86,7 +85,8 @@ TEST_F(CsvFixture, EveryMeasuringShapeGivesItsRowsInCreationOrderAndNoneNothing)
         }
         labels.push_back(texts);
     }
-    EXPECT_EQ(labels[0], (QStringList { "L=5.000mm", "R=5.000mm", "S=78.540mm2", "R=0.700mm", "S=1.539mm2" }));
+    EXPECT_EQ(
+        labels[0], (QStringList { "L=5.000mm", "R=5.000mm", "S=78.540mm2", "R=0.700mm", "S=1.539mm2" }));
     EXPECT_EQ(labels[1], labels[0]);
     EXPECT_EQ(labels[2], labels[0]);
 }

@@ -63,7 +63,9 @@ struct SnapFixture : MeasureFixture
 
 bool Matches(const QString& text, const char* pattern)
 {
-    return QRegularExpression(QRegularExpression::anchoredPattern(QString::fromUtf8(pattern))).match(text).hasMatch();
+    return QRegularExpression(QRegularExpression::anchoredPattern(QString::fromUtf8(pattern)))
+        .match(text)
+        .hasMatch();
 }
 
 } // namespace
@@ -81,9 +83,11 @@ TEST_F(SnapFixture, LineEndsMoveOntoTheEdgesAlongTheDragAndTheLabelStatesTheUnce
     // Two ends of about 0.05 pixel each, expanded twice, at 0.01 mm a pixel.
     EXPECT_GT(line->LengthUncertainty(), 0.001);
     EXPECT_LT(line->LengthUncertainty(), 0.003);
-    EXPECT_TRUE(Matches(line->LabelText(), "L=1\\.00[345]±0\\.00[12][0-9]mm")) << line->LabelText().toStdString();
-    EXPECT_EQ(ExportCsv(mgr), QByteArray("No.,Type,Result,Unit\n1,Line distance,")
-            + QByteArray::number(line->GetLength(), 'f', 3) + ", mm\n");
+    EXPECT_TRUE(Matches(line->LabelText(), "L=1\\.00[345]±0\\.00[12][0-9]mm"))
+        << line->LabelText().toStdString();
+    EXPECT_EQ(ExportCsv(mgr),
+        QByteArray("No.,Type,Result,Unit\n1,Line distance,") + QByteArray::number(line->GetLength(), 'f', 3)
+            + ", mm\n");
 
     // Moved with snapping off, the line is a plain one again; moved with it
     // on, it finds the edges again.
@@ -112,7 +116,8 @@ TEST_F(SnapFixture, CirclesFindTheirRimToAFractionOfAPixel)
     ASSERT_TRUE(circle->IsSnapped());
     EXPECT_NEAR(circle->ExactCoord(0).x(), kDisc.x(), 0.05);
     EXPECT_NEAR(circle->ExactRadius(), kDiscRadius, 0.05);
-    EXPECT_TRUE(Matches(circle->RadiusText(), "R=0\\.30[34]±0\\.000[0-9]+mm")) << circle->RadiusText().toStdString();
+    EXPECT_TRUE(Matches(circle->RadiusText(), "R=0\\.30[34]±0\\.000[0-9]+mm"))
+        << circle->RadiusText().toStdString();
 
     // Through three points: each finds the rim along its line from the centre.
     Clicks(mgr, 7, { { 131, 111 }, { 100, 81 }, { 72, 125 } });
@@ -124,7 +129,8 @@ TEST_F(SnapFixture, CirclesFindTheirRimToAFractionOfAPixel)
     EXPECT_NEAR(fit.centre.y(), kDisc.y(), 0.1);
     EXPECT_NEAR(tri->ExactRadius(), kDiscRadius, 0.1);
     EXPECT_GT(tri->RadiusUncertainty(), 0.0);
-    EXPECT_TRUE(Matches(tri->RadiusText(), "R=0\\.30[345]±0\\.00[0-9]+mm")) << tri->RadiusText().toStdString();
+    EXPECT_TRUE(Matches(tri->RadiusText(), "R=0\\.30[345]±0\\.00[0-9]+mm"))
+        << tri->RadiusText().toStdString();
 
     // Snapping off: the three clicks as they fell, labels as always.
     on = false;

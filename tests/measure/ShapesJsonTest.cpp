@@ -1,6 +1,7 @@
+#include "measure/ShapesJson.h"
+
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLPolygon.h"
-#include "measure/ShapesJson.h"
 
 #include <QBuffer>
 

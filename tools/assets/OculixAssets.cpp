@@ -44,7 +44,8 @@ int MakePdf(const QString& input, const QString& output, const QString& family)
     QFont font(family);
     font.setPointSizeF(10.5);
     document.setDefaultFont(font);
-    document.setDefaultStyleSheet(QStringLiteral("table { border-collapse: collapse; } td, th { padding: 4px; }"));
+    document.setDefaultStyleSheet(
+        QStringLiteral("table { border-collapse: collapse; } td, th { padding: 4px; }"));
     document.setMarkdown(QString::fromUtf8(source.readAll()));
     // Without a page size of its own the document is laid out for the
     // writer's pages and numbered at the foot.
