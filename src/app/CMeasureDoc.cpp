@@ -1,6 +1,6 @@
 // The document's lifetime, its settings and its picture; the live video and
-// the overlay worker are in CMeasureDocLive.cpp, the commands in
-// CMeasureDocCommands.cpp.
+// the wiring of its overlay worker are in CMeasureDocLive.cpp, the commands
+// in CMeasureDocCommands.cpp.
 #include "app/CMeasureDoc.h"
 
 #include "capture/CameraModels.h"

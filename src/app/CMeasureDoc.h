@@ -2,6 +2,7 @@
 
 #include "app/CDocument.h"
 #include "app/SaveSettings.h"
+#include "capture/COverlayWorker.h"
 #include "capture/CXCapGraph.h"
 #include "capture/ILiveDocument.h"
 #include "image/FCObjImage.h"
@@ -14,12 +15,8 @@
 #include <QString>
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
-#include <thread>
-#include <vector>
 
 class CCmdUI;
 class CGVLElemMgr;
@@ -33,16 +30,16 @@ class QWidget;
 // written back when it goes, so the last document closed wins.
 //
 // Threads: everything runs on the user-interface thread except the overlay
-// worker of the live document, which redraws the shapes every 30 ms into the
-// buffer the processing element does not read, then publishes it.
+// worker of the live document (COverlayWorker), which redraws the shapes
+// every 30 ms into the buffer the processing element does not read, then
+// publishes it.
 class CMeasureDoc : public CDocument, public IMeasureDocument, public ILiveDocument
 {
     Q_OBJECT
 
 public:
-    // Tool codes of the drawing commands.
+    // The zoom index of 100 %, where shape coordinates are picture pixels.
     static constexpr int kZoomActualSize = 4;
-    static constexpr int kOverlayPeriodMs = 30;
 
     // openingFile: made for a picture file, so it never opens the camera.
     // settingsFile: empty takes the process's settings file.
@@ -79,7 +76,7 @@ public:
     // ILiveDocument: what the record, interval and colour-gain dialogs use.
     CXCapGraph& GetGraph() override { return m_graph; }
     QWidget* GetVideoOwner() override { return m_videoOwner; }
-    uchar* const* GetOverlayPointer() override { return &m_pCurrentOverlay; }
+    uchar* const* GetOverlayPointer() override { return m_overlay.PublishedPointer(); }
     void ReadBackState() override;
     void UpdateLiveView() override;
     ProcessSwitches& LiveSwitches() override { return m_switches; }
@@ -129,13 +126,13 @@ public:
     // Saving pictures (CMeasureDocSave.cpp). The drop-down variants of the
     // save buttons burn the shapes in whatever the options say, or nothing.
     enum class SaveVariant { Settings, PlusMeasure, OnlyImage };
-    // The save routine: grabs the frame of a running live document, burns the
-    // chosen overlay into a copy of the picture, enlarges it at saving
-    // resolutions 2 and 3 of the running live document, writes it (replacing
-    // any old file only once the new one is whole), keeps the calibration
-    // (and the shapes when not burnt in) as XMP data in JPEG, PNG and TIFF
-    // files, and gives ".jpg" files the summary texts. Failures are told in
-    // message boxes; true when the picture was written.
+    // The save routine: grabs the frame of a running live document, then
+    // CPictureSaver burns the chosen overlay into a copy of the picture,
+    // enlarges it at saving resolutions 2 and 3 of the running live document,
+    // writes it (replacing any old file only once the new one is whole), keeps
+    // the calibration (and the shapes when not burnt in) as XMP data in JPEG,
+    // PNG and TIFF files, and gives ".jpg" files the summary texts. Failures
+    // are told in message boxes; true when the picture was written.
     bool SaveImage(const QString& path, const SaveOverlay& overlay, const SaveTexts& texts);
     // "&Save": the name comes from the "Save" section; tells where the
     // picture went, then advances "Suffix". Returns the path.
@@ -152,11 +149,11 @@ public:
     int RestoreStoredShapes();
 
     // The overlay worker is running (tests).
-    bool IsOverlayWorkerRunning() const { return m_overlayThread.joinable(); }
+    bool IsOverlayWorkerRunning() const { return m_overlay.IsRunning(); }
     // Overlay workers of all documents that have not ended yet.
-    static int RunningOverlayWorkers();
+    static int RunningOverlayWorkers() { return COverlayWorker::Running(); }
     // How many overlays the worker has published (tests, diagnostics).
-    unsigned OverlaysDrawn() const { return m_nOverlayCount; }
+    unsigned OverlaysDrawn() const { return m_overlay.OverlaysDrawn(); }
 
     // Asks for the CSV path with the proposed name (no extension); empty
     // cancels. Replaceable as a whole (tests); returns the previous one.
@@ -179,7 +176,6 @@ private:
     void ReadSettings();
     void MapSaveCommands();
     void MapSnapCommand();
-    void WriteMeasurementXmp(const QString& path, const SaveOverlay& overlay, double scaleX, double scaleY);
     void ReadMeasurementXmp(const QString& path);
     void WriteSettings() const;
     void MapCommands();
@@ -211,12 +207,11 @@ private:
     bool Snapshot(FCObjImage& picture);
     bool SnapshotFromLive();
 
-    void AllocateOverlays(unsigned width, unsigned height);
-    void StartOverlayWorker();
-    // Stops and joins the worker, then makes sure the processing element no
-    // longer reads the buffers.
+    // The worker's view of this document's frames.
+    COverlayWorker::Frames OverlayFrames();
+    // Switches the overlay off at the processing element, then stops the
+    // worker, which waits until no frame reads its buffers.
     void StopOverlayWorker();
-    void MakeElemOverlay();
     void StopLive();
 
     std::unique_ptr<CGVLElemMgr> m_pElemMgr;
@@ -246,18 +241,9 @@ private:
     FCObjImage m_image;
     FCObjImage m_unprocessed;
 
-    // The overlay: two frame-size buffers, the one last completed published
-    // through m_pCurrentOverlay, whose address the processing element holds.
-    std::vector<uchar> m_overlayA;
-    std::vector<uchar> m_overlayB;
-    unsigned m_nOverlayWidth = 0;
-    unsigned m_nOverlayHeight = 0;
-    alignas(sizeof(uchar*)) uchar* m_pCurrentOverlay = nullptr;
-    std::thread m_overlayThread;
-    std::mutex m_stopMutex;
-    std::condition_variable m_stopCv;
-    bool m_bStopOverlay = false;
-    std::atomic<unsigned> m_nOverlayCount { 0 };
+    // Draws the element manager's shapes for the graph's processing element;
+    // made after, and so ended before, what it reads.
+    COverlayWorker m_overlay { *m_pElemMgr, OverlayFrames() };
 
     std::unique_ptr<CRulerSettingDlg> m_pCalibrationDlg;
     bool m_bCalibrationShown = false;

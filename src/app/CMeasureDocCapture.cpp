@@ -57,7 +57,7 @@ void CMeasureDoc::UpdateLiveView()
         gst_element_get_state(m_graph.Pipeline(), &state, &pending, 0);
         if ((pending == GST_STATE_VOID_PENDING ? state : pending) == GST_STATE_PLAYING) {
             m_bPreviewRunning = true;
-            StartOverlayWorker();
+            m_overlay.Start();
         }
     }
     emit layoutNeeded();

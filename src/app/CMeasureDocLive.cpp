@@ -5,12 +5,6 @@
 #include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
 
-namespace {
-
-std::atomic<int> g_runningWorkers { 0 };
-
-} // namespace
-
 bool CMeasureDoc::StartLive(QWidget* videoOwner)
 {
     if (!m_bHasCamera || s_pLiveDocument)
@@ -40,90 +34,37 @@ bool CMeasureDoc::StartLive(QWidget* videoOwner)
         m_graph.ShowVideoWindow(0);
         RepaintOverlayWindow();
     });
-    AllocateOverlays(width, height);
+    m_overlay.Allocate(width, height);
     m_graph.KeepCleanFrames(SnapToEdges());
     m_graph.SetProcessEnable(1);
-    m_graph.SetOverlay(1, &m_pCurrentOverlay);
+    m_graph.SetOverlay(1, m_overlay.PublishedPointer());
     ReadBackState();
     m_bPreviewRunning = true;
     m_bLive = true;
-    StartOverlayWorker();
+    m_overlay.Start();
     return true;
 }
 
-void CMeasureDoc::AllocateOverlays(unsigned width, unsigned height)
+COverlayWorker::Frames CMeasureDoc::OverlayFrames()
 {
-    // 1,1,1 marks pixels no shape covers.
-    const std::size_t bytes = DibStride(int(width)) * height;
-    m_overlayA.assign(bytes, 1);
-    m_overlayB.assign(bytes, 1);
-    m_nOverlayWidth = width;
-    m_nOverlayHeight = height;
-    std::atomic_ref<uchar*>(m_pCurrentOverlay).store(m_overlayA.data());
-}
-
-void CMeasureDoc::StartOverlayWorker()
-{
-    if (m_overlayThread.joinable())
-        return;
-    {
-        std::lock_guard lock(m_stopMutex);
-        m_bStopOverlay = false;
-    }
-    // Counted from its start, so it is never missed between start and first run.
-    ++g_runningWorkers;
-    m_overlayThread = std::thread([this] { MakeElemOverlay(); });
+    return {
+        [this] { return m_bLive && m_bPreviewRunning; },
+        [this] {
+            unsigned width = 0, height = 0;
+            m_graph.GetVideoSize(&width, &height);
+            return QSize(int(width), int(height));
+        },
+        [this](const uchar* buffer) { m_graph.WaitOverlayUnused(buffer); },
+    };
 }
 
 void CMeasureDoc::StopOverlayWorker()
 {
-    if (m_overlayThread.joinable()) {
-        {
-            std::lock_guard lock(m_stopMutex);
-            m_bStopOverlay = true;
-        }
-        m_stopCv.notify_all();
-        m_overlayThread.join();
-    }
-    // No frame reads the buffers after this, so they may be freed or resized.
+    // Off at the element first, so no frame takes a buffer again once the
+    // worker has waited for the last one that did.
     if (m_graph.HasProcess())
-        m_graph.SetOverlay(0, &m_pCurrentOverlay);
-    for (const std::vector<uchar>* buffer : { &m_overlayA, &m_overlayB })
-        if (!buffer->empty())
-            m_graph.WaitOverlayUnused(buffer->data());
-}
-
-int CMeasureDoc::RunningOverlayWorkers()
-{
-    return g_runningWorkers;
-}
-
-void CMeasureDoc::MakeElemOverlay()
-{
-    unsigned counter = 0;
-    std::unique_lock lock(m_stopMutex);
-    while (!m_bStopOverlay) {
-        lock.unlock();
-        if (m_bLive && m_bPreviewRunning && !m_overlayA.empty()) {
-            unsigned width = 0, height = 0;
-            m_graph.GetVideoSize(&width, &height);
-            // The buffers are reallocated with the worker stopped; a size
-            // that no longer matches waits for that.
-            if (width == m_nOverlayWidth && height == m_nOverlayHeight) {
-                ++counter;
-                uchar* target = (counter % 2 == 0) ? m_overlayB.data() : m_overlayA.data();
-                m_graph.WaitOverlayUnused(target);
-                m_pElemMgr->DrawToBits(target, int(width), int(height));
-                std::atomic_ref<uchar*>(m_pCurrentOverlay).store(target);
-                ++m_nOverlayCount;
-                qCDebug(lcApp, "MakeElemOverlay");
-            }
-        }
-        lock.lock();
-        m_stopCv.wait_for(
-            lock, std::chrono::milliseconds(kOverlayPeriodMs), [this] { return m_bStopOverlay; });
-    }
-    --g_runningWorkers;
+        m_graph.SetOverlay(0, m_overlay.PublishedPointer());
+    m_overlay.Stop();
 }
 
 void CMeasureDoc::StopLive()
@@ -140,9 +81,7 @@ void CMeasureDoc::StopLive()
     s_pLiveDocument = nullptr;
     m_bLive = false;
     m_bPreviewRunning = false;
-    m_overlayA.clear();
-    m_overlayB.clear();
-    m_pCurrentOverlay = nullptr;
+    m_overlay.Release();
 }
 
 // The flips are pushed before they are read, so the document's survive a
@@ -230,9 +169,9 @@ void CMeasureDoc::Preview()
     m_graph.RunGraph();
     m_graph.ShowVideoWindow(1);
     // After a camera failure the worker was stopped and the overlay taken off.
-    if (!m_overlayThread.joinable()) {
-        m_graph.SetOverlay(1, &m_pCurrentOverlay);
-        StartOverlayWorker();
+    if (!m_overlay.IsRunning()) {
+        m_graph.SetOverlay(1, m_overlay.PublishedPointer());
+        m_overlay.Start();
     }
 }
 
@@ -281,13 +220,13 @@ void CMeasureDoc::AfterGraphRebuilt()
     m_graph.GetVideoSize(&width, &height);
     m_nImageWidth = int(width);
     m_nImageHeight = int(height);
-    AllocateOverlays(width, height);
+    m_overlay.Allocate(width, height);
     m_graph.SetProcessEnable(1);
-    m_graph.SetOverlay(1, &m_pCurrentOverlay);
+    m_graph.SetOverlay(1, m_overlay.PublishedPointer());
     ReadBackState();
     m_bLive = true;
     m_bPreviewRunning = true;
-    StartOverlayWorker();
+    m_overlay.Start();
     emit layoutNeeded();
 }
 

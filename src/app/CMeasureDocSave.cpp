@@ -7,10 +7,8 @@
 #include "app/CSaveAsDlg.h"
 #include "app/CSaveOptionDlg.h"
 #include "app/CommandTable.h"
-#include "image/BurnIn.h"
-#include "image/JpegSummary.h"
-#include "image/PictureXmp.h"
 #include "measure/CGVLElemMgr.h"
+#include "measure/CPictureSaver.h"
 #include "measure/CShapeHistory.h"
 #include "measure/MeasurementXmp.h"
 #include "measure/ShapesJson.h"
@@ -23,10 +21,6 @@
 #include <QFileInfo>
 
 namespace {
-
-// The crop of a rescaled save and the sizes of resolutions 2 and 3.
-constexpr QRect kResolutionCrop(0, 0, 1280, 960);
-constexpr QSize kResolutionSizes[] = { {}, {}, { 1600, 1200 }, { 2048, 1536 } };
 
 SaveOverlay ApplyVariant(SaveOverlay overlay, CMeasureDoc::SaveVariant variant)
 {
@@ -128,57 +122,21 @@ bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, con
         m_graph.SetProcessEnable(processing);
     }
 
-    // The document keeps its clean picture; the overlay goes into a copy.
-    FCObjImage picture = m_image;
-    if (picture.IsValidImage()) {
-        const int width = picture.Width();
-        const int height = picture.Height();
-        std::vector<uchar> bits(DibStride(width) * std::size_t(height));
-        m_pElemMgr->DrawToImage(bits.data(), width, height, overlay.measure, overlay.ruler, overlay.scale,
-            overlay.time, overlay.title, texts.title);
-        BurnInOverlay(picture, bits.data(), width, height);
-    }
     qCDebug(lcApp) << "save image" << path;
-
-    // At the larger saving resolutions the live picture's top-left 1280 x 960
-    // is enlarged. A frame smaller than that gives what it has of the crop,
-    // enlarged all the same, so the file has the chosen size whatever the
-    // camera delivers.
-    double scaleX = 1.0;
-    double scaleY = 1.0;
-    if (running && m_nSaveResolution >= 2 && picture.IsValidImage()) {
-        const QSize size = kResolutionSizes[m_nSaveResolution];
-        picture = picture.CopyRect(kResolutionCrop);
-        scaleX = double(picture.Width()) / size.width();
-        scaleY = double(picture.Height()) / size.height();
-        if (!picture.Stretch(size.width(), size.height()))
-            picture.Destroy();
-    }
-
-    const bool saved = picture.Save(path);
+    CPictureSaver saver(*m_pElemMgr, overlay, texts);
+    // The larger saving resolutions apply to the running live picture.
+    if (running)
+        saver.SetEnlargement(m_nSaveResolution);
+    const bool saved = saver.Save(m_image, path);
     if (!saved) {
-        qCWarning(lcApp) << "save failed:" << picture.ErrorString();
+        qCWarning(lcApp) << "save failed:" << saver.ErrorString();
         MessageBox(tr("Save image failed."), tr("Save"), MB_OK | MB_ICONWARNING);
     }
-    if (saved && PictureXmp::CanHold(path))
-        WriteMeasurementXmp(path, overlay, scaleX, scaleY);
-    // After a failed save the summary is reported as failed too, and an older
-    // file of that name is left alone.
-    if (path.right(4) == QLatin1String(".jpg")
-        && (!saved || !WriteJpegSummary(path, texts.title, texts.subject, texts.author, texts.comment)))
+    if (saver.XmpFailed())
+        qCWarning(lcApp) << "could not keep the measurements in" << path << ":" << saver.XmpError();
+    if (saver.SummaryFailed())
         MessageBox(tr("Failed to write JPEG file Summary information!"), tr("Save"), MB_OK | MB_ICONWARNING);
     return saved;
-}
-
-void CMeasureDoc::WriteMeasurementXmp(
-    const QString& path, const SaveOverlay& overlay, double scaleX, double scaleY)
-{
-    // Shapes burnt in are pixels already; a rescaled picture no longer matches
-    // their coordinates.
-    const bool withShapes = !overlay.measure && scaleX == 1.0 && scaleY == 1.0;
-    QString error;
-    if (!MeasurementXmp::Write(path, *m_pElemMgr, withShapes, scaleX, scaleY, &error))
-        qCWarning(lcApp) << "could not keep the measurements in" << path << ":" << error;
 }
 
 void CMeasureDoc::ReadMeasurementXmp(const QString& path)

@@ -1,25 +1,8 @@
 #pragma once
 
+#include "measure/CPictureSaver.h"
+
 #include <QString>
-
-// What a save burns into the picture, in the order the save routine takes it.
-struct SaveOverlay
-{
-    bool measure = false;
-    bool ruler = false;
-    bool scale = false;
-    bool time = false;
-    bool title = false;
-};
-
-// The summary texts of a JPEG file; the quick save has no subject or comment.
-struct SaveTexts
-{
-    QString title;
-    QString subject;
-    QString author;
-    QString comment;
-};
 
 // The "Save" section: the quick save's options.
 struct QuickSaveSettings
