@@ -16,7 +16,25 @@ CDocTemplate::CDocTemplate(QString baseTitle, DocumentFactory createDocument, Vi
 
 CDocument* CDocTemplate::OpenDocumentFile(CMainFrame& frame, const QString& path)
 {
-    std::unique_ptr<CDocument> owned = m_createDocument(path);
+    if (path.isEmpty())
+        return Open(frame, Origin::New, [this](CDocument& document) {
+            document.SetTitle(m_baseTitle + QString::number(++m_untitledCount));
+            return document.OnNewDocument();
+        });
+    return Open(frame, Origin::File, [&path](CDocument& document) { return document.OnOpenDocument(path); });
+}
+
+CDocument* CDocTemplate::OpenPictureDocument(CMainFrame& frame, const QImage& picture, const QString& title)
+{
+    return Open(frame, Origin::Picture, [&](CDocument& document) {
+        document.SetTitle(title);
+        return document.OnNewPicture(picture);
+    });
+}
+
+CDocument* CDocTemplate::Open(CMainFrame& frame, Origin origin, const std::function<bool(CDocument&)>& open)
+{
+    std::unique_ptr<CDocument> owned = m_createDocument(origin);
     if (!owned)
         return nullptr;
     CDocument* document = owned.get();
@@ -26,13 +44,7 @@ CDocument* CDocTemplate::OpenDocumentFile(CMainFrame& frame, const QString& path
     m_documents.push_back(document);
     connect(document, &QObject::destroyed, this, [this, document] { std::erase(m_documents, document); });
 
-    if (path.isEmpty()) {
-        document->SetTitle(m_baseTitle + QString::number(++m_untitledCount));
-        if (!document->OnNewDocument()) {
-            delete child;
-            return nullptr;
-        }
-    } else if (!document->OnOpenDocument(path)) {
+    if (!open(*document)) {
         delete child;
         return nullptr;
     }

@@ -10,6 +10,7 @@
 class CChildFrame;
 class CDocument;
 class CMainFrame;
+class QImage;
 class QWidget;
 
 // Makes a document, its view and its child frame together, and keeps the
@@ -19,9 +20,10 @@ class CDocTemplate : public QObject
     Q_OBJECT
 
 public:
-    // path is empty for a new document, else the file being opened; the
-    // document may use it to know whether it is being opened from a file.
-    using DocumentFactory = std::function<std::unique_ptr<CDocument>(const QString& path)>;
+    // What a document is made for: the new-file path, a file being opened, or
+    // a picture the program made.
+    enum class Origin { New, File, Picture };
+    using DocumentFactory = std::function<std::unique_ptr<CDocument>(Origin origin)>;
     // The view must also derive from CView.
     using ViewFactory = std::function<QWidget*(CDocument& document)>;
 
@@ -30,10 +32,17 @@ public:
     // New document (empty path) or one opened from path, shown in a new child
     // frame of frame. Null when the document refused: nothing is left open.
     CDocument* OpenDocumentFile(CMainFrame& frame, const QString& path = QString());
+    // A document holding picture, titled title, with no file behind it;
+    // null when the document refused the picture.
+    CDocument* OpenPictureDocument(CMainFrame& frame, const QImage& picture, const QString& title);
 
     const std::vector<CDocument*>& GetDocuments() const { return m_documents; }
 
 private:
+    // Makes the document, its view and child frame, lets open fill the
+    // document, and shows it; nothing is left when open refuses.
+    CDocument* Open(CMainFrame& frame, Origin origin, const std::function<bool(CDocument&)>& open);
+
     QString m_baseTitle;
     DocumentFactory m_createDocument;
     ViewFactory m_createView;

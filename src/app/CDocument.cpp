@@ -21,3 +21,8 @@ bool CDocument::OnOpenDocument(const QString& path)
     SetPathName(path);
     return true;
 }
+
+bool CDocument::OnNewPicture(const QImage&)
+{
+    return false;
+}

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QString>
 
+class QImage;
+
 // A document of the multiple-document frame: what one child frame shows.
 // The child frame owns it; it is destroyed after its view.
 class CDocument : public QObject, public CCmdTarget
@@ -26,6 +28,9 @@ public:
     // The template's open-file path; false abandons the document. The
     // document reports its own failures to the user.
     virtual bool OnOpenDocument(const QString& path);
+    // The template's path for a picture the program made (a tool's result);
+    // false abandons the document. A document that holds no pictures refuses.
+    virtual bool OnNewPicture(const QImage& picture);
 
 signals:
     void titleChanged(const QString& title);

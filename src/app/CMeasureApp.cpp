@@ -371,6 +371,13 @@ CDocument* CMeasureApp::OpenDocumentFile(const QString& path)
     return document;
 }
 
+CDocument* CMeasureApp::OpenPictureDocument(const QImage& picture, const QString& title)
+{
+    if (m_templates.empty() || !m_mainFrame)
+        return nullptr;
+    return m_templates.front()->OpenPictureDocument(*m_mainFrame, picture, title);
+}
+
 void CMeasureApp::AddToRecentFileList(const QString& path)
 {
     const QString full = QFileInfo(path).absoluteFilePath();

@@ -53,6 +53,8 @@ public:
     CDocument* OnFileOpen();
     // A document for the picture at path; null when it could not be opened.
     CDocument* OpenDocumentFile(const QString& path);
+    // Not a file: it goes to no recent-file list.
+    CDocument* OpenPictureDocument(const QImage& picture, const QString& title) override;
     // The open dialog's filters, the classic one first.
     static QStringList PictureOpenFilters();
 

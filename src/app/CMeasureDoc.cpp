@@ -125,17 +125,23 @@ bool CMeasureDoc::OnNewDocument()
 
 bool CMeasureDoc::SnapshotFromLive()
 {
-    CMeasureDoc* live = s_pLiveDocument;
-    if (!live->Snapshot(m_image)) {
+    FCObjImage frame;
+    if (!s_pLiveDocument->Snapshot(frame)) {
         MessageBox(tr("The camera has not delivered a picture yet. Try again in a moment."), tr("Capture"),
             MB_OK | MB_ICONWARNING);
         return false;
     }
+    TakePicture(std::move(frame));
+    return true;
+}
+
+void CMeasureDoc::TakePicture(FCObjImage picture)
+{
+    m_image = std::move(picture);
+    m_unprocessed = m_image;
     m_nImageWidth = m_image.Width();
     m_nImageHeight = m_image.Height();
-    m_unprocessed = m_image;
     m_bHasImage = true;
-    return true;
 }
 
 bool CMeasureDoc::OnOpenDocument(const QString& path)
@@ -146,13 +152,21 @@ bool CMeasureDoc::OnOpenDocument(const QString& path)
             MB_OK | MB_ICONWARNING);
         return false;
     }
-    m_image = std::move(picture);
-    m_unprocessed = m_image;
-    m_nImageWidth = m_image.Width();
-    m_nImageHeight = m_image.Height();
-    m_bHasImage = true;
+    TakePicture(std::move(picture));
     SetPathName(path);
     ReadMeasurementXmp(path);
+    return true;
+}
+
+bool CMeasureDoc::OnNewPicture(const QImage& source)
+{
+    FCObjImage picture;
+    if (!picture.FromQImage(source) || !picture.ConvertTo24Bit()) {
+        MessageBox(tr("Cannot open the picture %1:\n%2").arg(GetTitle(), picture.ErrorString()), tr("Open"),
+            MB_OK | MB_ICONWARNING);
+        return false;
+    }
+    TakePicture(std::move(picture));
     return true;
 }
 

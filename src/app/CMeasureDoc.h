@@ -51,6 +51,9 @@ public:
 
     bool OnNewDocument() override;
     bool OnOpenDocument(const QString& path) override;
+    // A picture document of a picture the program made; an unusable one is
+    // told in a message box, as an unreadable file is.
+    bool OnNewPicture(const QImage& picture) override;
 
     // IMeasureDocument
     CGVLElemMgr& GetElemMgr() override { return *m_pElemMgr; }
@@ -206,6 +209,8 @@ private:
     // camera has given no frame yet.
     bool Snapshot(FCObjImage& picture);
     bool SnapshotFromLive();
+    // The document's picture from now on, also as the unprocessed one.
+    void TakePicture(FCObjImage picture);
 
     // The worker's view of this document's frames.
     COverlayWorker::Frames OverlayFrames();

@@ -58,7 +58,9 @@ std::unique_ptr<CDocTemplate> CMeasureView::CreateDocTemplate()
 {
     return std::make_unique<CDocTemplate>(
         QStringLiteral("Measure"),
-        [](const QString& path) { return std::make_unique<CMeasureDoc>(!path.isEmpty()); },
+        [](CDocTemplate::Origin origin) {
+            return std::make_unique<CMeasureDoc>(origin != CDocTemplate::Origin::New);
+        },
         [](CDocument& document) -> QWidget* {
             return new CMeasureView(static_cast<CMeasureDoc&>(document));
         });

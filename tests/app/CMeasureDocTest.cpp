@@ -403,3 +403,66 @@ TEST_F(MeasureFrameTest, UnreadablePicturesAreReportedAndOpenDialogPreviewsAndOp
     EXPECT_EQ(startedAt, picture);
     EXPECT_EQ(frame->GetChildFrames().size(), 1u) << "cancel opens nothing";
 }
+
+// A picture a tool computed opens as a picture document of its own, titled
+// by the tool: the camera stays with the live document (and no camera is
+// taken when there is none), the picture is the document's to measure and
+// save, and an unusable picture is told and leaves nothing open.
+TEST_F(MeasureFrameTest, AToolsPictureOpensAsAPictureDocument)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    QImage computed(200, 150, QImage::Format_ARGB32);
+    for (int y = 0; y < computed.height(); ++y)
+        for (int x = 0; x < computed.width(); ++x)
+            computed.setPixel(x, y, qRgb(x, y, (x * y) % 256));
+
+    auto* doc = qobject_cast<CMeasureDoc*>(app->OpenPictureDocument(computed, QStringLiteral("Stack 1")));
+    ASSERT_NE(doc, nullptr);
+    ASSERT_EQ(frame->GetChildFrames().size(), 2u);
+    EXPECT_EQ(ActiveDoc(), doc);
+    EXPECT_EQ(doc->GetTitle(), QStringLiteral("Stack 1"));
+    EXPECT_TRUE(doc->GetPathName().isEmpty());
+    EXPECT_TRUE(app->GetRecentFiles().isEmpty()) << "no file, no recent-file entry";
+    EXPECT_FALSE(doc->IsLive());
+    EXPECT_EQ(CMeasureDoc::GetLiveDocument(), live);
+    EXPECT_TRUE(live->IsPreviewRunning());
+    EXPECT_EQ(doc->GetImageSize(), computed.size());
+    ASSERT_NE(doc->GetPicture(), nullptr);
+    EXPECT_EQ(doc->GetPicture()->ColorBits(), 24);
+    EXPECT_EQ(doc->GetUnprocessedImage().ToQImage(), doc->GetPicture()->ToQImage());
+    EXPECT_EQ(ShapeTypes(*doc), std::vector<int> { 9 }) << "the view gave it its ruler";
+    EXPECT_TRUE(doc->CanDraw());
+
+    // Saved as it came: every pixel of the tool's picture.
+    const QString saved = home.filePath("stack.png");
+    ASSERT_TRUE(doc->SaveImage(saved, {}, {}));
+    FCObjImage back;
+    ASSERT_TRUE(back.Load(saved));
+    ASSERT_EQ(QSize(back.Width(), back.Height()), computed.size());
+    int differing = 0;
+    for (int y = 0; y < computed.height(); ++y)
+        for (int x = 0; x < computed.width(); ++x)
+            differing += back.GetPixelColor(x, y) != computed.pixel(x, y);
+    EXPECT_EQ(differing, 0);
+
+    // It takes no number of the new documents: the live one had 1.
+    ASSERT_TRUE(frame->RouteCommand(ID_CAMERA_CAPTURE));
+    EXPECT_EQ(ActiveDoc()->GetTitle(), QStringLiteral("Measure2"));
+
+    EXPECT_EQ(app->OpenPictureDocument(QImage(), QStringLiteral("Stack 2")), nullptr);
+    EXPECT_EQ(frame->GetChildFrames().size(), 3u);
+    EXPECT_EQ(messages, QStringList { QStringLiteral("Cannot open the picture Stack 2:\nNo picture") });
+
+    // With the live document closed the camera is free, and still not taken.
+    CChildFrame* child = FrameOf(live);
+    child->close();
+    delete child;
+    ASSERT_EQ(CMeasureDoc::GetLiveDocument(), nullptr);
+    auto* second = qobject_cast<CMeasureDoc*>(app->OpenPictureDocument(computed, QStringLiteral("Stack 3")));
+    ASSERT_NE(second, nullptr);
+    EXPECT_FALSE(second->HasCamera());
+    EXPECT_FALSE(second->IsLive());
+    EXPECT_EQ(CMeasureDoc::GetLiveDocument(), nullptr);
+    EXPECT_EQ(CMeasureDoc::RunningOverlayWorkers(), 0);
+}

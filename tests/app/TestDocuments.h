@@ -77,7 +77,7 @@ inline std::unique_ptr<CDocTemplate> MakeTestTemplate(Journal& journal)
     auto count = std::make_shared<int>(0);
     return std::make_unique<CDocTemplate>(
         QStringLiteral("Measure"),
-        [&journal, count](const QString&) {
+        [&journal, count](CDocTemplate::Origin) {
             return std::make_unique<TestDoc>(journal, QStringLiteral("doc%1").arg(++*count));
         },
         [&journal](CDocument& doc) -> QWidget* { return new TestView(journal, static_cast<TestDoc&>(doc)); });
