@@ -168,9 +168,12 @@ bool CTgaHandler::read(QImage* image)
             qWarning("TGA: colour map is truncated");
             return false;
         }
+        // The fourth byte of a 32-bit entry is alpha only when the descriptor
+        // declares alpha bits; otherwise it is padding.
+        const bool mapAlpha = h.mapEntryBits == 32 && h.AlphaBits() > 0;
         const auto* m = reinterpret_cast<const uchar*>(raw.constData());
         for (int i = 0; i < h.mapLength; ++i)
-            map.append(ColorAt(m + i * entryBytes, h.mapEntryBits, h.mapEntryBits == 32));
+            map.append(ColorAt(m + i * entryBytes, h.mapEntryBits, mapAlpha));
     }
 
     const QByteArray body = dev->readAll();
@@ -302,8 +305,9 @@ bool CTgaHandler::write(const QImage& source)
     qToLittleEndian(quint16(w), header + 12);
     qToLittleEndian(quint16(hgt), header + 14);
     header[16] = uchar(bytes * 8);
-    // Bottom-up rows, left to right; a mapped picture's alpha is in its map.
-    header[17] = alpha && !mapped ? 8 : 0;
+    // Bottom-up rows, left to right; eight alpha bits, in the pixels or in
+    // the map's entries.
+    header[17] = alpha ? 8 : 0;
 
     QByteArray out(reinterpret_cast<const char*>(header), kHeaderSize);
     for (const QRgb c : table) {

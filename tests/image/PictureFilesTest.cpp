@@ -147,6 +147,57 @@ TEST(PictureFiles, WhatOurReadersTakeOurWritersGiveBack)
     }
 }
 
+// A fuzzed RLE colour-mapped TGA whose map has 32-bit entries while its
+// descriptor declares no alpha bits: the entries' fourth byte is padding. Read
+// as alpha, the picture came back from our writer with other pixels.
+TEST(PictureFiles, TgaMapAlphaOnlyWhereTheDescriptorDeclaresIt)
+{
+    QByteArray finding = ReadAll(
+        QStringLiteral(OCULIX_SOURCE_DIR "/fuzz/regression/TgaReaderFuzz/tga-roundtrip-mismatch.tga"));
+    ASSERT_EQ(finding.size(), 1307);
+    EXPECT_EQ(RoundTripFault<CTgaHandler>(finding), "");
+    QBuffer in(&finding);
+    in.open(QIODevice::ReadOnly);
+    CTgaHandler reader;
+    reader.setDevice(&in);
+    QImage image;
+    ASSERT_TRUE(reader.read(&image));
+    EXPECT_EQ(image.size(), QSize(9, 5));
+    EXPECT_FALSE(image.hasAlphaChannel());
+
+    // Written back with a 24-bit map that Pillow reads as we read the finding.
+    QTemporaryDir dir;
+    QFile file(dir.filePath("finding.tga"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    CTgaHandler writer;
+    writer.setDevice(&file);
+    ASSERT_TRUE(writer.write(image));
+    file.close();
+    const QByteArray written = ReadAll(file.fileName());
+    EXPECT_EQ(written.at(7), 24);
+    EXPECT_EQ(written.at(17), 0);
+    if (HavePillow()) {
+        EXPECT_EQ(PillowAgrees(dir, { "finding.tga" }), QStringList { "TGA" });
+    }
+
+    // A translucent map of ours declares its eight alpha bits and keeps them.
+    QImage translucent(5, 2, QImage::Format_Indexed8);
+    translucent.setColorTable({ qRgba(10, 20, 30, 0), qRgba(200, 100, 50, 128), qRgb(1, 2, 3) });
+    for (int i = 0; i < 10; ++i)
+        translucent.setPixel(i % 5, i / 5, uint(i % 3));
+    QBuffer out;
+    out.open(QIODevice::ReadWrite);
+    writer.setDevice(&out);
+    ASSERT_TRUE(writer.write(translucent));
+    EXPECT_EQ(out.data().at(7), 32);
+    EXPECT_EQ(out.data().at(17) & 0x0F, 8);
+    EXPECT_EQ(RoundTripFault<CTgaHandler>(out.data()), "");
+    out.seek(0);
+    reader.setDevice(&out);
+    ASSERT_TRUE(reader.read(&image));
+    EXPECT_EQ(image.pixel(1, 0), qRgba(200, 100, 50, 128));
+}
+
 TEST(PictureFiles, EveryFormatSavesAndLoadsBackEveryDepth)
 {
     QTemporaryDir dir;
