@@ -59,12 +59,12 @@ inline std::string LayoutFault(QWidget& dialog, const QImage& shot)
         for (std::size_t k = i + 1; k < controls.size(); ++k)
             if (r.intersects(rectOf(controls[k])))
                 return name(w) + " lies over " + name(controls[k]);
-        const QFontMetrics metrics(w->font());
-        QString text = textOf(w);
-        text.remove(QLatin1Char('&'));
+        const QString text = textOf(w);
+        const QSize need
+            = QFontMetrics(w->font()).size(Qt::TextShowMnemonic, text.isEmpty() ? QStringLiteral("X") : text);
         const auto* label = qobject_cast<const QLabel*>(w);
         const bool wraps = label && label->wordWrap();
-        if (r.height() < metrics.height() || (!wraps && r.width() < metrics.horizontalAdvance(text)))
+        if (r.height() < need.height() || (!wraps && r.width() < need.width()))
             return name(w) + " cuts its text off";
         if (text.isEmpty())
             continue;
