@@ -1,5 +1,7 @@
 #include "calibration/GraticuleDetector.h"
 
+#include "image/Median.h"
+
 #include <QCoreApplication>
 
 #include <algorithm>
@@ -32,15 +34,6 @@ GraticuleFit Fail(const char* reason)
     GraticuleFit fit;
     fit.reason = Tr(reason);
     return fit;
-}
-
-double Median(std::vector<double> values)
-{
-    if (values.empty())
-        return 0.0;
-    const auto mid = values.begin() + std::ptrdiff_t(values.size() / 2);
-    std::nth_element(values.begin(), mid, values.end());
-    return *mid;
 }
 
 // The strongest periodic pattern of the picture: the peak of its spectrum

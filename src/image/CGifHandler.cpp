@@ -2,6 +2,7 @@
 
 #include <QIODevice>
 #include <QImage>
+#include <QtEndian>
 
 #include <array>
 #include <vector>
@@ -115,12 +116,6 @@ void Compress(const QImage& image, int minCodeSize, QByteArray& out)
     writer.Finish();
 }
 
-void PutU16(QByteArray& out, int v)
-{
-    out.append(char(v & 0xFF));
-    out.append(char((v >> 8) & 0xFF));
-}
-
 } // namespace
 
 bool CGifHandler::write(const QImage& source)
@@ -141,23 +136,24 @@ bool CGifHandler::write(const QImage& source)
         ++tableBits;
     table.resize(1 << tableBits);
 
+    // Logical screen: size, global table, 8-bit colour resolution,
+    // background colour 0, square pixels.
+    uchar screen[7] = {};
+    qToLittleEndian(quint16(image.width()), screen);
+    qToLittleEndian(quint16(image.height()), screen + 2);
+    screen[4] = uchar(0x80 | (7 << 4) | (tableBits - 1));
     QByteArray out("GIF89a");
-    PutU16(out, image.width());
-    PutU16(out, image.height());
-    out.append(char(0x80 | (7 << 4) | (tableBits - 1))); // global table, 8-bit colour resolution
-    out.append(char(0)); // background colour index
-    out.append(char(0)); // square pixels
+    out.append(reinterpret_cast<const char*>(screen), sizeof screen);
     for (const QRgb c : table) {
         out.append(char(qRed(c)));
         out.append(char(qGreen(c)));
         out.append(char(qBlue(c)));
     }
-    out.append(char(0x2C));
-    PutU16(out, 0);
-    PutU16(out, 0);
-    PutU16(out, image.width());
-    PutU16(out, image.height());
-    out.append(char(0)); // no local table, not interlaced
+    // The frame covers the screen; no local table, not interlaced.
+    uchar frame[10] = { 0x2C };
+    qToLittleEndian(quint16(image.width()), frame + 5);
+    qToLittleEndian(quint16(image.height()), frame + 7);
+    out.append(reinterpret_cast<const char*>(frame), sizeof frame);
     const int minCodeSize = std::max(2, tableBits);
     out.append(char(minCodeSize));
     Compress(image, minCodeSize, out);

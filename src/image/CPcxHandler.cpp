@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QSize>
 #include <QVariant>
+#include <QtEndian>
 
 #include <cstring>
 #include <vector>
@@ -26,17 +27,6 @@ struct PcxHeader
     int height = 0;
     uchar palette16[48] = {};
 };
-
-int U16(const uchar* p)
-{
-    return p[0] | (p[1] << 8);
-}
-
-void PutU16(uchar* p, int v)
-{
-    p[0] = uchar(v & 0xFF);
-    p[1] = uchar((v >> 8) & 0xFF);
-}
 
 bool Supported(int bits, int planes)
 {
@@ -60,10 +50,11 @@ bool ParseHeader(const QByteArray& raw, PcxHeader& h, QString* why)
     h.version = p[1];
     h.encoding = p[2];
     h.bitsPerPixel = p[3];
-    const int xMin = U16(p + 4), yMin = U16(p + 6), xMax = U16(p + 8), yMax = U16(p + 10);
+    const int xMin = qFromLittleEndian<quint16>(p + 4), yMin = qFromLittleEndian<quint16>(p + 6),
+              xMax = qFromLittleEndian<quint16>(p + 8), yMax = qFromLittleEndian<quint16>(p + 10);
     std::memcpy(h.palette16, p + 16, sizeof h.palette16);
     h.planes = p[65];
-    h.bytesPerLine = U16(p + 66);
+    h.bytesPerLine = qFromLittleEndian<quint16>(p + 66);
     if (h.version > 5 || h.encoding > 1)
         return fail("not a PCX file");
     if (xMax < xMin || yMax < yMin)
@@ -309,11 +300,11 @@ bool CPcxHandler::write(const QImage& source)
     header[1] = 5;
     header[2] = 1;
     header[3] = uchar(bits);
-    PutU16(header + 8, w - 1);
-    PutU16(header + 10, image.height() - 1);
+    qToLittleEndian(quint16(w - 1), header + 8);
+    qToLittleEndian(quint16(image.height() - 1), header + 10);
     const int dpi = image.dotsPerMeterX() > 0 ? qRound(image.dotsPerMeterX() * 0.0254) : 96;
-    PutU16(header + 12, dpi);
-    PutU16(header + 14, dpi);
+    qToLittleEndian(quint16(dpi), header + 12);
+    qToLittleEndian(quint16(dpi), header + 14);
     if (bits == 1) {
         const QVector<QRgb> table = image.colorTable();
         for (int i = 0; i < 2; ++i) {
@@ -324,8 +315,8 @@ bool CPcxHandler::write(const QImage& source)
         }
     }
     header[65] = uchar(planes);
-    PutU16(header + 66, bytesPerLine);
-    PutU16(header + 68, 1);
+    qToLittleEndian(quint16(bytesPerLine), header + 66);
+    qToLittleEndian(quint16(1), header + 68);
 
     QByteArray out(reinterpret_cast<const char*>(header), kHeaderSize);
     std::vector<uchar> line(std::size_t(bytesPerLine), 0);

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QSize>
 #include <QVariant>
+#include <QtEndian>
 
 #include <algorithm>
 #include <cstring>
@@ -36,17 +37,6 @@ struct TgaHeader
     int AlphaBits() const { return descriptor & 0x0F; }
 };
 
-int U16(const uchar* p)
-{
-    return p[0] | (p[1] << 8);
-}
-
-void PutU16(uchar* p, int v)
-{
-    p[0] = uchar(v & 0xFF);
-    p[1] = uchar((v >> 8) & 0xFF);
-}
-
 bool ParseHeader(const QByteArray& raw, TgaHeader& h, QString* why)
 {
     auto fail = [why](const char* text) {
@@ -60,11 +50,11 @@ bool ParseHeader(const QByteArray& raw, TgaHeader& h, QString* why)
     h.idLength = p[0];
     h.mapType = p[1];
     h.type = p[2];
-    h.mapFirst = U16(p + 3);
-    h.mapLength = U16(p + 5);
+    h.mapFirst = qFromLittleEndian<quint16>(p + 3);
+    h.mapLength = qFromLittleEndian<quint16>(p + 5);
     h.mapEntryBits = p[7];
-    h.width = U16(p + 12);
-    h.height = U16(p + 14);
+    h.width = qFromLittleEndian<quint16>(p + 12);
+    h.height = qFromLittleEndian<quint16>(p + 14);
     h.pixelBits = p[16];
     h.descriptor = p[17];
     if (h.mapType > 1
@@ -103,7 +93,7 @@ QRgb ColorAt(const uchar* p, int bits, bool alpha)
     switch (bits) {
     case 15:
     case 16:
-        return Color16(U16(p));
+        return Color16(qFromLittleEndian<quint16>(p));
     case 24:
         return qRgb(p[2], p[1], p[0]);
     default:
@@ -178,9 +168,12 @@ bool CTgaHandler::read(QImage* image)
             qWarning("TGA: colour map is truncated");
             return false;
         }
+        // The fourth byte of a 32-bit entry is alpha only when the descriptor
+        // declares alpha bits; otherwise it is padding.
+        const bool mapAlpha = h.mapEntryBits == 32 && h.AlphaBits() > 0;
         const auto* m = reinterpret_cast<const uchar*>(raw.constData());
         for (int i = 0; i < h.mapLength; ++i)
-            map.append(ColorAt(m + i * entryBytes, h.mapEntryBits, h.mapEntryBits == 32));
+            map.append(ColorAt(m + i * entryBytes, h.mapEntryBits, mapAlpha));
     }
 
     const QByteArray body = dev->readAll();
@@ -304,16 +297,17 @@ bool CTgaHandler::write(const QImage& source)
     if (mapped) {
         header[1] = 1;
         header[2] = 1;
-        PutU16(header + 5, int(table.size()));
+        qToLittleEndian(quint16(table.size()), header + 5);
         header[7] = uchar(entryBytes * 8);
     } else {
         header[2] = 2;
     }
-    PutU16(header + 12, w);
-    PutU16(header + 14, hgt);
+    qToLittleEndian(quint16(w), header + 12);
+    qToLittleEndian(quint16(hgt), header + 14);
     header[16] = uchar(bytes * 8);
-    // Bottom-up rows, left to right; a mapped picture's alpha is in its map.
-    header[17] = alpha && !mapped ? 8 : 0;
+    // Bottom-up rows, left to right; eight alpha bits, in the pixels or in
+    // the map's entries.
+    header[17] = alpha ? 8 : 0;
 
     QByteArray out(reinterpret_cast<const char*>(header), kHeaderSize);
     for (const QRgb c : table) {

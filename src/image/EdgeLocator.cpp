@@ -1,7 +1,10 @@
 #include "image/EdgeLocator.h"
 
+#include "image/Median.h"
+
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -30,13 +33,6 @@ double Bilinear(const QImage& gray, double x, double y)
     return top + (bottom - top) * fy;
 }
 
-double Median(std::vector<double>& v)
-{
-    const auto mid = v.begin() + std::ptrdiff_t(v.size() / 2);
-    std::nth_element(v.begin(), mid, v.end());
-    return *mid;
-}
-
 // The spread of the picture's noise around a point, from how far each pixel
 // stands from the mean of its four neighbours (robust against the edge that
 // also lies there).
@@ -55,7 +51,7 @@ double NoiseNear(const QImage& gray, const QPointF& at)
     if (r.size() < 9)
         return 1.0;
     // For normal noise of spread s the residual's spread is s * sqrt(1.25).
-    return std::max(0.3, 1.4826 * Median(r) / std::sqrt(1.25));
+    return std::max(0.3, 1.4826 * Median(std::move(r)) / std::sqrt(1.25));
 }
 
 } // namespace

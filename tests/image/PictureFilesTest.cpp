@@ -1,5 +1,6 @@
 #include "ImageRoundTrip.h"
 #include "TestFiles.h"
+#include "image/CGifHandler.h"
 #include "image/CPcxHandler.h"
 #include "image/CTgaHandler.h"
 #include "image/FCObjImage.h"
@@ -111,18 +112,63 @@ std::string RoundTripFault(const QString& path)
     return path.endsWith(".pcx") ? RoundTripFault<CPcxHandler>(bytes) : RoundTripFault<CTgaHandler>(bytes);
 }
 
+// Walks a one-frame GIF's LZW codes as a decoder sizes them and returns the
+// decoder's table size at each clear code after the first; codes that come
+// after the table is full count on, so a late clear shows as more than 4096.
+// -1 when a code points past the table or the stream is cut.
+std::vector<int> GifTableSizesAtClear(const QByteArray& gif)
+{
+    const auto* p = reinterpret_cast<const uchar*>(gif.constData());
+    int at = 13 + ((p[10] & 0x80) ? 3 << ((p[10] & 7) + 1) : 0) + 10;
+    const int minCodeSize = p[at++];
+    QByteArray data;
+    while (at < gif.size() && p[at] != 0) {
+        data.append(gif.mid(at + 1, p[at]));
+        at += 1 + p[at];
+    }
+    const int clear = 1 << minCodeSize;
+    std::vector<int> sizes;
+    int size = clear + 2, bits = minCodeSize + 1;
+    bool first = true, any = false;
+    for (qint64 bit = 0; bit + bits <= data.size() * 8;) {
+        int code = 0;
+        for (int k = 0; k < bits; ++k, ++bit)
+            code |= ((uchar(data[bit / 8]) >> (bit % 8)) & 1) << k;
+        if (code == clear) {
+            if (any)
+                sizes.push_back(size);
+            size = clear + 2;
+            bits = minCodeSize + 1;
+            first = true;
+            continue;
+        }
+        if (code == clear + 1)
+            return sizes;
+        // After a clear the first code only names a colour; each later one
+        // adds an entry, and may name the entry it adds.
+        if (code > size || (first && code >= clear))
+            return { -1 };
+        if (!first && ++size == (1 << bits) && bits < 12)
+            ++bits;
+        first = false;
+        any = true;
+    }
+    return { -1 };
+}
+
 } // namespace
 
 // Every picture our PCX and TGA readers take comes back from our writers with
-// the same pixels: the files that once did not, and the fuzzers' seeds.
+// the same pixels: the fuzzers' seeds and the files that once did not.
 TEST(PictureFiles, WhatOurReadersTakeOurWritersGiveBack)
 {
     QStringList paths;
-    for (const QString& dir : { QStringLiteral(OCULIX_TEST_DATA_DIR),
-             QStringLiteral(OCULIX_SOURCE_DIR "/fuzz/corpus/TgaReaderFuzz"),
-             QStringLiteral(OCULIX_SOURCE_DIR "/fuzz/corpus/PcxReaderFuzz") })
-        for (const QFileInfo& file : QDir(dir).entryInfoList({ "*.tga", "*.pcx" }, QDir::Files))
-            paths << file.filePath();
+    for (const char* kind : { "corpus", "regression" })
+        for (const char* target : { "TgaReaderFuzz", "PcxReaderFuzz" })
+            for (const QFileInfo& file :
+                QDir(QStringLiteral(OCULIX_SOURCE_DIR "/fuzz/%1/%2").arg(kind, target))
+                    .entryInfoList({ "*.tga", "*.pcx" }, QDir::Files))
+                paths << file.filePath();
     EXPECT_GE(paths.size(), 17);
     for (const QString& path : paths)
         EXPECT_EQ(RoundTripFault(path), "") << path.toStdString();
@@ -143,6 +189,101 @@ TEST(PictureFiles, WhatOurReadersTakeOurWritersGiveBack)
         ASSERT_TRUE(writer.write(argb));
         EXPECT_EQ(written.data().at(65), translucent ? 4 : 3);
         EXPECT_EQ(RoundTripFault<CPcxHandler>(written.data()), "") << translucent;
+    }
+}
+
+// A fuzzed RLE colour-mapped TGA whose map has 32-bit entries while its
+// descriptor declares no alpha bits: the entries' fourth byte is padding. Read
+// as alpha, the picture came back from our writer with other pixels.
+TEST(PictureFiles, TgaMapAlphaOnlyWhereTheDescriptorDeclaresIt)
+{
+    QByteArray finding = ReadAll(
+        QStringLiteral(OCULIX_SOURCE_DIR "/fuzz/regression/TgaReaderFuzz/tga-roundtrip-mismatch.tga"));
+    ASSERT_EQ(finding.size(), 1307);
+    EXPECT_EQ(RoundTripFault<CTgaHandler>(finding), "");
+    QBuffer in(&finding);
+    in.open(QIODevice::ReadOnly);
+    CTgaHandler reader;
+    reader.setDevice(&in);
+    QImage image;
+    ASSERT_TRUE(reader.read(&image));
+    EXPECT_EQ(image.size(), QSize(9, 5));
+    EXPECT_FALSE(image.hasAlphaChannel());
+
+    // Written back with a 24-bit map that Pillow reads as we read the finding.
+    QTemporaryDir dir;
+    QFile file(dir.filePath("finding.tga"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    CTgaHandler writer;
+    writer.setDevice(&file);
+    ASSERT_TRUE(writer.write(image));
+    file.close();
+    const QByteArray written = ReadAll(file.fileName());
+    EXPECT_EQ(written.at(7), 24);
+    EXPECT_EQ(written.at(17), 0);
+    if (HavePillow()) {
+        EXPECT_EQ(PillowAgrees(dir, { "finding.tga" }), QStringList { "TGA" });
+    }
+
+    // A translucent map of ours declares its eight alpha bits and keeps them.
+    QImage translucent(5, 2, QImage::Format_Indexed8);
+    translucent.setColorTable({ qRgba(10, 20, 30, 0), qRgba(200, 100, 50, 128), qRgb(1, 2, 3) });
+    for (int i = 0; i < 10; ++i)
+        translucent.setPixel(i % 5, i / 5, uint(i % 3));
+    QBuffer out;
+    out.open(QIODevice::ReadWrite);
+    writer.setDevice(&out);
+    ASSERT_TRUE(writer.write(translucent));
+    EXPECT_EQ(out.data().at(7), 32);
+    EXPECT_EQ(out.data().at(17) & 0x0F, 8);
+    EXPECT_EQ(RoundTripFault<CTgaHandler>(out.data()), "");
+    out.seek(0);
+    reader.setDevice(&out);
+    ASSERT_TRUE(reader.read(&image));
+    EXPECT_EQ(image.pixel(1, 0), qRgba(200, 100, 50, 128));
+}
+
+// Noise fills the writer's 4096-code table many times: each time the table is
+// full, and only then, the writer sends a clear code and starts over with
+// short codes. Qt's reader and Pillow read every pixel back.
+TEST(PictureFiles, GifCodeTableFillsAndStartsOver)
+{
+    QTemporaryDir dir;
+    std::mt19937 rng(19);
+    QStringList names;
+    // 256 colours (9-bit codes first) and 4 colours (3-bit codes first).
+    for (const int colours : { 256, 4 }) {
+        QImage image(300, 260, QImage::Format_Indexed8);
+        QVector<QRgb> table;
+        for (int i = 0; i < colours; ++i)
+            table << qRgb(i, (i * 37) & 255, 255 - i);
+        image.setColorTable(table);
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                image.setPixel(x, y, uint(rng() % uint(colours)));
+        names << QStringLiteral("noise%1.gif").arg(colours);
+        QFile file(dir.filePath(names.last()));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        CGifHandler writer;
+        writer.setDevice(&file);
+        ASSERT_TRUE(writer.write(image));
+        file.close();
+
+        const std::vector<int> sizes = GifTableSizesAtClear(ReadAll(file.fileName()));
+        EXPECT_GE(sizes.size(), 3u) << colours;
+        EXPECT_EQ(sizes, std::vector<int>(sizes.size(), 4096)) << colours;
+
+        QImageReader qt(file.fileName(), "gif");
+        const QImage back = qt.read().convertToFormat(QImage::Format_RGB32);
+        ASSERT_EQ(back.size(), image.size()) << qt.errorString().toStdString();
+        int wrong = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                wrong += back.pixel(x, y) != image.pixel(x, y);
+        EXPECT_EQ(wrong, 0) << colours;
+    }
+    if (HavePillow()) {
+        EXPECT_EQ(PillowAgrees(dir, names), QStringList({ "GIF", "GIF" }));
     }
 }
 

@@ -1,7 +1,6 @@
 #include "measure/CRulerSettingDlg.h"
 
 #include "TestFiles.h"
-#include "calibration/MeasureTables.h"
 #include "measure/FakeMeasureDocument.h"
 #include "platform/AppPaths.h"
 #include "platform/MessageBox.h"
@@ -341,7 +340,7 @@ TEST(CRulerSettingDlg, CalibrationCommandTogglesDialogAndRulerTogether)
 // dialog, and OK straight away leaves the calibration as it was.
 TEST(CRulerSettingDlg, ImmediateOkKeepsTheCalibrationAndItsUnit)
 {
-    for (int unit : { 1, 4 }) {
+    for (const auto& [unit, unitText] : { std::pair { 1, "mm" }, { 4, "inch" } }) {
         FakeMeasureDocument doc;
         FakeView view(doc); // the ruler's arms are 50 pixels long
         doc.mgr.m_unit = { unit, 0.004, 0.004, 0.2, 0.2 };
@@ -349,7 +348,7 @@ TEST(CRulerSettingDlg, ImmediateOkKeepsTheCalibrationAndItsUnit)
         CRulerSettingDlg::ToggleCalibration(doc, doc.dialog, doc.calibrationShown);
         CRulerSettingDlg::ToggleCalibration(doc, doc.dialog, doc.calibrationShown);
         ASSERT_TRUE(doc.dialog->isVisible());
-        EXPECT_EQ(doc.dialog->UnitLabel(), QString::fromLatin1(MeasureTables::UnitText(unit)));
+        EXPECT_EQ(doc.dialog->UnitLabel(), unitText);
         EXPECT_EQ(doc.dialog->findChild<QLineEdit*>(QStringLiteral("xReal"))->text(), "0.2");
         QTest::mouseClick(doc.dialog->findChild<QPushButton*>(QStringLiteral("ok")), Qt::LeftButton);
         EXPECT_FALSE(doc.dialog->isVisible());

@@ -1,5 +1,4 @@
 #include "MeasureTestSupport.h"
-#include "calibration/MeasureTables.h"
 #include "measure/CGVLAngle.h"
 #include "measure/CGVLCircle.h"
 #include "measure/CGVLCircleT.h"
@@ -10,6 +9,7 @@
 
 #include <clocale>
 #include <cmath>
+#include <iterator>
 #include <random>
 #include <utility>
 
@@ -29,7 +29,10 @@ void ExpectExportMatches(CGVLElemMgr& mgr, const std::string& where)
     ASSERT_TRUE(lines.takeFirst() == "No.,Type,Result,Unit" && lines.takeLast().isEmpty()) << where;
     const int precision = mgr.m_nPrecision;
     const bool rows = precision >= 1 && precision <= 5;
-    const QByteArray unit = QByteArray(" ") + MeasureTables::UnitText(mgr.m_unit.m_rtUnit);
+    // A unit outside the five (the gestures set -1 too) exports as mm.
+    const char* units[] = { " um", " mm", " cm", " dm", " inch" };
+    const int u = mgr.m_unit.m_rtUnit;
+    const QByteArray unit = u >= 0 && u < int(std::size(units)) ? units[u] : " mm";
     int number = 0;
     qsizetype line = 0;
     auto expect = [&](const char* type, double value, const QByteArray& unitText) {
