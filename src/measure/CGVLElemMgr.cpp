@@ -397,14 +397,7 @@ void CGVLElemMgr::RenderBits(uchar* buffer, int width, int height, uchar fill, D
         Gdi::ResetDC(dc);
         draw(dc);
     }
-    std::vector<uchar> row(stride);
-    for (int top = 0, bottom = height - 1; top < bottom; ++top, --bottom) {
-        uchar* a = buffer + std::size_t(top) * stride;
-        uchar* b = buffer + std::size_t(bottom) * stride;
-        std::memcpy(row.data(), a, stride);
-        std::memcpy(a, b, stride);
-        std::memcpy(b, row.data(), stride);
-    }
+    FlipVertical(buffer, unsigned(width), unsigned(height));
 }
 
 void CGVLElemMgr::DrawToBits(uchar* buffer, int width, int height)
