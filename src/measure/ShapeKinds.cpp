@@ -15,6 +15,7 @@
 #include "measure/CGVLScale.h"
 
 #include <algorithm>
+#include <array>
 #include <typeinfo>
 
 namespace {
@@ -154,6 +155,16 @@ static_assert(std::ranges::all_of(kKinds, [](const ShapeKind& k) {
     return s.gesture != Gesture::Drag || (s.from < s.points && s.to < s.points && s.from != s.to);
 }));
 
+// The rows by type id: every exported element and every undo step looks one
+// up per element.
+constexpr std::size_t kTypeLimit = 1 + std::size_t(std::ranges::max(kKinds, {}, &ShapeKind::type).type);
+constexpr auto kByType = [] {
+    std::array<const ShapeKind*, kTypeLimit> rows {};
+    for (const ShapeKind& kind : kKinds)
+        rows[std::size_t(kind.type)] = &kind;
+    return rows;
+}();
+
 } // namespace
 
 std::span<const ShapeKind> ShapeKinds()
@@ -163,9 +174,7 @@ std::span<const ShapeKind> ShapeKinds()
 
 const ShapeKind* FindShapeKind(int type)
 {
-    const auto it = std::find_if(
-        std::begin(kKinds), std::end(kKinds), [type](const ShapeKind& k) { return int(k.type) == type; });
-    return it == std::end(kKinds) ? nullptr : &*it;
+    return type >= 0 && std::size_t(type) < kTypeLimit ? kByType[std::size_t(type)] : nullptr;
 }
 
 const ShapeKind* ShapeKindForTool(int tool)
