@@ -27,7 +27,7 @@ void Populate(CGVLElemMgr& mgr, int count)
     const int types[] = { 1, 2, 3, 4, 5, 6, 7, 11, 12, 14 };
     const QPoint corners[] = { { 0, 0 }, { 40, 0 }, { 0, 30 }, { 40, 30 } };
     Scatter scatter;
-    mgr.CreateShape(9);
+    mgr.CreateShape(ShapeType::Ruler);
     for (int i = 0; i < count; ++i) {
         const int type = types[i % 10];
         CGVLShape* shape = mgr.CreateShape(type);

@@ -128,7 +128,7 @@ struct Gestures
 {
     explicit Gestures(const QImage& gray)
     {
-        mgr.CreateShape(9);
+        mgr.CreateShape(ShapeType::Ruler);
         mgr.m_unit = { 0, 1.0, 1.0, 0, 0 };
         mgr.m_fnSnapPicture = [gray] { return gray; };
     }

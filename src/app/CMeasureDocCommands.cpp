@@ -96,18 +96,10 @@ void CMeasureDoc::UpdateCameraCommand(CCmdUI& ui, bool needsRunning) const
 
 void CMeasureDoc::MapCommands()
 {
-    MapTool(ID_MEASURE_POINT, 1);
-    MapTool(ID_MEASURE_LINE, 2);
-    MapTool(ID_MEASURE_ANGLE, 3);
-    MapTool(ID_MEASURE_RECT, 4);
-    MapTool(ID_MEASURE_POLYGON, 5);
-    MapTool(ID_MEASURE_CIRCLE, 6);
-    MapTool(ID_MEASURE_TRICIRCLE, 7);
-    MapTool(ID_MEASURE_MOVE, CGVLShape::kToolMove);
-    MapTool(ID_MEASURE_DELETE, CGVLShape::kToolDeleteOne);
-    MapTool(ID_MEASURE_COUNTING, CGVLShape::kToolCounting);
-    MapTool(ID_MEASURE_ARROW, CGVLShape::kToolArrow);
-    MapTool(ID_MEASURE_TEXT, CGVLShape::kToolText);
+    for (const CommandInfo& command : Commands()) {
+        if (command.tool != ToolCode::None)
+            MapTool(command.id, int(command.tool));
+    }
     MapSnapCommand();
     MapCommand(ID_MEASURE_DELETE_ALL, [this] { DeleteAll(); });
     MapUpdate(ID_MEASURE_DELETE_ALL, [this](CCmdUI& ui) { ui.Enable(CanDraw()); });

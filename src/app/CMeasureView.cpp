@@ -35,7 +35,7 @@ CMeasureView::CMeasureView(CMeasureDoc& document, QWidget* parent)
         const auto lock = mgr.Lock();
         mgr.m_hWnd = m_pOverlayWnd;
     }
-    document.GetElemMgr().CreateShape(9);
+    document.GetElemMgr().CreateShape(ShapeType::Ruler);
     document.RestoreStoredShapes();
     m_pOverlayWnd->show();
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "measure/ShapeKinds.h"
+
 #include <QString>
 
 #include <span>
@@ -105,6 +107,7 @@ struct CommandInfo
     const char* icon; // resource path of the toolbar image, or nullptr
     bool checkable;
     const char* tip = nullptr; // tooltip for a button that has neither menu text nor prompt
+    ToolCode tool = ToolCode::None; // the tool the command selects in the document
 };
 
 struct MenuInfo

@@ -51,7 +51,7 @@ QByteArray PictureCsv(const QString& path, const SettingsKeys::DocumentSettings&
         stored.ApplyTo(mgr.m_unit);
         mgr.m_nPrecision = settings.m_precision;
     }
-    mgr.CreateShape(9);
+    mgr.CreateShape(ShapeType::Ruler);
     if (stored.shapes.isEmpty() || ShapesFromJson(mgr, stored.shapes) == 0)
         return {};
     QBuffer buffer;

@@ -1,18 +1,9 @@
 #include "measure/CGVLElemMgr.h"
 
 #include "calibration/MeasureTables.h"
-#include "measure/CGVLAngle.h"
-#include "measure/CGVLAnoArrow.h"
 #include "measure/CGVLAnoText.h"
-#include "measure/CGVLCircle.h"
-#include "measure/CGVLCircleT.h"
-#include "measure/CGVLLine.h"
 #include "measure/CGVLNo.h"
-#include "measure/CGVLPoint.h"
 #include "measure/CGVLPolygon.h"
-#include "measure/CGVLRect.h"
-#include "measure/CGVLRuler.h"
-#include "measure/CGVLScale.h"
 #include "measure/CInputTextDlg.h"
 #include "measure/GdiPainter.h"
 #include "measure/WindowCalls.h"
@@ -25,63 +16,14 @@
 
 #include <algorithm>
 #include <cstring>
-#include <typeinfo>
 
 namespace {
 
-// The element classes by type id: make.template operator()<Class>() for the
-// type's class, or a null pointer for an unknown type. A new element class
-// joins here.
-template <typename Make> std::unique_ptr<CGVLShape> ForType(int type, Make&& make)
-{
-    switch (type) {
-    case 1:
-        return make.template operator()<CGVLPoint>();
-    case 2:
-        return make.template operator()<CGVLLine>();
-    case 3:
-        return make.template operator()<CGVLAngle>();
-    case 4:
-        return make.template operator()<CGVLRect>();
-    case 5:
-        return make.template operator()<CGVLPolygon>();
-    case 6:
-        return make.template operator()<CGVLCircle>();
-    case 7:
-        return make.template operator()<CGVLCircleT>();
-    case 9:
-        return make.template operator()<CGVLRuler>();
-    case 10:
-        return make.template operator()<CGVLScale>();
-    case 11:
-        return make.template operator()<CGVLNo>();
-    case 12:
-        return make.template operator()<CGVLAnoArrow>();
-    case 14:
-        return make.template operator()<CGVLAnoText>();
-    default:
-        return nullptr;
-    }
-}
-
-std::unique_ptr<CGVLShape> NewShape(
-    int type, CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
-{
-    return ForType(type, [&]<typename Kind>() -> std::unique_ptr<CGVLShape> {
-        return std::make_unique<Kind>(unit, color, wnd, mgr);
-    });
-}
-
-// A copy as the class the type id names; a subclass under a borrowed id is
-// not copied.
+// A copy as the class the type id names, or null.
 std::unique_ptr<CGVLShape> CopyShape(const CGVLShape& shape)
 {
-    return ForType(shape.GetType(), [&]<typename Kind>() -> std::unique_ptr<CGVLShape> {
-        const auto* kind = dynamic_cast<const Kind*>(&shape);
-        if (!kind || typeid(*kind) != typeid(Kind))
-            return nullptr;
-        return std::make_unique<Kind>(*kind);
-    });
+    const ShapeKind* kind = FindShapeKind(shape.GetType());
+    return kind ? kind->factory.copy(shape) : nullptr;
 }
 
 } // namespace
@@ -126,24 +68,8 @@ std::unique_lock<std::recursive_mutex> CGVLElemMgr::Lock() const
 
 int CGVLElemMgr::TypeForTool(int tool)
 {
-    switch (tool) {
-    case CGVLShape::kToolPoint:
-    case CGVLShape::kToolLine:
-    case CGVLShape::kToolAngle:
-    case CGVLShape::kToolRect:
-    case CGVLShape::kToolPolygon:
-    case CGVLShape::kToolCircle:
-    case CGVLShape::kToolTriCircle:
-        return tool;
-    case CGVLShape::kToolCounting:
-        return 11;
-    case CGVLShape::kToolArrow:
-        return 12;
-    case CGVLShape::kToolText:
-        return 14;
-    default:
-        return 0;
-    }
+    const ShapeKind* kind = ShapeKindForTool(tool);
+    return kind ? int(kind->type) : 0;
 }
 
 CGVLShape* CGVLElemMgr::CreateShape(int type)
@@ -152,12 +78,17 @@ CGVLShape* CGVLElemMgr::CreateShape(int type)
     return Append(type);
 }
 
+CGVLShape* CGVLElemMgr::CreateShape(ShapeType type)
+{
+    return CreateShape(int(type));
+}
+
 CGVLShape* CGVLElemMgr::Append(int type)
 {
-    std::unique_ptr<CGVLShape> shape = NewShape(type, &m_unit, &m_color, m_hWnd, this);
-    if (!shape)
+    const ShapeKind* kind = FindShapeKind(type);
+    if (!kind)
         return nullptr;
-    m_arShape.push_back(std::move(shape));
+    m_arShape.push_back(kind->factory.make(*this));
     return m_arShape.back().get();
 }
 
@@ -235,54 +166,53 @@ CGVLAnoText* CGVLElemMgr::Press(unsigned flags, const QPoint& point, int tool)
     for (const auto& shape : m_arShape)
         shape->SetSelected(false);
 
+    const ShapeKind* kind = ShapeKindForTool(tool);
     CGVLShape* target = nullptr;
-    switch (tool) {
-    case CGVLShape::kToolPoint:
-    case CGVLShape::kToolLine:
-    case CGVLShape::kToolRect:
-    case CGVLShape::kToolCircle:
-    case CGVLShape::kToolCounting:
-    case CGVLShape::kToolArrow:
-    case CGVLShape::kToolText:
-        target = Append(TypeForTool(tool));
-        break;
-    case CGVLShape::kToolAngle:
-    case CGVLShape::kToolTriCircle:
-        // Safeguard: a second or third click continues the element still
-        // being placed (down), never an older one left half-placed.
-        for (const auto& shape : m_arShape) {
-            if (shape->m_bDown && shape->GetType() == tool) {
-                shape->OnLButtonDown(flags, point, tool);
-                m_bMouseDown = 1;
-                return nullptr;
+    if (kind) {
+        switch (kind->press) {
+        case PressRoute::New:
+            target = Append(int(kind->type));
+            break;
+        case PressRoute::ContinuePlacing:
+            // Safeguard: a second or third click continues the element still
+            // being placed (down), never an older one left half-placed.
+            for (const auto& shape : m_arShape) {
+                if (shape->m_bDown && shape->GetType() == int(kind->type)) {
+                    shape->OnLButtonDown(flags, point, tool);
+                    m_bMouseDown = 1;
+                    return nullptr;
+                }
             }
+            target = Append(int(kind->type));
+            break;
+        case PressRoute::ContinueOpenPolygon: {
+            // Safeguard: only an open polygon at the end of the list takes the
+            // next vertex; one left open further up keeps what it has.
+            const auto* last = dynamic_cast<const CGVLPolygon*>(LastShape());
+            target = last && !last->IsClosed() ? LastShape() : Append(int(kind->type));
+            break;
         }
-        target = Append(TypeForTool(tool));
-        break;
-    case CGVLShape::kToolPolygon: {
-        // Safeguard: only an open polygon at the end of the list takes the
-        // next vertex; one left open further up keeps what it has.
-        const auto* last = dynamic_cast<const CGVLPolygon*>(LastShape());
-        target = last && !last->IsClosed() ? LastShape() : Append(TypeForTool(tool));
-        break;
-    }
-    case CGVLShape::kToolPressLast:
-        target = LastShape();
-        break;
-    case CGVLShape::kToolDeleteAll:
-    case CGVLShape::kToolIgnore:
-        return nullptr;
-    default:
-        // Topmost first; an element that deletes itself answers -1, so the
-        // press goes on to the elements below it.
-        for (CGVLShape* shape : TopDown()) {
-            if (HasLeft(shape))
-                continue;
-            if (shape->OnLButtonDown(flags, point, tool) != -1)
-                break;
         }
-        m_bMouseDown = 1;
-        return nullptr;
+    } else {
+        switch (tool) {
+        case CGVLShape::kToolPressLast:
+            target = LastShape();
+            break;
+        case CGVLShape::kToolDeleteAll:
+        case CGVLShape::kToolIgnore:
+            return nullptr;
+        default:
+            // Topmost first; an element that deletes itself answers -1, so the
+            // press goes on to the elements below it.
+            for (CGVLShape* shape : TopDown()) {
+                if (HasLeft(shape))
+                    continue;
+                if (shape->OnLButtonDown(flags, point, tool) != -1)
+                    break;
+            }
+            m_bMouseDown = 1;
+            return nullptr;
+        }
     }
     if (!target)
         return nullptr;
@@ -291,11 +221,11 @@ CGVLAnoText* CGVLElemMgr::Press(unsigned flags, const QPoint& point, int tool)
         return nullptr;
     target->SetRefPoint(m_ptOrigin);
     m_bMouseDown = 1;
-    if (tool == CGVLShape::kToolCounting) {
+    if (kind && kind->type == ShapeType::Counting) {
         if (auto* marker = dynamic_cast<CGVLNo*>(target))
             marker->SetNumber(++m_nCount);
     }
-    return tool == CGVLShape::kToolText ? dynamic_cast<CGVLAnoText*>(target) : nullptr;
+    return kind && kind->type == ShapeType::Text ? dynamic_cast<CGVLAnoText*>(target) : nullptr;
 }
 
 void CGVLElemMgr::OnLButtonUp(unsigned flags, const QPoint& point, int tool)
@@ -354,9 +284,10 @@ int CGVLElemMgr::DeleteShape(CGVLShape* shape)
     if (it == m_arShape.end())
         return -1;
     const int type = shape->GetType();
-    if (type == 9 || type == 10)
-        return type - 9;
-    if (type == 11)
+    const ShapeKind* kind = FindShapeKind(type);
+    if (kind && kind->permanent)
+        return type - int(ShapeType::Ruler);
+    if (kind && kind->type == ShapeType::Counting)
         --m_nCount;
     const int index = int(it - m_arShape.begin());
     std::erase(m_arAsking, shape);
@@ -466,14 +397,7 @@ void CGVLElemMgr::RenderBits(uchar* buffer, int width, int height, uchar fill, D
         Gdi::ResetDC(dc);
         draw(dc);
     }
-    std::vector<uchar> row(stride);
-    for (int top = 0, bottom = height - 1; top < bottom; ++top, --bottom) {
-        uchar* a = buffer + std::size_t(top) * stride;
-        uchar* b = buffer + std::size_t(bottom) * stride;
-        std::memcpy(row.data(), a, stride);
-        std::memcpy(a, b, stride);
-        std::memcpy(b, row.data(), stride);
-    }
+    FlipVertical(buffer, unsigned(width), unsigned(height));
 }
 
 void CGVLElemMgr::DrawToBits(uchar* buffer, int width, int height)
@@ -528,21 +452,6 @@ namespace {
 // row (an absurd calibration) is cut there.
 constexpr qsizetype kCsvLineMax = 255;
 
-double RadiusOf(const CGVLShape& shape)
-{
-    if (const auto* circle = dynamic_cast<const CGVLCircle*>(&shape))
-        return circle->GetRadius();
-    if (const auto* circle = dynamic_cast<const CGVLCircleT*>(&shape))
-        return circle->GetRadius();
-    return 0.0;
-}
-
-double AngleOf(const CGVLShape& shape)
-{
-    const auto* angle = dynamic_cast<const CGVLAngle*>(&shape);
-    return angle ? angle->GetAngle() : 0.0;
-}
-
 } // namespace
 
 QByteArray CGVLElemMgr::CsvBytes() const
@@ -568,32 +477,23 @@ QByteArray CGVLElemMgr::CsvBytes() const
     int number = 1;
     for (std::size_t i = 1; i < m_arShape.size(); ++i) {
         const CGVLShape& shape = *m_arShape[i];
-        const int type = shape.GetType();
-        if (type < 2 || type > 7)
+        const ShapeKind* kind = FindShapeKind(shape.GetType());
+        if (!kind || kind->csv.empty())
             continue;
         if (formatted) {
-            switch (type) {
-            case 2:
-                add(FormatC("%d,Line distance,%.*f,%s\n", number, precision, shape.GetLength(), unit));
-                break;
-            case 3:
-                add(FormatC("%d,Angle,%.*f,degree\n", number, precision, AngleOf(shape)));
-                break;
-            case 4:
-                add(FormatC("%d,Rect area,%.*f,%s2\n", number, precision, shape.GetArea(), unit));
-                break;
-            case 5:
-                // Spelled so in every file ever written.
-                add(FormatC("%d,Ploygon area,%.*f,%s2\n", number, precision, shape.GetArea(), unit));
-                break;
-            case 6:
-                add(FormatC("%d,Circle radius,%.*f,%s\n", number, precision, RadiusOf(shape), unit));
-                add(FormatC("%d,Circle area,%.*f,%s2\n", number, precision, shape.GetArea(), unit));
-                break;
-            case 7:
-                add(FormatC("%d,Tri-circle radius,%.*f,%s\n", number, precision, RadiusOf(shape), unit));
-                add(FormatC("%d,Tri-circle area,%.*f,%s2\n", number, precision, shape.GetArea(), unit));
-                break;
+            for (const CsvRow& row : kind->csv) {
+                const double value = row.value(shape);
+                switch (row.unit) {
+                case CsvRow::Unit::Length:
+                    add(FormatC("%d,%s,%.*f,%s\n", number, row.label, precision, value, unit));
+                    break;
+                case CsvRow::Unit::Area:
+                    add(FormatC("%d,%s,%.*f,%s2\n", number, row.label, precision, value, unit));
+                    break;
+                case CsvRow::Unit::Degree:
+                    add(FormatC("%d,%s,%.*f,degree\n", number, row.label, precision, value));
+                    break;
+                }
             }
         }
         ++number;

@@ -4,6 +4,7 @@
 #include "calibration/ColorRecord.h"
 #include "image/ImageProcess.h"
 #include "measure/CGVLShape.h"
+#include "measure/ShapeKinds.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -43,8 +44,9 @@ public:
     CGVLElemMgr& operator=(const CGVLElemMgr&) = delete;
 
     // Constructs an element of the type id and appends it; null (and nothing
-    // appended) for a type without an element class.
+    // appended) for a number that is no kind (ShapeKinds).
     CGVLShape* CreateShape(int type);
+    CGVLShape* CreateShape(ShapeType type);
 
     // With the text tool the press is followed by m_fnTextInput, run without
     // the lock held; do not call it while holding Lock().
@@ -55,9 +57,9 @@ public:
 
     // Index of the first element with the id, or -1.
     int FindById(std::uint32_t id) const;
-    // Deletes the first element with the id: -1 when there is none; the ruler
-    // (type 9) and scale (type 10) stay and give their type minus 9; else the
-    // index the element had.
+    // Deletes the first element with the id: -1 when there is none; the
+    // permanent kinds stay and give their type minus ShapeType::Ruler (0 for
+    // the ruler, 1 for the scale); else the index the element had.
     int DeleteById(unsigned id);
     // The same rules for this very element: ids are tick counts and may be
     // shared, so an element that removes itself is found by address. The
@@ -87,11 +89,11 @@ public:
     void DrawToImage(uchar* buffer, int width, int height, bool elements, bool ruler, int reserved, bool date,
         bool text, const QString& title);
 
-    // The measured values as CSV ("No.,Type,Result,Unit" and one or two rows
-    // per line, angle, rectangle, polygon and circle), LF line ends, periods
-    // as decimal separators in any locale, UTF-8. Nothing at all when the
-    // list holds element 0 alone. A failed write shows in the device's error
-    // state; nothing is reported here.
+    // The measured values as CSV ("No.,Type,Result,Unit" and the rows of each
+    // element's kind, ShapeKind::csv), LF line ends, periods as decimal
+    // separators in any locale, UTF-8. Nothing at all when the list holds
+    // element 0 alone. A failed write shows in the device's error state;
+    // nothing is reported here.
     void WriteCsv(QIODevice& file);
     // The same with semicolons, for a French interface.
     void WriteCsvSemicolon(QIODevice& file);

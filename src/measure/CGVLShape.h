@@ -5,6 +5,7 @@
 #include "measure/EdgeSnap.h"
 #include "measure/GdiPainter.h"
 #include "measure/GdiRect.h"
+#include "measure/ShapeKinds.h"
 
 #include <QColor>
 #include <QFont>
@@ -31,24 +32,23 @@ class CGVLShape
 public:
     // Result of a hit on the body (drag the whole element) rather than a handle.
     static constexpr int kHitBody = 10000;
-    // Tool codes: the document's current tool, read by the manager and the
-    // elements. A shape's own tool is its type number.
-    static constexpr int kToolNone = 0;
-    static constexpr int kToolPoint = 1;
-    static constexpr int kToolLine = 2;
-    static constexpr int kToolAngle = 3;
-    static constexpr int kToolRect = 4;
-    static constexpr int kToolPolygon = 5;
-    static constexpr int kToolCircle = 6;
-    static constexpr int kToolTriCircle = 7;
-    static constexpr int kToolPressLast = 8;
-    static constexpr int kToolMove = 9;
-    static constexpr int kToolDeleteOne = 200;
-    static constexpr int kToolDeleteAll = 201;
-    static constexpr int kToolCounting = 202;
-    static constexpr int kToolArrow = 203;
-    static constexpr int kToolIgnore = 204;
-    static constexpr int kToolText = 205;
+    // The tool codes (ToolCode) as the mouse operations take them.
+    static constexpr int kToolNone = int(ToolCode::None);
+    static constexpr int kToolPoint = int(ToolCode::Point);
+    static constexpr int kToolLine = int(ToolCode::Line);
+    static constexpr int kToolAngle = int(ToolCode::Angle);
+    static constexpr int kToolRect = int(ToolCode::Rect);
+    static constexpr int kToolPolygon = int(ToolCode::Polygon);
+    static constexpr int kToolCircle = int(ToolCode::Circle);
+    static constexpr int kToolTriCircle = int(ToolCode::TriCircle);
+    static constexpr int kToolPressLast = int(ToolCode::PressLast);
+    static constexpr int kToolMove = int(ToolCode::Move);
+    static constexpr int kToolDeleteOne = int(ToolCode::DeleteOne);
+    static constexpr int kToolDeleteAll = int(ToolCode::DeleteAll);
+    static constexpr int kToolCounting = int(ToolCode::Counting);
+    static constexpr int kToolArrow = int(ToolCode::Arrow);
+    static constexpr int kToolIgnore = int(ToolCode::Ignore);
+    static constexpr int kToolText = int(ToolCode::Text);
 
     CGVLShape(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
     CGVLShape& operator=(const CGVLShape&) = delete;

@@ -129,7 +129,7 @@ void CGVLWnd::UpdateCursor()
         return;
     }
     const int tool = m_document.GetCurrentTool();
-    if (tool >= 1 && tool <= 8)
+    if (ToolShowsDrawCursor(tool))
         setCursor(m_hDrawCursor);
     else if (tool == CGVLShape::kToolMove)
         setCursor(m_hMoveCursor);

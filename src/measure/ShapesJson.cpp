@@ -2,6 +2,7 @@
 
 #include "measure/CGVLAnoText.h"
 #include "measure/CGVLElemMgr.h"
+#include "measure/ShapeKinds.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -10,25 +11,6 @@
 #include <vector>
 
 namespace {
-
-constexpr int kTypeRuler = 9;
-constexpr int kTypeScale = 10;
-constexpr int kTypeText = 14;
-
-// Shape type to the tool that draws it.
-int ToolForType(int type)
-{
-    switch (type) {
-    case 11:
-        return CGVLShape::kToolCounting;
-    case 12:
-        return CGVLShape::kToolArrow;
-    case kTypeText:
-        return CGVLShape::kToolText;
-    default:
-        return type;
-    }
-}
 
 void Click(CGVLElemMgr& mgr, const QPoint& p, int tool)
 {
@@ -49,49 +31,34 @@ void Drag(CGVLElemMgr& mgr, const QPoint& from, const QPoint& to, int tool)
 // Replays the input of one element; false when the type has no fitting input.
 bool Replay(CGVLElemMgr& mgr, int type, const std::vector<QPoint>& points, const QStringList& text)
 {
-    const int tool = ToolForType(type);
+    const ShapeKind* kind = FindShapeKind(type);
+    if (!kind)
+        return false;
+    using Gesture = ShapeStorage::Gesture;
+    const ShapeStorage& storage = kind->storage;
+    const int tool = int(kind->tool);
     const std::size_t n = points.size();
-    switch (type) {
-    case 1: // point
-    case 11: // counting marker
-        if (n != 1)
-            return false;
+    if (storage.gesture == Gesture::ClicksThenRightPress ? n < storage.points : n != storage.points)
+        return false;
+    switch (storage.gesture) {
+    case Gesture::NotKept:
+        return false;
+    case Gesture::Click:
         Click(mgr, points[0], tool);
         return true;
-    case 2: // line
-    case 12: // arrow
-        // Point 0 is where the drag ended.
-        if (n != 2)
-            return false;
-        Drag(mgr, points[1], points[0], tool);
+    case Gesture::Drag:
+        Drag(mgr, points[storage.from], points[storage.to], tool);
         return true;
-    case 4: // rectangle: the corners, the dragged diagonal from 0 to 3
-        if (n != 4)
-            return false;
-        Drag(mgr, points[0], points[3], tool);
-        return true;
-    case 6: // circle: centre, then a point of the rim
-        if (n != 2)
-            return false;
-        Drag(mgr, points[0], points[1], tool);
-        return true;
-    case 3: // angle
-    case 7: // three-point circle
-        if (n != 3)
-            return false;
+    case Gesture::Clicks:
         for (const QPoint& p : points)
             Click(mgr, p, tool);
         return true;
-    case 5: // polygon
-        if (n < 3)
-            return false;
+    case Gesture::ClicksThenRightPress:
         for (const QPoint& p : points)
             Click(mgr, p, tool);
         mgr.OnRButtonDown(0, points.back(), tool);
         return true;
-    case kTypeText: {
-        if (n != 1)
-            return false;
+    case Gesture::Text: {
         CGVLElemMgr::TextInput previous = [&text](QWidget*, QStringList& lines) {
             lines = text;
             return true;
@@ -105,9 +72,8 @@ bool Replay(CGVLElemMgr& mgr, int type, const std::vector<QPoint>& points, const
         mgr.m_fnTextInput = std::move(previous);
         return true;
     }
-    default:
-        return false;
     }
+    return false;
 }
 
 } // namespace
@@ -119,7 +85,8 @@ QByteArray ShapesToJson(CGVLElemMgr& mgr)
     for (std::size_t i = 1; i < mgr.m_arShape.size(); ++i) {
         const CGVLShape& shape = *mgr.m_arShape[i];
         const int type = shape.m_nType;
-        if (type == kTypeRuler || type == kTypeScale)
+        const ShapeKind* kind = FindShapeKind(type);
+        if (kind && kind->storage.gesture == ShapeStorage::Gesture::NotKept)
             continue;
         QJsonArray points;
         for (const QPoint& p : shape.m_arCoord)

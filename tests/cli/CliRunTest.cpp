@@ -381,7 +381,7 @@ protected:
         CGVLElemMgr mgr;
         mgr.m_unit = unit;
         mgr.m_nPrecision = kPrecision;
-        mgr.CreateShape(9);
+        mgr.CreateShape(ShapeType::Ruler);
         EXPECT_GT(ShapesFromJson(mgr, shapes), 0);
         SavePlain(name);
         QString error;

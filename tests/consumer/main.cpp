@@ -18,7 +18,7 @@ int main(int argc, char** argv)
     QGuiApplication app(argc, argv);
 
     CGVLElemMgr mgr;
-    mgr.CreateShape(9);
+    mgr.CreateShape(ShapeType::Ruler);
     const int line = 2;
     mgr.OnLButtonDown(0, QPoint(10, 20), line);
     mgr.OnMouseMove(0, QPoint(10, 20), line);

@@ -11,7 +11,7 @@ struct RulerFixture : ::testing::Test
     RulerFixture()
     {
         mgr.m_hWnd = &window;
-        ruler = dynamic_cast<CGVLRuler*>(mgr.CreateShape(9));
+        ruler = dynamic_cast<CGVLRuler*>(mgr.CreateShape(ShapeType::Ruler));
         mgr.m_bShowRuler = 1;
         mgr.m_unit = CalibrationRecord { 1, 0.2, 0.2, 2.0, 3.0 };
     }

@@ -10,8 +10,8 @@ struct ScaleFixture : ::testing::Test
 {
     ScaleFixture()
     {
-        mgr.CreateShape(9); // element 0, not shown
-        scale = dynamic_cast<CGVLScale*>(mgr.CreateShape(10));
+        mgr.CreateShape(ShapeType::Ruler); // element 0, not shown
+        scale = dynamic_cast<CGVLScale*>(mgr.CreateShape(ShapeType::Scale));
         mgr.m_color.m_ctRuler = 3;
     }
     // The stroke colour at (x, y)?

@@ -183,7 +183,7 @@ struct MeasureFixture : ::testing::Test
 {
     MeasureFixture()
     {
-        mgr.CreateShape(9);
+        mgr.CreateShape(ShapeType::Ruler);
         mgr.m_color = { 1, 2, 3, 1 };
     }
     CGVLElemMgr mgr;

@@ -90,7 +90,7 @@ TEST(RandomInput, GesturesOverEveryToolKeepTheRulerAndExportWhatTheShapesReport)
         QWidget window; // never shown: repaints go nowhere
         CGVLElemMgr mgr;
         mgr.m_hWnd = &window;
-        ASSERT_NE(mgr.CreateShape(9), nullptr);
+        ASSERT_NE(mgr.CreateShape(ShapeType::Ruler), nullptr);
         mgr.m_bShowRuler = 1;
         mgr.m_fnTextInput = [&](QWidget*, QStringList& lines) {
             for (int i = pick(3); i > 0; --i)

@@ -38,7 +38,7 @@ QByteArray Csv(CGVLElemMgr& mgr)
 TEST(ShapesJson, EveryKindComesBackAsItWas)
 {
     CGVLElemMgr mgr;
-    mgr.CreateShape(9);
+    mgr.CreateShape(ShapeType::Ruler);
     ASSERT_EQ(ShapesFromJson(mgr, kEveryKind), 10);
     EXPECT_EQ(ShapesToJson(mgr).toStdString(), kEveryKind.toStdString());
     const QByteArray csv = Csv(mgr);
@@ -46,7 +46,7 @@ TEST(ShapesJson, EveryKindComesBackAsItWas)
 
     // Into a second manager (another document) with the same CSV.
     CGVLElemMgr other;
-    other.CreateShape(9);
+    other.CreateShape(ShapeType::Ruler);
     ShapesFromJson(other, ShapesToJson(mgr));
     EXPECT_EQ(Csv(other).toStdString(), Csv(mgr).toStdString());
 
@@ -70,8 +70,8 @@ TEST(ShapesJson, EveryKindComesBackAsItWas)
 TEST(ShapesJson, RulerStaysOutAndDamagedEntriesAreSkipped)
 {
     CGVLElemMgr mgr;
-    mgr.CreateShape(9);
-    mgr.CreateShape(10);
+    mgr.CreateShape(ShapeType::Ruler);
+    mgr.CreateShape(ShapeType::Scale);
     EXPECT_EQ(ShapesToJson(mgr), "[]");
 
     const QByteArray damaged = R"([{"type":2,"points":[[1,1]]},{"type":99,"points":[[1,1],[5,5]]},)"

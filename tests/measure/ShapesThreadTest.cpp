@@ -47,7 +47,7 @@ struct ThreadFixture : ::testing::Test
     ThreadFixture()
     {
         mgr.m_hWnd = &window;
-        mgr.CreateShape(9);
+        mgr.CreateShape(ShapeType::Ruler);
         mgr.m_bShowRuler = 1;
     }
     QWidget window; // never shown: repaint requests go nowhere
