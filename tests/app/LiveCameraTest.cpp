@@ -8,7 +8,6 @@
 #include "platform/PrivateProfile.h"
 
 #include <QDialog>
-#include <QStandardPaths>
 #include <QStatusBar>
 #include <QTimer>
 
