@@ -40,8 +40,11 @@ GstBusSyncReply CDeviceWatcher::BusSync(GstBus*, GstMessage* message, gpointer s
     auto* watcher = static_cast<CDeviceWatcher*>(self);
     const bool added = GST_MESSAGE_TYPE(message) == GST_MESSAGE_DEVICE_ADDED;
     const bool removed = GST_MESSAGE_TYPE(message) == GST_MESSAGE_DEVICE_REMOVED;
-    if (!added && !removed)
+    // A handler that drops a message owns it.
+    if (!added && !removed) {
+        gst_message_unref(message);
         return GST_BUS_DROP;
+    }
     GstDevice* device = nullptr;
     if (added)
         gst_message_parse_device_added(message, &device);
@@ -63,5 +66,6 @@ GstBusSyncReply CDeviceWatcher::BusSync(GstBus*, GstMessage* message, gpointer s
     }
     if (device)
         gst_object_unref(device);
+    gst_message_unref(message);
     return GST_BUS_DROP;
 }

@@ -174,6 +174,8 @@ GstBusSyncReply CXCapGraph::BusSync(GstBus*, GstMessage* message, gpointer self)
     default:
         break;
     }
+    // A handler that drops a message owns it.
+    gst_message_unref(message);
     return GST_BUS_DROP;
 }
 

@@ -99,9 +99,10 @@ GstDeviceProvider* RunningProvider()
 void Announce(GstDevice* device, bool added)
 {
     if (GstDeviceProvider* provider = RunningProvider()) {
-        // Adding takes a reference over (transfer floating); removing does not.
+        // The devices are never floating: the provider takes a reference of
+        // its own when one is added and drops it when it is removed.
         if (added)
-            gst_device_provider_device_add(provider, GST_DEVICE(gst_object_ref(device)));
+            gst_device_provider_device_add(provider, device);
         else
             gst_device_provider_device_remove(provider, device);
         gst_object_unref(provider);
@@ -138,9 +139,11 @@ gboolean StartProvider(GstDeviceProvider* provider)
         g_started = true;
         devices = ListedLocked();
     }
-    // Each listed reference goes over to the provider.
-    for (GstDevice* d : devices)
+    // The provider takes references of its own.
+    for (GstDevice* d : devices) {
         gst_device_provider_device_add(provider, d);
+        gst_object_unref(d);
+    }
     return TRUE;
 }
 

@@ -1,4 +1,5 @@
 #include "MeasureFrameFixture.h"
+#include "RequiredTools.h"
 #include "TestFiles.h"
 #include "app/CommandTable.h"
 #include "capture/CameraModels.h"
@@ -7,7 +8,6 @@
 #include "platform/PrivateProfile.h"
 
 #include <QDialog>
-#include <QStandardPaths>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -70,8 +70,7 @@ protected:
 // preview.
 TEST_F(LiveCamera, KnownModelStreamsMjpgAndSurvivesBeingPulledWhileRecordingAndPreviewing)
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("ffprobe")).isEmpty())
-        GTEST_SKIP() << "ffprobe is not installed";
+    REQUIRE_TOOL(HaveProgram("ffprobe"), "ffprobe (ffmpeg)");
     PlugIn(kN130);
     QDir().mkpath(home.filePath("data"));
     WritePrivateProfileString("Camera130H", "Width", "320", SettingsFile());

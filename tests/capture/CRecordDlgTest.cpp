@@ -2,6 +2,7 @@
 
 #include "CaptureTestSupport.h"
 #include "FakeLiveDocument.h"
+#include "RequiredTools.h"
 #include "TestFiles.h"
 #include "capture/CDialogTimers.h"
 
@@ -12,7 +13,6 @@
 #include <QMap>
 #include <QProcess>
 #include <QPushButton>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <csignal>
@@ -97,8 +97,7 @@ TEST(RecordNames, DefaultNameFromLocalTimeAndCaseSensitiveExtension)
 // preview back with processing and overlay afterwards.
 TEST_F(RecordDialog, StartPauseResumeStopMakesOnePlayableFile)
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("ffprobe")).isEmpty())
-        GTEST_SKIP() << "ffprobe is not installed";
+    REQUIRE_TOOL(HaveProgram("ffprobe"), "ffprobe (ffmpeg)");
     EXPECT_EQ(Buttons(*dialog), "1000");
     chosen.clear();
     dialog->OnBrowse();
@@ -113,6 +112,8 @@ TEST_F(RecordDialog, StartPauseResumeStopMakesOnePlayableFile)
     EXPECT_EQ(dialog->PathText(), dialog->RecordPath());
     EXPECT_EQ(Buttons(*dialog), "1100");
 
+    CameraFrameLog log(graph.DeviceElement());
+    ASSERT_TRUE(log.IsAttached());
     dialog->OnStart();
     EXPECT_EQ(Buttons(*dialog), "0010");
     EXPECT_EQ(dialog->StateText(), QStringLiteral("Recording"));
@@ -140,7 +141,7 @@ TEST_F(RecordDialog, StartPauseResumeStopMakesOnePlayableFile)
     dialog->OnPause();
     EXPECT_EQ(Buttons(*dialog), "0101");
     EXPECT_EQ(dialog->StateText(), QStringLiteral("Record paused"));
-    Pump(400);
+    Pump(2500);
     dialog->Timers().Advance(5000);
     EXPECT_EQ(dialog->StateText(), QStringLiteral("Record paused")) << "no ticks while paused";
 
@@ -161,8 +162,15 @@ TEST_F(RecordDialog, StartPauseResumeStopMakesOnePlayableFile)
     EXPECT_TRUE(WaitFreshFrames(graph)) << "the preview is back";
     EXPECT_TRUE(messages.Texts().isEmpty()) << Shown(messages);
 
-    // About 2.8 s of recording (the pause left out), in one file.
-    EXPECT_NEAR(PlayableFrames(dialog->RecordPath()), 84, 21);
+    // One file, holding the stream's time with the pause left out: the camera
+    // sent nothing while paused, and its timestamps went on where they stopped.
+    const auto runs = log.Runs();
+    ASSERT_GE(runs.size(), 1u);
+    const FrameStall pause = LongestStall(runs[0]);
+    EXPECT_GE(pause.seconds, 2.0) << "the camera went on sending while paused";
+    EXPECT_LE(pause.streamSeconds, 2.5 / 30) << "the timestamps jump over the pause";
+    EXPECT_NEAR(PlayableFrames(dialog->RecordPath()), RecordedFrames(runs[0]), 1)
+        << runs[0].size() << " frames sent";
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList({ "clip.AVI.avi" }));
 }
 
@@ -194,27 +202,31 @@ TEST_F(RecordDialog, AppendedNameThatExistsIsReplacedOnlyWhenConfirmed)
 // document going away, which closes the dialog.
 TEST_F(RecordDialog, ClosingTheDialogOrTheDocumentFinishesTheFile)
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("ffprobe")).isEmpty())
-        GTEST_SKIP() << "ffprobe is not installed";
+    REQUIRE_TOOL(HaveProgram("ffprobe"), "ffprobe (ffmpeg)");
+    CameraFrameLog log(graph.DeviceElement());
+    ASSERT_TRUE(log.IsAttached());
     chosen = dir.filePath(QStringLiteral("closed.avi"));
     dialog->OnBrowse();
     dialog->OnStart();
-    Record(700);
+    ASSERT_TRUE(WaitFreshFrames(graph, 20, 10000));
     dialog->reject();
     EXPECT_FALSE(graph.IsRecordGraph());
-    EXPECT_NEAR(PlayableFrames(chosen), 21, 10);
+    auto runs = log.Runs();
+    ASSERT_GE(runs.size(), 1u);
+    EXPECT_NEAR(PlayableFrames(chosen), RecordedFrames(runs[0]), 1);
 
     chosen = dir.filePath(QStringLiteral("gone.avi"));
     dialog->OnBrowse();
     dialog->OnStart();
-    Record(700);
+    ASSERT_TRUE(WaitFreshFrames(graph, 20, 10000));
     QObject::connect(document.get(), &QObject::destroyed, dialog.get(), &CRecordDlg::OnDocumentClosed);
     document.reset();
     EXPECT_FALSE(dialog->IsStarted());
     dialog->Timers().Advance(3000);
     dialog->OnStart(); // nothing to act on any more
     graph.StopGraph(); // what the document's teardown does
-    EXPECT_NEAR(PlayableFrames(chosen), 21, 10);
+    runs = log.Runs(); // no preview after the document went
+    EXPECT_NEAR(PlayableFrames(chosen), RecordedFrames(runs.back()), 1);
 }
 
 namespace {
@@ -270,8 +282,7 @@ private:
 // file plays up to where it ended.
 TEST_F(RecordDialog, PulledCameraAndFullDiskLeaveAPlayableFile)
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("ffprobe")).isEmpty())
-        GTEST_SKIP() << "ffprobe is not installed";
+    REQUIRE_TOOL(HaveProgram("ffprobe"), "ffprobe (ffmpeg)");
     chosen = dir.filePath(QStringLiteral("pulled.avi"));
     dialog->OnBrowse();
     SetSimCameraFault(kCamera, SimCameraFault { 45, 0, 0 });
@@ -342,8 +353,7 @@ qint64 PacketBytes(const QString& file)
 // the frames still queued in the process are lost.
 TEST(RecordKilled, EverythingWrittenBeforeSigkillPlays)
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("ffprobe")).isEmpty())
-        GTEST_SKIP() << "ffprobe is not installed";
+    REQUIRE_TOOL(HaveProgram("ffprobe"), "ffprobe (ffmpeg)");
     QTemporaryDir dir;
     const QString file = dir.filePath(QStringLiteral("killed.avi"));
     QProcess child;

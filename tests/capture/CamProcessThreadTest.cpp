@@ -1,16 +1,19 @@
 #include "capture/CCamProcess.h"
 #include "capture/CFrameMailbox.h"
+#include "capture/CamProcessElement.h"
 #include "capture/GstInit.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEvent>
 #include <QObject>
+#include <QTimer>
 
 #include <atomic>
 #include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -105,6 +108,100 @@ TEST(CamProcessThreads, SwitchesAndOverlaySwapsAgainstTheFrameLoop)
     worker.join();
     EXPECT_GE(frames.load(), 3000);
     EXPECT_EQ(torn.load(), 0);
+}
+
+// The same hand-over along the paths the program takes: frames through the
+// processing element on GStreamer's streaming thread, switches and overlay
+// changes from timer callbacks on the user-interface thread.
+TEST(CamProcessThreads, RunningElementAgainstTimerCallbacksAndAnOverlayWorker)
+{
+    ASSERT_TRUE(EnsureGStreamer());
+    auto process = std::make_shared<CCamProcess>();
+    process->SetOverlaySize(kWidth, kHeight);
+    std::vector<uchar> a(kStride * kHeight, kOverlayKey);
+    std::vector<uchar> b(kStride * kHeight, kOverlayKey);
+    uchar* published = nullptr;
+
+    GstElement* pipeline = gst_pipeline_new(nullptr);
+    GstElement* source = gst_element_factory_make("videotestsrc", nullptr);
+    GstElement* caps = gst_element_factory_make("capsfilter", nullptr);
+    GstElement* element = CreateCamProcessElement(process, nullptr);
+    GstElement* sink = gst_element_factory_make("fakesink", nullptr);
+    ASSERT_TRUE(source && caps && element && sink);
+    // Blue 200, green 100, red 50, as in the test above; overlays are grey.
+    gst_util_set_object_arg(G_OBJECT(source), "pattern", "solid-color");
+    g_object_set(source, "foreground-color", 0xff3264c8u, nullptr);
+    GstCaps* format = gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "BGR", "width", G_TYPE_INT,
+        int(kWidth), "height", G_TYPE_INT, int(kHeight), "framerate", GST_TYPE_FRACTION, 1000, 1, nullptr);
+    g_object_set(caps, "caps", format, nullptr);
+    gst_caps_unref(format);
+    g_object_set(sink, "sync", FALSE, nullptr);
+    gst_bin_add_many(GST_BIN(pipeline), source, caps, element, sink, nullptr);
+    ASSERT_TRUE(gst_element_link_many(source, caps, element, sink, nullptr));
+
+    struct Counts
+    {
+        std::atomic<int> frames { 0 };
+        std::atomic<int> torn { 0 };
+        std::atomic<int> overlaid { 0 };
+    } counts;
+    GstPad* out = gst_element_get_static_pad(element, "src");
+    gst_pad_add_probe(
+        out, GST_PAD_PROBE_TYPE_BUFFER,
+        [](GstPad*, GstPadProbeInfo* info, gpointer data) {
+            auto* c = static_cast<Counts*>(data);
+            GstMapInfo map;
+            GstBuffer* buffer = GST_PAD_PROBE_INFO_BUFFER(info);
+            if (gst_buffer_map(buffer, &map, GST_MAP_READ)) {
+                const std::vector<uchar> bits(map.data, map.data + kStride * kHeight);
+                if (!Uniform(bits))
+                    ++c->torn;
+                else if (bits[0] == bits[1] && bits[1] == bits[2])
+                    ++c->overlaid;
+                gst_buffer_unmap(buffer, &map);
+            }
+            ++c->frames;
+            return GST_PAD_PROBE_OK;
+        },
+        &counts, nullptr);
+    gst_object_unref(out);
+
+    std::atomic<bool> stop { false };
+    std::thread worker([&] {
+        for (int generation = 0; !stop; ++generation) {
+            std::vector<uchar>& target = generation % 2 ? a : b;
+            process->WaitOverlayUnused(target.data());
+            std::memset(target.data(), uchar(2 + generation % 190), target.size());
+            std::atomic_ref<uchar*>(published).store(target.data());
+            std::this_thread::yield();
+        }
+    });
+
+    int tick = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        ++tick;
+        process->SetNegative(tick % 5 == 0);
+        process->SetFlipVertical(tick % 2);
+        process->SetOverlay(tick % 3 != 0, &published);
+    });
+    timer.start(1);
+    ASSERT_NE(gst_element_set_state(pipeline, GST_STATE_PLAYING), GST_STATE_CHANGE_FAILURE);
+    QElapsedTimer clock;
+    clock.start();
+    while ((counts.frames < 300 || tick < 30) && clock.elapsed() < 120000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    timer.stop();
+    gst_element_set_state(pipeline, GST_STATE_NULL);
+    gst_object_unref(pipeline);
+    stop = true;
+    worker.join();
+
+    EXPECT_GE(counts.frames.load(), 300);
+    EXPECT_GE(tick, 30);
+    EXPECT_EQ(counts.torn.load(), 0);
+    EXPECT_GT(counts.overlaid.load(), 0);
+    EXPECT_LT(counts.overlaid.load(), counts.frames.load()) << "the overlay was switched off at times";
 }
 
 // Frames posted from a streaming thread while receivers come and go on the

@@ -14,8 +14,11 @@
 #include <QThread>
 
 #include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
+#include <mutex>
 #include <vector>
 
 // 320 x 240 YUY2 only: frames are cheap and rows unpadded.
@@ -180,4 +183,102 @@ inline std::string Shown(const MessageCollector& messages)
 inline bool HasRealCamera()
 {
     return !QDir(QStringLiteral("/dev")).entryList({ QStringLiteral("video*") }, QDir::System).isEmpty();
+}
+
+// Every frame a camera element sends on, with its timestamp and the moment
+// it left. The probe sits on the camera's own pad, which outlives the
+// graph's rebuilds; the camera numbers its frames from 0 each time it
+// starts, so the frames of each run (preview, recording, preview) are told
+// apart by that number.
+class CameraFrameLog
+{
+public:
+    using Clock = std::chrono::steady_clock;
+    struct Frame
+    {
+        guint64 number;
+        GstClockTime pts;
+        Clock::time_point sent;
+    };
+
+    explicit CameraFrameLog(GstElement* camera)
+        : m_pad(camera ? gst_element_get_static_pad(camera, "src") : nullptr)
+    {
+        if (m_pad)
+            m_probe
+                = gst_pad_add_probe(m_pad, GST_PAD_PROBE_TYPE_BUFFER, &CameraFrameLog::Sent, this, nullptr);
+    }
+    ~CameraFrameLog()
+    {
+        if (m_pad) {
+            gst_pad_remove_probe(m_pad, m_probe);
+            gst_object_unref(m_pad);
+        }
+    }
+    CameraFrameLog(const CameraFrameLog&) = delete;
+    CameraFrameLog& operator=(const CameraFrameLog&) = delete;
+
+    bool IsAttached() const { return m_probe != 0; }
+
+    // The frames of each run the camera started while logged, in order (the
+    // end of a run already going when the log began is left out).
+    std::vector<std::vector<Frame>> Runs() const
+    {
+        std::lock_guard lock(m_mutex);
+        std::vector<std::vector<Frame>> runs;
+        bool started = false;
+        for (const Frame& f : m_frames) {
+            if (f.number == 0 || (started && f.number <= runs.back().back().number)) {
+                runs.emplace_back();
+                started = true;
+            }
+            if (started)
+                runs.back().push_back(f);
+        }
+        return runs;
+    }
+
+private:
+    static GstPadProbeReturn Sent(GstPad*, GstPadProbeInfo* info, gpointer self)
+    {
+        auto* log = static_cast<CameraFrameLog*>(self);
+        const GstBuffer* buffer = GST_PAD_PROBE_INFO_BUFFER(info);
+        std::lock_guard lock(log->m_mutex);
+        log->m_frames.push_back({ GST_BUFFER_OFFSET(buffer), GST_BUFFER_PTS(buffer), Clock::now() });
+        return GST_PAD_PROBE_OK;
+    }
+
+    GstPad* m_pad;
+    gulong m_probe = 0;
+    mutable std::mutex m_mutex;
+    std::vector<Frame> m_frames;
+};
+
+// Where a run of frames stood still: the longest time between two frames
+// leaving the camera, and how far their timestamps moved meanwhile.
+struct FrameStall
+{
+    std::size_t after = 0; // the frame before the stall
+    double seconds = 0;
+    double streamSeconds = 0;
+};
+inline FrameStall LongestStall(const std::vector<CameraFrameLog::Frame>& run)
+{
+    FrameStall stall;
+    for (std::size_t i = 1; i < run.size(); ++i) {
+        const double s = std::chrono::duration<double>(run[i].sent - run[i - 1].sent).count();
+        if (s > stall.seconds)
+            stall = { i - 1, s, double(run[i].pts - run[i - 1].pts) / GST_SECOND };
+    }
+    return stall;
+}
+
+// The frames a recording of this run holds: the fixed frame rate the file
+// keeps covers the pipeline's running time from its start (the first frame
+// fills in until it came) to the last frame. A pause stops the running time.
+inline long RecordedFrames(const std::vector<CameraFrameLog::Frame>& run)
+{
+    if (run.empty())
+        return 0;
+    return long(std::llround(double(run.back().pts) * 30 / GST_SECOND)) + 1;
 }

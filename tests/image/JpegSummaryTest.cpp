@@ -1,5 +1,6 @@
 #include "image/JpegSummary.h"
 
+#include "RequiredTools.h"
 #include "TestFiles.h"
 #include "image/FCObjImage.h"
 
@@ -103,8 +104,7 @@ TEST(JpegSummary, SegmentLayoutByteForByte)
 TEST(JpegSummary, ExiftoolReadsTheFourSummaryFields)
 {
     const QString exiftool = QStandardPaths::findExecutable(QStringLiteral("exiftool"));
-    if (exiftool.isEmpty())
-        GTEST_SKIP() << "exiftool is not installed (libimage-exiftool-perl)";
+    REQUIRE_TOOL(!exiftool.isEmpty(), "exiftool (libimage-exiftool-perl)");
     QTemporaryDir dir;
     const QString path = WriteJpeg(dir);
     ASSERT_TRUE(WriteJpegSummary(path, "Title", "Subject", QString::fromUtf8("Aut\u00e9ur"), "Comment"));

@@ -1,4 +1,5 @@
 #include "ImageRoundTrip.h"
+#include "RequiredTools.h"
 #include "TestFiles.h"
 #include "image/CGifHandler.h"
 #include "image/CPcxHandler.h"
@@ -58,15 +59,6 @@ bool SameColours(const FCObjImage& a, const FCObjImage& b, int tolerance = 0)
 }
 
 // Python with Pillow, Debian's outside reader and writer of every format here.
-bool HavePillow()
-{
-    static const bool have = [] {
-        const QString python = QStandardPaths::findExecutable("python3", { "/usr/bin", "/bin" });
-        return !python.isEmpty() && QProcess::execute(python, { "-c", "import PIL.Image" }) == 0;
-    }();
-    return have;
-}
-
 // Runs setup in Pillow, then compares each named file there, pixel by pixel,
 // with our reading of it; only JPEG decoders may round differently. Returns
 // the format names Pillow found.
@@ -359,8 +351,7 @@ TEST(PictureFiles, QtReadersAndWritersFindOurFormats)
 
 TEST(PictureFiles, OutsideReadersAgreeWithWhatWeWrite)
 {
-    if (!HavePillow())
-        GTEST_SKIP() << "python3 with Pillow is not installed";
+    REQUIRE_TOOL(HavePillow(), "python3 with Pillow (python3-pil)");
     QTemporaryDir dir;
     QStringList names, formats;
     for (auto [ext, format] : { std::pair { "bmp", "BMP" }, { "png", "PNG" }, { "tif", "TIFF" },
@@ -378,8 +369,7 @@ TEST(PictureFiles, OutsideReadersAgreeWithWhatWeWrite)
 // bottom-up), GIF.
 TEST(PictureFiles, ReadsWhatOutsideWritersWrite)
 {
-    if (!HavePillow())
-        GTEST_SKIP() << "python3 with Pillow is not installed";
+    REQUIRE_TOOL(HavePillow(), "python3 with Pillow (python3-pil)");
     QTemporaryDir dir;
     const QString setup = QStringLiteral(
         "im = Image.new('RGB', (37, 13))\n"

@@ -1,5 +1,6 @@
 #include "image/PictureXmp.h"
 
+#include "RequiredTools.h"
 #include "TestFiles.h"
 #include "image/FCObjImage.h"
 #include "image/JpegSummary.h"
@@ -68,8 +69,7 @@ TEST(PictureXmp, JpegKeepsItsHeaderForTheSummarySegment)
             10));
     EXPECT_EQ(PictureXmp::Read(path).value("Unit"), "1");
     const QString exiftool = QStandardPaths::findExecutable(QStringLiteral("exiftool"));
-    if (exiftool.isEmpty())
-        return;
+    REQUIRE_TOOL(!exiftool.isEmpty(), "exiftool (libimage-exiftool-perl)");
     QProcess tool;
     tool.start(exiftool, { "-j", "-XMP-oculix:Unit", "-XPTitle", path });
     ASSERT_TRUE(tool.waitForFinished(60000));

@@ -1,4 +1,5 @@
 #include "MeasureTestSupport.h"
+#include "RequiredTools.h"
 #include "calibration/MeasureTables.h"
 #include "measure/CGVLCircle.h"
 #include "measure/CGVLCircleT.h"
@@ -123,8 +124,7 @@ TEST_F(CsvFixture, EveryPrecisionAndUnitWithTheUnitsLeadingSpace)
 
 TEST_F(CsvFixture, NumbersKeepAPeriodUnderACommaLocale)
 {
-    if (!UseCommaLocale())
-        GTEST_SKIP() << "no locale with a decimal comma could be made (localedef)";
+    REQUIRE_TOOL(UseCommaLocale(), "a locale with a decimal comma (localedef, package locales)");
     char probe[8];
     std::snprintf(probe, sizeof probe, "%.1f", 1.5);
     EXPECT_STREQ(probe, "1,5");

@@ -1,6 +1,7 @@
 #include "platform/NumberText.h"
 
 #include "CommaLocale.h"
+#include "RequiredTools.h"
 #include "platform/SettingsKeys.h"
 
 #include <climits>
@@ -41,8 +42,7 @@ TEST(NumberText, LeadingNumbersAreReadAsTheCLibraryReadsThem)
 // read and write "0.50".
 TEST(NumberText, NumbersKeepAPeriodInACommaLocale)
 {
-    if (!UseCommaLocale())
-        GTEST_SKIP() << "no locale with a decimal comma can be made here";
+    REQUIRE_TOOL(UseCommaLocale(), "a locale with a decimal comma (localedef, package locales)");
     char probe[8];
     std::snprintf(probe, sizeof probe, "%.1f", 1.5);
     const QString formatted = FormatC("%d,%.3f", 7, 0.25);
