@@ -10,7 +10,6 @@
 #include "measure/IMeasureDocument.h"
 #include "measure/WindowCalls.h"
 #include "platform/AppPaths.h"
-#include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
 #include "platform/NumberText.h"
 
@@ -363,7 +362,6 @@ void CRulerSettingDlg::Recompute()
         m_data.m_nYEnd = a.y();
         m_data.m_nYLenth = SvrFile::WrapSub(a.y(), b.y());
     }
-    qCDebug(lcCalibration, "%d", m_data.m_nXLenth);
     m_data.m_strXPerPixel = PerPixelText(NumberText::LeadingReal(m_data.m_strXReal), m_data.m_nXLenth);
     m_data.m_strYPerPixel = PerPixelText(NumberText::LeadingReal(m_data.m_strYReal), m_data.m_nYLenth);
     UpdateData(false);
