@@ -13,7 +13,6 @@
 #include "measure/CGVLRect.h"
 #include "measure/CGVLRuler.h"
 #include "measure/CGVLScale.h"
-#include "measure/CInputTextDlg.h"
 #include "measure/GdiPainter.h"
 #include "measure/WindowCalls.h"
 #include "platform/NumberText.h"
@@ -65,7 +64,7 @@ template <typename Make> std::unique_ptr<CGVLShape> ForType(int type, Make&& mak
 }
 
 std::unique_ptr<CGVLShape> NewShape(
-    int type, CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+    int type, CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
 {
     return ForType(type, [&]<typename Kind>() -> std::unique_ptr<CGVLShape> {
         return std::make_unique<Kind>(unit, color, wnd, mgr);
@@ -200,7 +199,7 @@ void CGVLElemMgr::OnLButtonDown(unsigned flags, const QPoint& point, int tool)
 {
     CGVLAnoText* text = nullptr;
     TextInput ask;
-    QWidget* parent = nullptr;
+    QObject* parent = nullptr;
     QStringList lines;
     {
         const Call call(*this);
@@ -514,12 +513,6 @@ void CGVLElemMgr::DrawToImage(uchar* buffer, int width, int height, bool element
         if (text)
             Gdi::TextOut(dc, x, height - 60, title, textColor);
     });
-}
-
-bool CGVLElemMgr::AskTextWithDialog(QWidget* parent, QStringList& lines)
-{
-    CInputTextDlg dialog(&lines, parent);
-    return dialog.DoModal();
 }
 
 namespace {

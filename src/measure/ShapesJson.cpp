@@ -92,7 +92,7 @@ bool Replay(CGVLElemMgr& mgr, int type, const std::vector<QPoint>& points, const
     case kTypeText: {
         if (n != 1)
             return false;
-        CGVLElemMgr::TextInput previous = [&text](QWidget*, QStringList& lines) {
+        CGVLElemMgr::TextInput previous = [&text](QObject*, QStringList& lines) {
             lines = text;
             return true;
         };

@@ -1,6 +1,6 @@
-#include "measure/CGraticuleDlg.h"
+#include "ui/CGraticuleDlg.h"
 
-#include "measure/GraticulePicture.h"
+#include "ui/GraticulePicture.h"
 
 #include <gtest/gtest.h>
 

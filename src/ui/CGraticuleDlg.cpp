@@ -1,4 +1,4 @@
-#include "measure/CGraticuleDlg.h"
+#include "ui/CGraticuleDlg.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

@@ -1,17 +1,17 @@
-#include "measure/CRulerSettingDlg.h"
+#include "ui/CRulerSettingDlg.h"
 
 #include "calibration/GraticuleDetector.h"
 #include "calibration/MeasureTables.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLRuler.h"
-#include "measure/CGVLWnd.h"
-#include "measure/CGraticuleDlg.h"
 #include "measure/CShapeHistory.h"
-#include "measure/IMeasureDocument.h"
 #include "measure/WindowCalls.h"
 #include "platform/AppPaths.h"
 #include "platform/MessageBox.h"
 #include "platform/NumberText.h"
+#include "ui/CGVLWnd.h"
+#include "ui/CGraticuleDlg.h"
+#include "ui/IMeasureDocument.h"
 
 #include <QComboBox>
 #include <QCoreApplication>
