@@ -112,17 +112,6 @@
         <translation>Valeur d&apos;une division</translation>
     </message>
     <message>
-        <source>1 px = %1 µm ± %2</source>
-        <translation>1 px = %1 µm ± %2</translation>
-    </message>
-    <message numerus="yes">
-        <source>%n ticks, scale at %1°</source>
-        <translation>
-            <numerusform>%n graduation, échelle à %1°</numerusform>
-            <numerusform>%n graduations, échelle à %1°</numerusform>
-        </translation>
-    </message>
-    <message>
         <source>No picture</source>
         <translation>Pas d&apos;image</translation>
     </message>
@@ -1277,6 +1266,20 @@ texte</translation>
     <message>
         <source>No picture to save</source>
         <translation>Pas d&apos;image à enregistrer</translation>
+    </message>
+</context>
+<context>
+    <name>GraticuleDetector</name>
+    <message>
+        <source>1 px = %1 µm ± %2</source>
+        <translation>1 px = %1 µm ± %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n ticks, scale at %1°</source>
+        <translation>
+            <numerusform>%n graduation, échelle à %1°</numerusform>
+            <numerusform>%n graduations, échelle à %1°</numerusform>
+        </translation>
     </message>
 </context>
 <context>

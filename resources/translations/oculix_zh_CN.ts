@@ -112,16 +112,6 @@
         <translation>分度值</translation>
     </message>
     <message>
-        <source>1 px = %1 µm ± %2</source>
-        <translation>1 像素 = %1 µm ± %2</translation>
-    </message>
-    <message numerus="yes">
-        <source>%n ticks, scale at %1°</source>
-        <translation>
-            <numerusform>%n 个刻度，标尺角度 %1°</numerusform>
-        </translation>
-    </message>
-    <message>
         <source>No picture</source>
         <translation>没有图片</translation>
     </message>
@@ -1276,6 +1266,19 @@ Background</source>
     <message>
         <source>No picture to save</source>
         <translation>没有可保存的图片</translation>
+    </message>
+</context>
+<context>
+    <name>GraticuleDetector</name>
+    <message>
+        <source>1 px = %1 µm ± %2</source>
+        <translation>1 像素 = %1 µm ± %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n ticks, scale at %1°</source>
+        <translation>
+            <numerusform>%n 个刻度，标尺角度 %1°</numerusform>
+        </translation>
     </message>
 </context>
 <context>

@@ -14,6 +14,7 @@
 #include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
 #include "platform/SettingsKeys.h"
+#include "ui/MessageBoxDialog.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -54,6 +55,8 @@ CMeasureApp::CMeasureApp()
 {
     Q_ASSERT(!g_app);
     g_app = this;
+    // From here on a message shows as a box; a test's handler still comes first.
+    InstallMessageBoxDialog();
     MapCommand(ID_FILE_NEW, [this] { OnFileNew(); });
     // One live document at most: a new preview only while there is none.
     MapUpdate(ID_FILE_NEW, [](CCmdUI& ui) { ui.Enable(!CMeasureDoc::GetLiveDocument()); });

@@ -6,13 +6,13 @@
 #include "capture/CameraModels.h"
 #include "capture/GrabPicture.h"
 #include "measure/CGVLElemMgr.h"
-#include "measure/CRulerSettingDlg.h"
 #include "measure/CShapeHistory.h"
 #include "measure/WindowCalls.h"
 #include "platform/AppPaths.h"
 #include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
 #include "platform/SettingsKeys.h"
+#include "ui/CRulerSettingDlg.h"
 
 #include <QApplication>
 #include <QWidget>
@@ -218,7 +218,7 @@ void CMeasureDoc::RepaintOverlayWindow()
 
 QWidget* CMeasureDoc::DialogParent() const
 {
-    if (QWidget* wnd = m_pElemMgr->m_hWnd)
+    if (auto* wnd = qobject_cast<QWidget*>(m_pElemMgr->m_hWnd))
         return wnd->window();
     return QApplication::activeWindow();
 }

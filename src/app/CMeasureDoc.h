@@ -7,7 +7,7 @@
 #include "capture/ILiveDocument.h"
 #include "image/FCObjImage.h"
 #include "image/ProcessSwitches.h"
-#include "measure/IMeasureDocument.h"
+#include "ui/IMeasureDocument.h"
 
 #include <QByteArray>
 #include <QPointer>

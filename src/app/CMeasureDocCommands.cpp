@@ -5,10 +5,10 @@
 #include "app/IDocumentHost.h"
 #include "image/ProcessChain.h"
 #include "measure/CGVLElemMgr.h"
-#include "measure/CMeasureColorDlg.h"
-#include "measure/CRulerSettingDlg.h"
 #include "measure/CShapeHistory.h"
 #include "platform/MessageBox.h"
+#include "ui/CMeasureColorDlg.h"
+#include "ui/CRulerSettingDlg.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

@@ -5,8 +5,8 @@
 #include "app/CMeasureDoc.h"
 #include "app/CommandTable.h"
 #include "measure/CGVLElemMgr.h"
-#include "measure/CGVLWnd.h"
 #include "platform/DebugLog.h"
+#include "ui/CGVLWnd.h"
 
 #include <QPainter>
 #include <QScrollBar>
@@ -30,11 +30,7 @@ CMeasureView::CMeasureView(CMeasureDoc& document, QWidget* parent)
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     m_pOverlayWnd->setObjectName(QStringLiteral("OverlayWnd"));
     m_pOverlayWnd->setProperty("controlId", CGVLWnd::kControlId);
-    {
-        CGVLElemMgr& mgr = document.GetElemMgr();
-        const auto lock = mgr.Lock();
-        mgr.m_hWnd = m_pOverlayWnd;
-    }
+    m_pOverlayWnd->AttachToManager();
     document.GetElemMgr().CreateShape(ShapeType::Ruler);
     document.RestoreStoredShapes();
     m_pOverlayWnd->show();
@@ -49,9 +45,7 @@ CMeasureView::CMeasureView(CMeasureDoc& document, QWidget* parent)
 CMeasureView::~CMeasureView()
 {
     // The overlay window goes with the view; the document must not reach it.
-    CGVLElemMgr& mgr = m_document.GetElemMgr();
-    const auto lock = mgr.Lock();
-    mgr.m_hWnd = nullptr;
+    m_pOverlayWnd->DetachFromManager();
 }
 
 std::unique_ptr<CDocTemplate> CMeasureView::CreateDocTemplate()

@@ -546,3 +546,21 @@ GraticuleFit FitAtPeak(const cv::Mat& f, const Peak& peak, double division)
 }
 
 } // namespace
+
+QString GraticuleResultText(const GraticuleFit& fit)
+{
+    if (!fit.found)
+        return fit.reason;
+    // Four decimals as the calibration keeps them, more when the uncertainty
+    // is smaller than that, so it always shows a significant digit.
+    int decimals = 4;
+    while (decimals < 8 && fit.perPixelU > 0 && fit.perPixelU < 0.95 * std::pow(10.0, -decimals))
+        ++decimals;
+    return QCoreApplication::translate("GraticuleDetector", "1 px = %1 µm ± %2")
+               .arg(QString::number(fit.perPixel, 'f', decimals),
+                   QString::number(fit.perPixelU, 'f', decimals))
+        + QStringLiteral("\n")
+        + QCoreApplication::translate(
+            "GraticuleDetector", "%n ticks, scale at %1°", nullptr, int(fit.ticks.size()))
+              .arg(QString::number(fit.angleDeg, 'f', 1));
+}

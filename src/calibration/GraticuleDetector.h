@@ -37,3 +37,8 @@ struct GraticuleFit
 // division (any unit; perPixel comes in the same unit). `region`, when not
 // empty, limits the search to that part of the picture. Needs no display.
 GraticuleFit DetectGraticule(const QImage& picture, double division, const QRect& region = QRect());
+
+// What a fit says to the user, as "Detect from micrometer" and oculix-cli
+// show it: "1 px = 1.2503 µm ± 0.0008" and the ticks and angle on a second
+// line, or the reason nothing was found.
+QString GraticuleResultText(const GraticuleFit& fit);

@@ -9,7 +9,6 @@
 #include "cli/CliSave.h"
 #include "image/FCObjImage.h"
 #include "measure/CGVLElemMgr.h"
-#include "measure/CGraticuleDlg.h"
 #include "measure/MeasurementXmp.h"
 #include "measure/ShapesJson.h"
 #include "platform/AppPaths.h"
@@ -195,7 +194,7 @@ int RunCalibrate(const QStringList& arguments)
             { QStringLiteral("ticks"), int(fit.ticks.size()) }, { QStringLiteral("angle"), fit.angleDeg } };
         PrintOut(QString::fromUtf8(QJsonDocument(result).toJson(QJsonDocument::Compact)) + QLatin1Char('\n'));
     } else {
-        PrintOut(CGraticuleDlg::ResultText(fit) + QLatin1Char('\n'));
+        PrintOut(GraticuleResultText(fit) + QLatin1Char('\n'));
     }
     return kExitOk;
 }

@@ -11,7 +11,7 @@ constexpr int kArcRadius = 20;
 
 } // namespace
 
-CGVLAngle::CGVLAngle(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLAngle::CGVLAngle(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLThreeClick(unit, color, wnd, mgr, 3, kToolAngle)
 {
 }

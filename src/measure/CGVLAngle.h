@@ -11,7 +11,7 @@
 class CGVLAngle : public CGVLThreeClick
 {
 public:
-    CGVLAngle(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLAngle(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     // Direction of an arm in degrees with y growing downward: 0 straight
     // down, 90 right, 180 up, 270 left.

@@ -1,6 +1,6 @@
 #include "measure/CGVLAnoArrow.h"
 
-CGVLAnoArrow::CGVLAnoArrow(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLAnoArrow::CGVLAnoArrow(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLLine(unit, color, wnd, mgr, 12, kToolArrow, 10)
 {
 }

@@ -7,7 +7,7 @@
 class CGVLAnoArrow : public CGVLLine
 {
 public:
-    CGVLAnoArrow(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLAnoArrow(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     void Draw(QPainter& dc, int hidden, int reserved) override;
 };

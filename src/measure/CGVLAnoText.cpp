@@ -8,7 +8,7 @@ constexpr int kLineGap = 5;
 
 } // namespace
 
-CGVLAnoText::CGVLAnoText(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLAnoText::CGVLAnoText(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
     m_nType = 14;

@@ -10,7 +10,7 @@
 class CGVLAnoText : public CGVLShape
 {
 public:
-    CGVLAnoText(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLAnoText(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     void Draw(QPainter& dc, int hidden, int reserved) override;
     int OnLButtonDown(unsigned flags, const QPoint& point, int tool) override;

@@ -6,7 +6,7 @@
 #include <climits>
 #include <cmath>
 
-CGVLCircle::CGVLCircle(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLCircle::CGVLCircle(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
     m_nType = 6;

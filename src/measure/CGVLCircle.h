@@ -11,7 +11,7 @@ class CGVLCircle : public CGVLShape
 public:
     static constexpr int kMinRadius = 6;
 
-    CGVLCircle(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLCircle(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     // Distance between the two points, truncated; 0 with fewer points.
     int PixelRadius() const;

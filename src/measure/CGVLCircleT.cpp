@@ -18,7 +18,7 @@ bool Within(double v)
 
 } // namespace
 
-CGVLCircleT::CGVLCircleT(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLCircleT::CGVLCircleT(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLThreeClick(unit, color, wnd, mgr, 7, kToolTriCircle)
 {
 }

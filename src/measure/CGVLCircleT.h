@@ -10,7 +10,7 @@
 class CGVLCircleT : public CGVLThreeClick
 {
 public:
-    CGVLCircleT(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLCircleT(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     struct Circle
     {

@@ -4,7 +4,6 @@
 #include "measure/CGVLAnoText.h"
 #include "measure/CGVLNo.h"
 #include "measure/CGVLPolygon.h"
-#include "measure/CInputTextDlg.h"
 #include "measure/GdiPainter.h"
 #include "measure/WindowCalls.h"
 #include "platform/NumberText.h"
@@ -131,7 +130,7 @@ void CGVLElemMgr::OnLButtonDown(unsigned flags, const QPoint& point, int tool)
 {
     CGVLAnoText* text = nullptr;
     TextInput ask;
-    QWidget* parent = nullptr;
+    QObject* parent = nullptr;
     QStringList lines;
     {
         const Call call(*this);
@@ -438,12 +437,6 @@ void CGVLElemMgr::DrawToImage(uchar* buffer, int width, int height, bool element
         if (text)
             Gdi::TextOut(dc, x, height - 60, title, textColor);
     });
-}
-
-bool CGVLElemMgr::AskTextWithDialog(QWidget* parent, QStringList& lines)
-{
-    CInputTextDlg dialog(&lines, parent);
-    return dialog.DoModal();
 }
 
 namespace {

@@ -22,8 +22,8 @@
 
 class CGVLAnoText;
 class QIODevice;
+class QObject;
 class QPainter;
-class QWidget;
 
 // Owns the elements of one document, turns the overlay window's mouse events
 // into creating, selecting, dragging and deleting elements by the current
@@ -99,10 +99,9 @@ public:
     void WriteCsvSemicolon(QIODevice& file);
 
     // Asks the user for the lines of a new text element: true for OK, with
-    // `lines` replaced; false for Cancel, which removes the element.
-    using TextInput = std::function<bool(QWidget* parent, QStringList& lines)>;
-    // The default text input: CInputTextDlg over the window.
-    static bool AskTextWithDialog(QWidget* parent, QStringList& lines);
+    // `lines` replaced; false for Cancel, which removes the element. `window`
+    // is m_hWnd.
+    using TextInput = std::function<bool(QObject* window, QStringList& lines)>;
 
     // Holds the manager's lock for direct access to fields and elements.
     [[nodiscard]] std::unique_lock<std::recursive_mutex> Lock() const;
@@ -114,7 +113,9 @@ public:
     CalibrationRecord m_unit { 0, 0.2, 0.2, 10.0, 10.0 };
     ColorRecord m_color { 4, 3, 3, 4 };
     int m_bHide = 0;
-    QWidget* m_hWnd = nullptr;
+    // The overlay window: repaints and calibration news go to it as events
+    // (measure/WindowCalls.h); null while there is none.
+    QObject* m_hWnd = nullptr;
     int m_bMouseDown = 0;
     QPoint m_ptOrigin;
     int m_bShowRuler = 0;
@@ -124,8 +125,9 @@ public:
     int m_nPrecision = 2;
     int m_nFontSize = 2;
     int m_nFontBackground = 1;
-    // Replaceable so that the engine runs, and tests, without a user.
-    TextInput m_fnTextInput = AskTextWithDialog;
+    // Set by the user interface where it gives the manager its window (the
+    // text dialog); unset, as in the engine alone, a text press is cancelled.
+    TextInput m_fnTextInput;
     // The picture under the overlay, without it, that lines and circles snap
     // their points to as a drag ends. Unset, or answering a null picture
     // ("Snap to edges" off), leaves every point where the mouse put it.

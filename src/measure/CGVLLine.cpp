@@ -6,12 +6,12 @@
 #include <cmath>
 #include <cstdlib>
 
-CGVLLine::CGVLLine(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLLine::CGVLLine(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLLine(unit, color, wnd, mgr, 2, kToolLine, 5)
 {
 }
 
-CGVLLine::CGVLLine(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr, int type,
+CGVLLine::CGVLLine(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr, int type,
     int ownTool, int minSize)
     : CGVLShape(unit, color, wnd, mgr)
     , m_nOwnTool(ownTool)

@@ -10,7 +10,7 @@
 class CGVLLine : public CGVLShape
 {
 public:
-    CGVLLine(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLLine(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     double GetLength() const override;
     void Draw(QPainter& dc, int hidden, int reserved) override;
@@ -31,7 +31,7 @@ public:
 
 protected:
     // For shapes made the same way with another tool and minimum size.
-    CGVLLine(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr, int type,
+    CGVLLine(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr, int type,
         int ownTool, int minSize);
 
     void DrawEndBars(QPainter& dc, int hidden);

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 CGVLMultiClick::CGVLMultiClick(
-    CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr, int type, int ownTool)
+    CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr, int type, int ownTool)
     : CGVLShape(unit, color, wnd, mgr)
     , m_nOwnTool(ownTool)
 {

@@ -20,7 +20,7 @@ public:
 
 protected:
     CGVLMultiClick(
-        CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr, int type, int ownTool);
+        CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr, int type, int ownTool);
 
     // The rubber band follows the cursor, with the last point placed as the
     // hit one.

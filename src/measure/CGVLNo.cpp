@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-CGVLNo::CGVLNo(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLNo::CGVLNo(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
     m_nType = 11;

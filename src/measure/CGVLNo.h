@@ -7,7 +7,7 @@
 class CGVLNo : public CGVLShape
 {
 public:
-    CGVLNo(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLNo(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     void Draw(QPainter& dc, int hidden, int reserved) override;
     int OnLButtonDown(unsigned flags, const QPoint& point, int tool) override;

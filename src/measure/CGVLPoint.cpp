@@ -3,7 +3,7 @@
 #include "platform/DebugLog.h"
 #include "platform/NumberText.h"
 
-CGVLPoint::CGVLPoint(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLPoint::CGVLPoint(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
     m_nType = 1;

@@ -9,7 +9,7 @@
 class CGVLPoint : public CGVLShape
 {
 public:
-    CGVLPoint(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLPoint(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     void Draw(QPainter& dc, int hidden, int reserved) override;
     int OnLButtonDown(unsigned flags, const QPoint& point, int tool) override;

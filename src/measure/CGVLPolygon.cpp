@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 
-CGVLPolygon::CGVLPolygon(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLPolygon::CGVLPolygon(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLMultiClick(unit, color, wnd, mgr, 5, kToolPolygon)
 {
 }

@@ -17,7 +17,7 @@
 class CGVLPolygon : public CGVLMultiClick
 {
 public:
-    CGVLPolygon(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLPolygon(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     // Shoelace rule on integer products, in calibrated units, made positive;
     // 0 with fewer than three vertices.

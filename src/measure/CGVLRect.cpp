@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-CGVLRect::CGVLRect(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLRect::CGVLRect(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
     m_nType = 4;

@@ -19,7 +19,7 @@ public:
     // A drag shorter than this on both sides is dropped.
     static constexpr int kMinSide = 10;
 
-    CGVLRect(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLRect(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     double GetPerimeter() const override;
     double GetArea() const override;

@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-CGVLRuler::CGVLRuler(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLRuler::CGVLRuler(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
     m_nType = 9;

@@ -21,7 +21,7 @@ public:
         kHitYEnd = 3, // end of the vertical arm, P1
     };
 
-    CGVLRuler(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLRuler(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     void Draw(QPainter& dc, int hidden, int reserved) override;
     // Always -1, so the press still reaches the elements below.

@@ -4,7 +4,7 @@
 
 #include <QPainter>
 
-CGVLScale::CGVLScale(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLScale::CGVLScale(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
     m_nType = 10;

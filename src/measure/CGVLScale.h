@@ -8,7 +8,7 @@
 class CGVLScale : public CGVLShape
 {
 public:
-    CGVLScale(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLScale(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
 
     void Draw(QPainter& dc, int hidden, int reserved) override;
     void UpdateElem() override;

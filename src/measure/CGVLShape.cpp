@@ -17,7 +17,7 @@ constexpr qint64 kLabelLimit = 1 << 24;
 
 } // namespace
 
-CGVLShape::CGVLShape(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr)
+CGVLShape::CGVLShape(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : m_hWnd(wnd)
     , m_pMgr(mgr)
     , m_dwId(GetTickCount())
@@ -336,7 +336,7 @@ int CGVLShape::ReleaseOrDiscard(int tool, int ownTool, bool tooSmall)
     m_nHit = -1;
     if (tool == ownTool)
         m_bSelected = false;
-    QWidget* const wnd = m_hWnd;
+    QObject* const wnd = m_hWnd;
     if (CoordCount() == 1 || tooSmall)
         ClearCoords(); // may leave the manager: only locals from here on
     InvalidateWindow(wnd);

@@ -16,8 +16,8 @@
 #include <vector>
 
 class CGVLElemMgr;
+class QObject;
 class QPainter;
-class QWidget;
 
 // Base of every measurement and annotation element drawn over the video or a
 // picture. An element owns its input points, takes mouse input, hit-tests,
@@ -50,7 +50,7 @@ public:
     static constexpr int kToolIgnore = int(ToolCode::Ignore);
     static constexpr int kToolText = int(ToolCode::Text);
 
-    CGVLShape(CalibrationRecord* unit, ColorRecord* color, QWidget* wnd, CGVLElemMgr* mgr);
+    CGVLShape(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr);
     CGVLShape& operator=(const CGVLShape&) = delete;
 
     // The operations every element offers, in this order.
@@ -109,7 +109,7 @@ public:
     // Background of labels: transparent for FontBackground 1, else opaque gray.
     static void SetLabelBackground(QPainter& dc, int fontBackground);
 
-    QWidget* m_hWnd;
+    QObject* m_hWnd;
     QPoint m_ptRef;
     CGVLElemMgr* m_pMgr;
     std::uint32_t m_dwId;

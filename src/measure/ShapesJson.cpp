@@ -59,7 +59,7 @@ bool Replay(CGVLElemMgr& mgr, int type, const std::vector<QPoint>& points, const
         mgr.OnRButtonDown(0, points.back(), tool);
         return true;
     case Gesture::Text: {
-        CGVLElemMgr::TextInput previous = [&text](QWidget*, QStringList& lines) {
+        CGVLElemMgr::TextInput previous = [&text](QObject*, QStringList& lines) {
             lines = text;
             return true;
         };

@@ -1,49 +1,39 @@
 #include "measure/WindowCalls.h"
 
 #include <QCoreApplication>
-#include <QRect>
+#include <QObject>
 #include <QThread>
-#include <QWidget>
+
+#include <memory>
 
 namespace {
 
-bool OnWindowThread(const QWidget* window)
+// Takes the event: sent at once on the window's thread, else posted there
+// (Qt deletes a posted event after delivery, or with a window that went).
+void Deliver(QObject* window, std::unique_ptr<QEvent> event)
 {
-    return QThread::currentThread() == window->thread();
+    if (QThread::currentThread() == window->thread())
+        QCoreApplication::sendEvent(window, event.get());
+    else
+        QCoreApplication::postEvent(window, event.release());
 }
 
 } // namespace
 
-void InvalidateWindow(QWidget* window)
+void InvalidateWindow(QObject* window)
 {
-    if (!window)
-        return;
-    if (OnWindowThread(window))
-        window->update();
-    else
-        QMetaObject::invokeMethod(
-            window, [window] { window->update(); }, Qt::QueuedConnection);
+    if (window)
+        Deliver(window, std::make_unique<RepaintRequestEvent>());
 }
 
-void InvalidateWindow(QWidget* window, const QRect& rect)
+void InvalidateWindow(QObject* window, const QRect& rect)
 {
-    if (!window || rect.isEmpty())
-        return;
-    if (OnWindowThread(window))
-        window->update(rect);
-    else
-        QMetaObject::invokeMethod(
-            window, [window, rect] { window->update(rect); }, Qt::QueuedConnection);
+    if (window && !rect.isEmpty())
+        Deliver(window, std::make_unique<RepaintRequestEvent>(rect));
 }
 
-void SendCalibrationChanged(QWidget* window)
+void SendCalibrationChanged(QObject* window)
 {
-    if (!window)
-        return;
-    if (OnWindowThread(window)) {
-        QEvent event(kCalibrationChangedEvent);
-        QCoreApplication::sendEvent(window, &event);
-    } else {
-        QCoreApplication::postEvent(window, new QEvent(kCalibrationChangedEvent));
-    }
+    if (window)
+        Deliver(window, std::make_unique<QEvent>(kCalibrationChangedEvent));
 }

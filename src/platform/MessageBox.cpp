@@ -1,7 +1,6 @@
 #include "platform/MessageBox.h"
 
-#include <QApplication>
-#include <QMessageBox>
+#include <QtGlobal>
 
 #include <mutex>
 
@@ -9,8 +8,11 @@ namespace {
 
 std::mutex g_mutex;
 MessageBoxHandler g_handler;
+MessageBoxHandler g_dialog;
 
-int SafeAnswer(unsigned flags)
+} // namespace
+
+int SafeMessageBoxAnswer(unsigned flags)
 {
     switch (flags & 0xF) {
     case MB_OKCANCEL:
@@ -23,72 +25,21 @@ int SafeAnswer(unsigned flags)
     }
 }
 
-int ShowBox(const MessageBoxRequest& r)
+int LogMessageBox(const MessageBoxRequest& r)
 {
-    if (!qobject_cast<QApplication*>(QCoreApplication::instance())) {
-        qWarning("%s: %s %s", qPrintable(r.caption), qPrintable(r.text), qPrintable(r.details));
-        return SafeAnswer(r.flags);
-    }
-    QMessageBox box;
-    box.setWindowTitle(r.caption);
-    box.setText(r.text);
-    if (!r.details.isEmpty())
-        box.setDetailedText(r.details);
-    switch (r.flags & 0xF0) {
-    case MB_ICONERROR:
-        box.setIcon(QMessageBox::Critical);
-        break;
-    case MB_ICONQUESTION:
-        box.setIcon(QMessageBox::Question);
-        break;
-    case MB_ICONWARNING:
-        box.setIcon(QMessageBox::Warning);
-        break;
-    case MB_ICONINFORMATION:
-        box.setIcon(QMessageBox::Information);
-        break;
-    default:
-        break;
-    }
-    switch (r.flags & 0xF) {
-    case MB_OKCANCEL:
-        box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
-        break;
-    case MB_YESNOCANCEL:
-        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
-        break;
-    case MB_YESNO:
-        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-        break;
-    default:
-        box.setStandardButtons(QMessageBox::Ok);
-        break;
-    }
-    if (r.flags & MB_SETFOREGROUND)
-        box.setWindowFlag(Qt::WindowStaysOnTopHint);
-    switch (box.exec()) {
-    case QMessageBox::Ok:
-        return IDOK;
-    case QMessageBox::Yes:
-        return IDYES;
-    case QMessageBox::No:
-        return IDNO;
-    default:
-        return SafeAnswer(r.flags);
-    }
+    qWarning("%s: %s %s", qPrintable(r.caption), qPrintable(r.text), qPrintable(r.details));
+    return SafeMessageBoxAnswer(r.flags);
 }
-
-} // namespace
 
 int MessageBox(const QString& text, const QString& caption, unsigned flags, const QString& details)
 {
     MessageBoxHandler handler;
     {
         std::lock_guard lock(g_mutex);
-        handler = g_handler;
+        handler = g_handler ? g_handler : g_dialog;
     }
     const MessageBoxRequest request { text, caption, flags, details };
-    return handler ? handler(request) : ShowBox(request);
+    return handler ? handler(request) : LogMessageBox(request);
 }
 
 MessageBoxHandler SetMessageBoxHandler(MessageBoxHandler handler)
@@ -96,4 +47,10 @@ MessageBoxHandler SetMessageBoxHandler(MessageBoxHandler handler)
     std::lock_guard lock(g_mutex);
     std::swap(g_handler, handler);
     return handler;
+}
+
+void SetMessageBoxDialog(MessageBoxHandler box)
+{
+    std::lock_guard lock(g_mutex);
+    g_dialog = std::move(box);
 }

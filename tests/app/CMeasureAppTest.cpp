@@ -18,6 +18,7 @@
 #include <QLabel>
 #include <QMdiArea>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
@@ -72,6 +73,21 @@ bool Contains(const std::vector<std::string>& events, const std::string& event)
 }
 
 } // namespace
+
+// The application object brings the program's box: without it a message
+// would only reach the log.
+TEST_F(MeasureAppTest, MessagesShowAsBoxesOnceTheApplicationExists)
+{
+    SetMessageBoxDialog({});
+    app = std::make_unique<CMeasureApp>();
+    QTimer::singleShot(0, [] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->text(), "Replace the file?");
+        box->button(QMessageBox::Yes)->click();
+    });
+    EXPECT_EQ(MessageBox("Replace the file?", "Save", MB_YESNO), IDYES);
+}
 
 TEST_F(MeasureAppTest, StartsWithANewDocumentInABrandedMaximisedFrame)
 {

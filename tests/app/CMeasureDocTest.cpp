@@ -3,9 +3,9 @@
 #include "app/CommandTable.h"
 #include "app/DlgSelectFile.h"
 #include "image/FCObjImage.h"
-#include "measure/CRulerSettingDlg.h"
 #include "platform/AppPaths.h"
 #include "platform/PrivateProfile.h"
+#include "ui/CRulerSettingDlg.h"
 
 #include <QComboBox>
 #include <QLabel>

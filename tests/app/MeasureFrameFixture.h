@@ -10,8 +10,8 @@
 #include "app/TestHome.h"
 #include "capture/SimDeviceProvider.h"
 #include "measure/CGVLElemMgr.h"
-#include "measure/CGVLWnd.h"
 #include "platform/MessageBox.h"
+#include "ui/CGVLWnd.h"
 
 #include <QApplication>
 #include <QComboBox>

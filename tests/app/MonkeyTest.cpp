@@ -6,8 +6,8 @@
 // actions so far.
 #include "MeasureFrameFixture.h"
 #include "app/CommandTable.h"
-#include "measure/CRulerSettingDlg.h"
 #include "platform/MessageBox.h"
+#include "ui/CRulerSettingDlg.h"
 
 #include <QDesktopServices>
 #include <QDialog>

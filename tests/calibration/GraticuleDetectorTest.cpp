@@ -168,3 +168,17 @@ TEST(GraticuleDetector, SaysSoWhenThereIsNoScale)
         EXPECT_TRUE(fit.ticks.empty());
     }
 }
+
+// The text "Detect from micrometer" and oculix-cli show.
+TEST(GraticuleDetector, ResultTextKeepsASignificantDigitOfTheUncertainty)
+{
+    GraticuleFit fit;
+    fit.found = true;
+    fit.perPixel = 1.250312;
+    fit.perPixelU = 0.0008;
+    fit.ticks.resize(93);
+    fit.angleDeg = 3.04;
+    EXPECT_EQ(GraticuleResultText(fit), QStringLiteral("1 px = 1.2503 µm ± 0.0008\n93 ticks, scale at 3.0°"));
+    fit.perPixelU = 0.00004;
+    EXPECT_TRUE(GraticuleResultText(fit).startsWith(QStringLiteral("1 px = 1.25031 µm ± 0.00004")));
+}

@@ -1,15 +1,8 @@
 #include "measure/CGVLAnoText.h"
 
 #include "MeasureTestSupport.h"
-#include "measure/CInputTextDlg.h"
 
-#include <QDialog>
-#include <QLabel>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-#include <QWidget>
+#include <QObject>
 
 using namespace MeasureTest;
 
@@ -20,13 +13,13 @@ struct TextFixture : MeasureFixture
     TextFixture()
     {
         mgr.m_hWnd = &window;
-        mgr.m_fnTextInput = [this](QWidget* parent, QStringList& lines) {
+        mgr.m_fnTextInput = [this](QObject* parent, QStringList& lines) {
             EXPECT_TRUE(parent == &window && lines.isEmpty());
             lines = typed;
             return ok;
         };
     }
-    QWidget window; // never shown
+    QObject window;
     QStringList typed;
     bool ok = true;
 };
@@ -50,13 +43,27 @@ TEST_F(TextFixture, OneClickAsksForTheLinesAndCancelRemovesTheElement)
     ok = false;
     Click(mgr, 205, { 100, 200 });
     EXPECT_EQ(mgr.m_arShape.size(), 2u);
-    mgr.m_fnTextInput = [&](QWidget*, QStringList& lines) {
+    mgr.m_fnTextInput = [&](QObject*, QStringList& lines) {
         mgr.DeleteAll(); // anything may run while the dialog is open
         lines = QStringList { "late" };
         return true;
     };
     Click(mgr, 205, { 100, 50 });
     EXPECT_EQ(mgr.m_arShape.size(), 1u);
+}
+
+// The engine alone has no one to ask: a text press is a press cancelled, with
+// or without a window.
+TEST_F(MeasureFixture, WithoutATextInputATextPressLeavesNoElement)
+{
+    Click(mgr, CGVLShape::kToolText, { 100, 50 });
+    EXPECT_EQ(mgr.m_arShape.size(), 1u);
+    QObject window;
+    mgr.m_hWnd = &window;
+    Click(mgr, CGVLShape::kToolText, { 120, 60 });
+    EXPECT_EQ(mgr.m_arShape.size(), 1u);
+    Click(mgr, CGVLShape::kToolPoint, { 120, 60 });
+    EXPECT_EQ(mgr.m_arShape.size(), 2u) << "other tools still draw";
 }
 
 TEST_F(TextFixture, TheBoxReachesFortyPixelsAboveAndLeftOfTheAnchor)
@@ -79,40 +86,4 @@ TEST_F(TextFixture, TheBoxReachesFortyPixelsAboveAndLeftOfTheAnchor)
     EXPECT_EQ(text->m_arCoord[0], QPoint(90, 95)) << "jumps to the press, then follows";
     Click(mgr, 200, { 60, 60 });
     EXPECT_EQ(mgr.m_arShape.size(), 1u);
-}
-
-TEST(InputTextDlg, EnterPressesOkCtrlEnterStartsANewLineAndCancelKeepsTheLines)
-{
-    QStringList lines { "old" };
-    CInputTextDlg dlg(&lines);
-    QDialog* window = dlg.Window();
-    EXPECT_EQ(window->windowTitle(), "Input Text");
-    ASSERT_EQ(window->findChildren<QLabel*>().size(), 1);
-    EXPECT_EQ(window->findChild<QLabel*>()->text(), "Text(New line by pressing CTRL+ENTER)");
-    EXPECT_EQ(dlg.OkButton()->text(), "OK");
-    window->show();
-    QTest::keyClicks(dlg.Edit(), "first");
-    QTest::keyClick(dlg.Edit(), Qt::Key_Return, Qt::ControlModifier);
-    QTest::keyClicks(dlg.Edit(), QString(200, QChar('x')));
-    QTest::keyClick(dlg.Edit(), Qt::Key_Enter, Qt::KeypadModifier | Qt::ControlModifier);
-    EXPECT_EQ(lines, QStringList { "old" }) << "nothing changes before OK";
-    QTest::keyClick(dlg.Edit(), Qt::Key_Return);
-    EXPECT_EQ(window->result(), QDialog::Accepted);
-    EXPECT_EQ(lines, (QStringList { "first", QString(128, QChar('x')), "" }));
-
-    // Cancel leaves the lines; every showing starts empty.
-    lines = QStringList { "kept" };
-    QTimer::singleShot(0, [&] {
-        QTest::keyClicks(dlg.Edit(), "typed");
-        QTest::keyClick(dlg.Edit(), Qt::Key_Escape);
-    });
-    EXPECT_FALSE(dlg.DoModal());
-    EXPECT_EQ(lines, QStringList { "kept" });
-    QTimer::singleShot(0, [&] {
-        EXPECT_TRUE(dlg.Edit()->toPlainText().isEmpty());
-        QTest::keyClicks(dlg.Edit(), QString::fromUtf8("Maß µm"));
-        QTest::keyClick(dlg.Edit(), Qt::Key_Return);
-    });
-    EXPECT_TRUE(dlg.DoModal());
-    EXPECT_EQ(lines, QStringList { QString::fromUtf8("Maß µm") });
 }

@@ -17,7 +17,7 @@ struct CsvFixture : MeasureFixture
 {
     CsvFixture()
     {
-        mgr.m_fnTextInput = [](QWidget*, QStringList& lines) {
+        mgr.m_fnTextInput = [](QObject*, QStringList& lines) {
             lines = QStringList { "no row" };
             return true;
         };

@@ -8,10 +8,10 @@
 #include <QBuffer>
 #include <QColor>
 #include <QFile>
-#include <QPaintEvent>
 #include <QProcess>
+#include <QRegion>
 #include <QTemporaryDir>
-#include <QWidget>
+#include <QThread>
 
 #include <clocale>
 #include <cstdlib>
@@ -77,19 +77,30 @@ inline TestShape* Add(CGVLElemMgr& mgr, int type, QPoint at = QPoint(2, 2))
     return static_cast<TestShape*>(mgr.m_arShape.back().get());
 }
 
-// Stands in for the overlay window: what it repainted, which events it got.
-class WindowSpy : public QWidget
+// Stands in for the overlay window: the repaints the engine asked of it and
+// the calibration news it got, as they arrived.
+class WindowSpy : public QObject
 {
 public:
-    QRegion painted;
+    QRegion requested;
+    int wholeRequests = 0;
     int calibrationEvents = 0;
+    // The thread of the last event, to tell sent from queued.
+    QThread* deliveredOn = nullptr;
 
 protected:
-    void paintEvent(QPaintEvent* event) override { painted += event->region(); }
     bool event(QEvent* event) override
     {
-        calibrationEvents += event->type() == kCalibrationChangedEvent;
-        return QWidget::event(event);
+        if (event->type() != kRepaintRequestEvent && event->type() != kCalibrationChangedEvent)
+            return QObject::event(event);
+        deliveredOn = QThread::currentThread();
+        if (event->type() == kCalibrationChangedEvent)
+            ++calibrationEvents;
+        else if (const auto* repaint = static_cast<const RepaintRequestEvent*>(event); repaint->WholeWindow())
+            ++wholeRequests;
+        else
+            requested += repaint->Rect();
+        return true;
     }
 };
 

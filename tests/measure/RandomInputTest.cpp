@@ -5,7 +5,7 @@
 #include "measure/CShapeHistory.h"
 #include "measure/ShapesJson.h"
 
-#include <QWidget>
+#include <QObject>
 
 #include <clocale>
 #include <cmath>
@@ -87,12 +87,12 @@ TEST(RandomInput, GesturesOverEveryToolKeepTheRulerAndExportWhatTheShapesReport)
     for (int seed = 1; seed <= 30; ++seed) {
         std::mt19937 rng { std::uint32_t(seed) };
         auto pick = [&](int n) { return int(rng() % std::uint32_t(n)); };
-        QWidget window; // never shown: repaints go nowhere
+        QObject window; // repaints go nowhere
         CGVLElemMgr mgr;
         mgr.m_hWnd = &window;
         ASSERT_NE(mgr.CreateShape(ShapeType::Ruler), nullptr);
         mgr.m_bShowRuler = 1;
-        mgr.m_fnTextInput = [&](QWidget*, QStringList& lines) {
+        mgr.m_fnTextInput = [&](QObject*, QStringList& lines) {
             for (int i = pick(3); i > 0; --i)
                 lines.append(QString(pick(20), QChar('a' + pick(26))));
             return pick(3) != 0;

@@ -3,8 +3,8 @@
 #include "measure/CShapeHistory.h"
 
 #include <QImage>
+#include <QObject>
 #include <QPainter>
-#include <QWidget>
 
 #include <atomic>
 #include <chrono>
@@ -50,7 +50,7 @@ struct ThreadFixture : ::testing::Test
         mgr.CreateShape(ShapeType::Ruler);
         mgr.m_bShowRuler = 1;
     }
-    QWidget window; // never shown: repaint requests go nowhere
+    QObject window; // repaint requests go nowhere
     CGVLElemMgr mgr;
 };
 
@@ -119,7 +119,7 @@ TEST_F(ThreadFixture, TheOverlayWorkerDrawsWhileTheTextIsAsked)
     bool drewWhileAsking = true;
     {
         OverlayWorker worker(mgr);
-        mgr.m_fnTextInput = [&](QWidget*, QStringList& lines) {
+        mgr.m_fnTextInput = [&](QObject*, QStringList& lines) {
             // A deadline, not a measurement: a worker stuck on the lock would
             // otherwise hang the test.
             const int before = worker.passes.load();

@@ -1,10 +1,10 @@
-#include "measure/CRulerSettingDlg.h"
+#include "ui/CRulerSettingDlg.h"
 
 #include "TestFiles.h"
-#include "measure/FakeMeasureDocument.h"
 #include "platform/AppPaths.h"
 #include "platform/MessageBox.h"
 #include "platform/NumberText.h"
+#include "ui/FakeMeasureDocument.h"
 
 #include <QComboBox>
 #include <QDir>

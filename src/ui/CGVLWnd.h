@@ -12,7 +12,8 @@ class IMeasureDocument;
 // tool's cursor, and tells the calibration dialog when the ruler moved.
 //
 // The view creates it as a visible child, sizes it to the displayed picture
-// (DisplayedSize), then sets the manager's m_hWnd to it and creates the ruler.
+// (DisplayedSize), then attaches it to the manager and creates the ruler.
+// The engine reaches it only through the events of measure/WindowCalls.h.
 class CGVLWnd : public QWidget
 {
     Q_OBJECT
@@ -24,6 +25,12 @@ public:
     CGVLWnd(IMeasureDocument& document, QWidget* view);
 
     IMeasureDocument& GetDocument() const { return m_document; }
+
+    // Makes this the window of the document's manager (its m_hWnd), whose
+    // text presses then ask for the text with CInputTextDlg over it.
+    void AttachToManager();
+    // The manager forgets the window and its dialog, before the window goes.
+    void DetachFromManager();
 
     // The picture's size at a zoom step, truncating as the zoom table does;
     // an index outside 0..9 gives 100 %.

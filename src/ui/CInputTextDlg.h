@@ -5,15 +5,14 @@
 #include <memory>
 
 class QDialog;
+class QObject;
 class QPlainTextEdit;
 class QPushButton;
 class QWidget;
 
 // "Input Text": asks for the lines of a text annotation. Enter presses OK,
 // Ctrl+Enter starts a new line; OK replaces the lines it was given, each cut
-// at 128 characters, Cancel leaves them as they were. The dialog widget is
-// kept behind this class so that the engine, which shows it, stays free of
-// widget headers.
+// at 128 characters, Cancel leaves them as they were.
 class CInputTextDlg
 {
 public:
@@ -27,6 +26,10 @@ public:
 
     // Shows the dialog with an empty edit and waits for it: true after OK.
     bool DoModal();
+
+    // The element manager's text input (CGVLElemMgr::TextInput): the dialog
+    // over the window, when the window is a widget.
+    static bool AskTextWithDialog(QObject* window, QStringList& lines);
 
     // The window, its edit and OK button, for driving the dialog without a user.
     QDialog* Window() const { return m_pDialog.get(); }

@@ -1,8 +1,8 @@
-#include "measure/CMeasureColorDlg.h"
+#include "ui/CMeasureColorDlg.h"
 
-#include "measure/CColorSelectComboBox.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/WindowCalls.h"
+#include "ui/CColorSelectComboBox.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>

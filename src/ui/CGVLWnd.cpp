@@ -1,13 +1,14 @@
-#include "measure/CGVLWnd.h"
+#include "ui/CGVLWnd.h"
 
 #include "image/FCObjImage.h"
 #include "measure/CGVLElemMgr.h"
-#include "measure/CRulerSettingDlg.h"
 #include "measure/CShapeHistory.h"
 #include "measure/GdiPainter.h"
-#include "measure/IMeasureDocument.h"
 #include "measure/WindowCalls.h"
 #include "platform/DebugLog.h"
+#include "ui/CInputTextDlg.h"
+#include "ui/CRulerSettingDlg.h"
+#include "ui/IMeasureDocument.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -43,6 +44,22 @@ CGVLWnd::CGVLWnd(IMeasureDocument& document, QWidget* view)
     // Every mouse move goes to the elements, pressed or not.
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void CGVLWnd::AttachToManager()
+{
+    CGVLElemMgr& mgr = m_document.GetElemMgr();
+    const auto lock = mgr.Lock();
+    mgr.m_hWnd = this;
+    mgr.m_fnTextInput = CInputTextDlg::AskTextWithDialog;
+}
+
+void CGVLWnd::DetachFromManager()
+{
+    CGVLElemMgr& mgr = m_document.GetElemMgr();
+    const auto lock = mgr.Lock();
+    mgr.m_hWnd = nullptr;
+    mgr.m_fnTextInput = nullptr;
 }
 
 QSize CGVLWnd::DisplayedSize(const QSize& picture, int zoomIndex)
@@ -197,6 +214,14 @@ void CGVLWnd::CommitEdit()
 
 bool CGVLWnd::event(QEvent* event)
 {
+    if (event->type() == kRepaintRequestEvent) {
+        const auto* request = static_cast<const RepaintRequestEvent*>(event);
+        if (request->WholeWindow())
+            update();
+        else
+            update(request->Rect());
+        return true;
+    }
     if (event->type() == kCalibrationChangedEvent) {
         if (CRulerSettingDlg* dialog = m_document.GetCalibrationDialog())
             dialog->Recompute();

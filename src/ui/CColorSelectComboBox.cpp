@@ -1,4 +1,4 @@
-#include "measure/CColorSelectComboBox.h"
+#include "ui/CColorSelectComboBox.h"
 
 #include "calibration/MeasureTables.h"
 

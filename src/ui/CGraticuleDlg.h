@@ -30,8 +30,6 @@ public:
     double DivisionUm() const;
     void SetDivisionMm(const QString& text);
     void SetInsideRuler(bool inside);
-    // "1 px = 1.2503 µm ± 0.0008", or why nothing was found.
-    static QString ResultText(const GraticuleFit& fit);
     QString ShownResult() const;
     bool CanAccept() const;
 

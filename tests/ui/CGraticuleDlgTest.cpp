@@ -1,12 +1,8 @@
-#include "measure/CGraticuleDlg.h"
+#include "ui/CGraticuleDlg.h"
 
-#include "measure/GraticulePicture.h"
+#include "ui/GraticulePicture.h"
 
 #include <gtest/gtest.h>
-
-namespace {
-
-} // namespace
 
 TEST(GraticuleDialog, ShowsThePixelSizeWithItsUncertaintyAndOnlyAcceptsAFoundScale)
 {
@@ -42,18 +38,4 @@ TEST(GraticuleDialog, ShowsThePixelSizeWithItsUncertaintyAndOnlyAcceptsAFoundSca
     CGraticuleDlg nothing(blank, QRect());
     EXPECT_FALSE(nothing.CanAccept());
     EXPECT_FALSE(nothing.ShownResult().isEmpty());
-}
-
-TEST(GraticuleDialog, ResultTextKeepsASignificantDigitOfTheUncertainty)
-{
-    GraticuleFit fit;
-    fit.found = true;
-    fit.perPixel = 1.250312;
-    fit.perPixelU = 0.0008;
-    fit.ticks.resize(93);
-    fit.angleDeg = 3.04;
-    EXPECT_EQ(
-        CGraticuleDlg::ResultText(fit), QStringLiteral("1 px = 1.2503 µm ± 0.0008\n93 ticks, scale at 3.0°"));
-    fit.perPixelU = 0.00004;
-    EXPECT_TRUE(CGraticuleDlg::ResultText(fit).startsWith(QStringLiteral("1 px = 1.25031 µm ± 0.00004")));
 }

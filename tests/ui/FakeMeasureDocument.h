@@ -3,10 +3,10 @@
 #include "image/FCObjImage.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLRuler.h"
-#include "measure/CGVLWnd.h"
-#include "measure/CRulerSettingDlg.h"
 #include "measure/CShapeHistory.h"
-#include "measure/IMeasureDocument.h"
+#include "ui/CGVLWnd.h"
+#include "ui/CRulerSettingDlg.h"
+#include "ui/IMeasureDocument.h"
 
 #include <QColor>
 #include <QWidget>
@@ -55,8 +55,8 @@ public:
     bool calibrationShown = false;
 };
 
-// The view's part: a parent widget with the overlay window over it, the
-// manager told about the window, and the ruler as element 0.
+// The view's part: a parent widget with the overlay window over it, attached
+// to the manager, and the ruler as element 0.
 struct FakeView
 {
     explicit FakeView(FakeMeasureDocument& doc, QSize size = QSize(640, 480))
@@ -64,7 +64,7 @@ struct FakeView
     {
         view.resize(size);
         wnd->setGeometry(QRect(QPoint(0, 0), size));
-        doc.mgr.m_hWnd = wnd;
+        wnd->AttachToManager();
         doc.mgr.CreateShape(9);
         // As the document does once its view stands: undo stops at the ruler.
         doc.history.Reset();

@@ -1,4 +1,4 @@
-#include "measure/CInputTextDlg.h"
+#include "ui/CInputTextDlg.h"
 
 #include <QCoreApplication>
 #include <QDialog>
@@ -106,4 +106,10 @@ void CInputTextDlg::OnOK()
             m_pLines->append(CutLine(block.text(), kMaxLineLength));
     }
     m_pDialog->accept();
+}
+
+bool CInputTextDlg::AskTextWithDialog(QObject* window, QStringList& lines)
+{
+    CInputTextDlg dialog(&lines, qobject_cast<QWidget*>(window));
+    return dialog.DoModal();
 }

@@ -1,4 +1,4 @@
-#include "measure/CGraticuleDlg.h"
+#include "ui/CGraticuleDlg.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -92,26 +92,9 @@ void CGraticuleDlg::Detect()
 {
     const QRect region = m_chInsideRuler->isChecked() ? m_rulerBox : QRect();
     m_fit = DetectGraticule(m_picture, DivisionUm(), region);
-    m_lbResult->setText(ResultText(m_fit));
+    m_lbResult->setText(GraticuleResultText(m_fit));
     m_btAccept->setEnabled(m_fit.found);
     ShowPreview();
-}
-
-QString CGraticuleDlg::ResultText(const GraticuleFit& fit)
-{
-    if (!fit.found)
-        return fit.reason;
-    // Four decimals as the calibration keeps them, more when the uncertainty
-    // is smaller than that, so it always shows a significant digit.
-    int decimals = 4;
-    while (decimals < 8 && fit.perPixelU > 0 && fit.perPixelU < 0.95 * std::pow(10.0, -decimals))
-        ++decimals;
-    return tr("1 px = %1 µm ± %2")
-               .arg(QString::number(fit.perPixel, 'f', decimals),
-                   QString::number(fit.perPixelU, 'f', decimals))
-        + QStringLiteral("\n")
-        + tr("%n ticks, scale at %1°", nullptr, int(fit.ticks.size()))
-              .arg(QString::number(fit.angleDeg, 'f', 1));
 }
 
 QString CGraticuleDlg::ShownResult() const

@@ -1,15 +1,15 @@
-#include "measure/CMeasureColorDlg.h"
+#include "ui/CMeasureColorDlg.h"
 
 #include "WidgetLayout.h"
-#include "measure/CColorSelectComboBox.h"
 #include "measure/CGVLElemMgr.h"
-#include "measure/FakeMeasureDocument.h"
+#include "measure/MeasureTestSupport.h"
+#include "ui/CColorSelectComboBox.h"
+#include "ui/FakeMeasureDocument.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
-#include <QPaintEvent>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QTest>
@@ -41,16 +41,6 @@ void OnModal(const char* button, std::function<void(QWidget&)> act)
         act(*modal);
     });
 }
-
-// Counts the repaints the manager asks of its window.
-class RepaintSpy : public QWidget
-{
-public:
-    int paints = 0;
-
-protected:
-    void paintEvent(QPaintEvent*) override { ++paints; }
-};
 
 // The palette as the user meets it, in order: the colour's name and swatch.
 const std::pair<const char*, QColor> kPaletteSeen[]
@@ -96,10 +86,7 @@ TEST(CMeasureColorDlg, ShowsTheManagersValuesAndWritesThemBackOnOkOnly)
     EXPECT_EQ(mgr.m_color, (ColorRecord { 4, 3, 3, 4 })) << "Cancel changes nothing";
     EXPECT_EQ(mgr.m_nPrecision, 2);
 
-    RepaintSpy window;
-    window.resize(100, 100);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    MeasureTest::WindowSpy window;
     mgr.m_hWnd = &window;
     mgr.m_color = ColorRecord { 5, 2, 6, 7 };
     mgr.m_nPrecision = 3;
@@ -123,14 +110,12 @@ TEST(CMeasureColorDlg, ShowsTheManagersValuesAndWritesThemBackOnOkOnly)
         List(dialog, "fontSize")->setCurrentIndex(2);
         List(dialog, "fontBackground")->setCurrentIndex(1);
     });
-    window.paints = 0;
     EXPECT_TRUE(CMeasureColorDlg::Edit(mgr));
     EXPECT_EQ(mgr.m_color, (ColorRecord { 5, 1, 4, 0 }));
     EXPECT_EQ(mgr.m_nPrecision, 5);
     EXPECT_EQ(mgr.m_nFontSize, 3);
     EXPECT_EQ(mgr.m_nFontBackground, 2);
-    QTest::qWait(20);
-    EXPECT_GT(window.paints, 0) << "the overlay repaints";
+    EXPECT_EQ(window.wholeRequests, 1) << "the overlay repaints";
 }
 
 TEST(CMeasureColorDlg, ValuesOutsideTheListsSurviveOk)

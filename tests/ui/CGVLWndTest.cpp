@@ -1,12 +1,24 @@
-#include "measure/CGVLWnd.h"
+#include "ui/CGVLWnd.h"
 
 #include "FakeMeasureDocument.h"
-#include "MeasureTestSupport.h"
+#include "measure/CGVLAnoText.h"
+#include "measure/MeasureTestSupport.h"
+#include "measure/WindowCalls.h"
 
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
 #include <QImage>
+#include <QPaintEvent>
+#include <QPlainTextEdit>
+#include <QPointer>
 #include <QTest>
+#include <QTimer>
 
+#include <functional>
 #include <gtest/gtest.h>
+#include <optional>
+#include <thread>
 
 using namespace MeasureTest;
 
@@ -112,7 +124,7 @@ TEST_F(WndFixture, FinishedGesturesAreUndoStepsAndClicksThatChangeNothingAreNot)
             t.push_back(shape->GetType());
         return t;
     };
-    doc.mgr.m_fnTextInput = [](QWidget*, QStringList& lines) {
+    doc.mgr.m_fnTextInput = [](QObject*, QStringList& lines) {
         lines = QStringList { "note" };
         return true;
     };
@@ -226,4 +238,86 @@ TEST_F(WndFixture, PaintsThePictureAtTheZoomWithTheElementsOverOrGrayWhenThereIs
     EXPECT_FALSE(gray()) << "mode 2 paints a paused frame of the live document";
     doc.displayMode = 0;
     EXPECT_TRUE(gray());
+}
+
+// The engine's repaint requests reach the window as its own repaints, of the
+// area asked for, also when another thread (the overlay worker) asked.
+TEST_F(WndFixture, RepaintsWhatTheEngineAsksForFromAnyThread)
+{
+    struct PaintSpy : QObject
+    {
+        QRegion painted;
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            if (event->type() == QEvent::Paint)
+                painted += static_cast<QPaintEvent*>(event)->region();
+            return false;
+        }
+    } spy;
+    Wnd()->installEventFilter(&spy);
+    const auto paintedAfter = [&](bool otherThread, const std::function<void()>& ask) {
+        QTest::qWait(50);
+        spy.painted = QRegion();
+        if (otherThread)
+            std::thread(ask).join();
+        else
+            ask();
+        QElapsedTimer timer;
+        timer.start();
+        while (spy.painted.isEmpty() && timer.elapsed() < 5000)
+            QTest::qWait(10);
+        return spy.painted.boundingRect();
+    };
+    const QRect area(10, 20, 30, 40);
+    EXPECT_EQ(paintedAfter(false, [&] { InvalidateWindow(Wnd(), area); }), area);
+    EXPECT_EQ(paintedAfter(true, [&] { InvalidateWindow(Wnd(), area); }), area);
+    EXPECT_EQ(paintedAfter(true, [&] { InvalidateWindow(Wnd()); }), Wnd()->rect());
+}
+
+// Attached, a text press asks for the text with the dialog over the window;
+// detached, nothing asks and the press is cancelled.
+TEST_F(WndFixture, AttachedTextPressesAskWithTheDialogAndDetachedOnesAreCancelled)
+{
+    ASSERT_EQ(doc.mgr.m_hWnd, Wnd());
+    // The dialog is gone once the press returns: what it was is kept here.
+    struct Shown
+    {
+        QString title;
+        QWidget* parent = nullptr;
+    };
+    std::optional<Shown> shown;
+    // Types the text into whatever dialog shows.
+    const auto answer = [&](const QString& text) {
+        QTimer::singleShot(0, [&, text] {
+            QPointer<QDialog> dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (!dialog)
+                return;
+            shown = Shown { dialog->windowTitle(), dialog->parentWidget() };
+            if (auto* edit = dialog->findChild<QPlainTextEdit*>()) {
+                QTest::keyClicks(edit, text);
+                QTest::keyClick(edit, Qt::Key_Return);
+            }
+            if (dialog && dialog->isVisible())
+                dialog->reject();
+        });
+    };
+    doc.tool = CGVLShape::kToolText;
+    answer(QStringLiteral("note"));
+    Press({ 200, 100 });
+    Release({ 200, 100 });
+    ASSERT_TRUE(shown) << "the dialog showed";
+    EXPECT_EQ(shown->title, "Input Text");
+    EXPECT_EQ(shown->parent, Wnd());
+    ASSERT_EQ(doc.mgr.m_arShape.size(), 2u);
+    ASSERT_EQ(doc.mgr.m_arShape[1]->GetType(), 14);
+    EXPECT_EQ(static_cast<CGVLAnoText&>(*doc.mgr.m_arShape[1]).m_arText, QStringList { "note" });
+
+    Wnd()->DetachFromManager();
+    EXPECT_EQ(doc.mgr.m_hWnd, nullptr);
+    shown.reset();
+    answer(QStringLiteral("late"));
+    doc.mgr.OnLButtonDown(1, { 300, 100 }, CGVLShape::kToolText);
+    QTest::qWait(20);
+    EXPECT_FALSE(shown) << "no dialog without a window";
+    EXPECT_EQ(doc.mgr.m_arShape.size(), 2u) << "the press is cancelled";
 }

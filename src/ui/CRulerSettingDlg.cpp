@@ -1,18 +1,17 @@
-#include "measure/CRulerSettingDlg.h"
+#include "ui/CRulerSettingDlg.h"
 
 #include "calibration/GraticuleDetector.h"
 #include "calibration/MeasureTables.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLRuler.h"
-#include "measure/CGVLWnd.h"
-#include "measure/CGraticuleDlg.h"
 #include "measure/CShapeHistory.h"
-#include "measure/IMeasureDocument.h"
 #include "measure/WindowCalls.h"
 #include "platform/AppPaths.h"
-#include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
 #include "platform/NumberText.h"
+#include "ui/CGVLWnd.h"
+#include "ui/CGraticuleDlg.h"
+#include "ui/IMeasureDocument.h"
 
 #include <QComboBox>
 #include <QCoreApplication>
@@ -363,7 +362,6 @@ void CRulerSettingDlg::Recompute()
         m_data.m_nYEnd = a.y();
         m_data.m_nYLenth = SvrFile::WrapSub(a.y(), b.y());
     }
-    qCDebug(lcCalibration, "%d", m_data.m_nXLenth);
     m_data.m_strXPerPixel = PerPixelText(NumberText::LeadingReal(m_data.m_strXReal), m_data.m_nXLenth);
     m_data.m_strYPerPixel = PerPixelText(NumberText::LeadingReal(m_data.m_strYReal), m_data.m_nYLenth);
     UpdateData(false);

@@ -1,10 +1,10 @@
 // "Detect from micrometer" in the calibration dialog: from the document's
 // picture to the calibration record and a ruler data file.
 #include "calibration/SvrFile.h"
-#include "measure/CGraticuleDlg.h"
-#include "measure/FakeMeasureDocument.h"
-#include "measure/GraticulePicture.h"
 #include "platform/MessageBox.h"
+#include "ui/CGraticuleDlg.h"
+#include "ui/FakeMeasureDocument.h"
+#include "ui/GraticulePicture.h"
 
 #include <QPushButton>
 #include <QTemporaryDir>
