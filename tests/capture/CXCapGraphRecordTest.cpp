@@ -83,7 +83,7 @@ TEST_F(Recording, PlaysWithSizeCodecAndFramesOfItsDurationAndCarriesTheShapes)
 
     CGVLElemMgr mgr;
     mgr.m_color.m_ctRuler = 2; // red strokes
-    mgr.CreateShape(9); // element 0 is the calibration ruler, hidden
+    mgr.CreateShape(ShapeType::Ruler); // element 0 is the calibration ruler, hidden
     mgr.OnLButtonDown(1, { 40, 60 }, 2);
     mgr.OnMouseMove(1, { 160, 60 }, 2);
     mgr.OnMouseMove(1, { 280, 60 }, 2);

@@ -17,6 +17,8 @@ deb=$(ls "$work"/pkg/*.deb)
 echo "package: $(basename "$deb")"
 dpkg-deb --field "$deb" Package Version Depends | sed 's/^/  /'
 dpkg-deb --field "$deb" Depends | grep -q 'libqt6widgets6' || fail "no shared-library dependencies"
+# The engine's development files are a component of their own, not the program's.
+! dpkg-deb --contents "$deb" | grep -E '/include/|\.a$|/cmake/' || fail "development files in the package"
 
 root=$work/root
 dpkg -x "$deb" "$root"

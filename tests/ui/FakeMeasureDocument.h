@@ -65,7 +65,7 @@ struct FakeView
         view.resize(size);
         wnd->setGeometry(QRect(QPoint(0, 0), size));
         wnd->AttachToManager();
-        doc.mgr.CreateShape(9);
+        doc.mgr.CreateShape(ShapeType::Ruler);
         // As the document does once its view stands: undo stops at the ruler.
         doc.history.Reset();
     }
