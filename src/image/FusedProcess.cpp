@@ -112,6 +112,7 @@ Plan MakePlan(const ProcessSwitches& s)
     for (const ProcessOperation& op : kProcessOperations) {
         if (!(s.*op.on))
             continue;
+        Q_ASSERT(op.reversesRows || op.band);
         if (op.reversesRows)
             plan.reversed = true;
         else

@@ -207,9 +207,9 @@ constexpr bool Consistent()
     for (int i = 0; i < kProcessOpCount; ++i) {
         const ProcessOperation& row = kProcessOperations[i];
         const bool pixelwise = row.rowsAbove == 0 && row.rowsBelow == 0 && !row.geometric;
-        if (int(row.op) != i || !row.name || !row.on || !row.label || !row.still)
-            return false;
-        if ((row.band == nullptr) != row.reversesRows || (row.reversesRows && i != 0))
+        // Kernels cannot be checked here: sanitizer builds do not fold a
+        // function's address; the sweep asserts the band kernel instead.
+        if (int(row.op) != i || !row.name || !row.on || !row.label || (row.reversesRows && i != 0))
             return false;
         if ((row.mapsGray || row.makesGray) && !pixelwise)
             return false;
@@ -225,5 +225,5 @@ constexpr bool Consistent()
 } // namespace ProcessTableChecks
 
 static_assert(ProcessTableChecks::Consistent(),
-    "each row in ProcessOp order, with its name, switch, label and kernels; only the first reverses rows; "
+    "each row in ProcessOp order, with its name, switch and label; only the first reverses rows; "
     "the gray shortcuts only for operations on single pixels; several parameters need a group");
