@@ -116,8 +116,8 @@ public:
     void ToggleCalibration();
     void ToggleSolidCrossLine();
     void ToggleDashedCrossLine();
-    void ToggleFlip();
-    void ToggleMirror();
+    // An operation without parameters on or off (see ProcessOperations.h).
+    void ToggleOperation(ProcessOp op);
     void ToggleProcessEnable();
     // on/off with the dialog's slider position; the level used is 255 - slider.
     void SetBinary(bool on, int slider);
@@ -183,7 +183,7 @@ private:
     void WriteSettings() const;
     void MapCommands();
     void MapTool(int id, int tool);
-    void MapToggle(int id, bool ProcessSwitches::*flag, int (CXCapGraph::*apply)(int));
+    void MapToggle(int id, ProcessOp op);
     void UpdateTool(CCmdUI& ui, int tool) const;
     void UpdateCameraCommand(CCmdUI& ui, bool needsRunning) const;
     void DeleteAll();

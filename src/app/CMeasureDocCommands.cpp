@@ -4,6 +4,7 @@
 #include "app/CommandTable.h"
 #include "app/IDocumentHost.h"
 #include "image/ProcessChain.h"
+#include "image/ProcessOperations.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CShapeHistory.h"
 #include "platform/MessageBox.h"
@@ -67,18 +68,12 @@ void CMeasureDoc::MapTool(int id, int tool)
     MapUpdate(id, [this, tool](CCmdUI& ui) { UpdateTool(ui, tool); });
 }
 
-void CMeasureDoc::MapToggle(int id, bool ProcessSwitches::*flag, int (CXCapGraph::*apply)(int))
+void CMeasureDoc::MapToggle(int id, ProcessOp op)
 {
-    MapCommand(id, [this, flag, apply] {
-        m_switches.*flag = !(m_switches.*flag);
-        if (m_bLive)
-            (m_graph.*apply)(m_switches.*flag ? 1 : 0);
-        else
-            ReapplyPicture();
-    });
-    MapUpdate(id, [this, flag](CCmdUI& ui) {
+    MapCommand(id, [this, op] { ToggleOperation(op); });
+    MapUpdate(id, [this, op](CCmdUI& ui) {
         ui.Enable(m_bLive || m_image.IsValidImage());
-        ui.SetCheck(m_switches.*flag);
+        ui.SetCheck(m_switches.*Operation(op).on);
     });
 }
 
@@ -115,20 +110,11 @@ void CMeasureDoc::MapCommands()
         ui.SetCheck(m_bCrossDashed);
     });
 
-    MapCommand(ID_PROCESS_FLIP, [this] { ToggleFlip(); });
-    MapUpdate(ID_PROCESS_FLIP, [this](CCmdUI& ui) {
-        ui.Enable(m_bLive || m_image.IsValidImage());
-        ui.SetCheck(m_switches.flip);
-    });
-    MapCommand(ID_PROCESS_MIRROR, [this] { ToggleMirror(); });
-    MapUpdate(ID_PROCESS_MIRROR, [this](CCmdUI& ui) {
-        ui.Enable(m_bLive || m_image.IsValidImage());
-        ui.SetCheck(m_switches.mirror);
-    });
-    MapToggle(ID_PROCESS_GRAY, &ProcessSwitches::gray, &CXCapGraph::SetGray);
-    MapToggle(ID_PROCESS_NEGATIVE, &ProcessSwitches::negative, &CXCapGraph::SetNegative);
-    MapToggle(ID_PROCESS_EMBOSS, &ProcessSwitches::emboss, &CXCapGraph::SetEmboss);
-    MapToggle(ID_PROCESS_SHARPEN, &ProcessSwitches::sharpen, &CXCapGraph::SetSharpen);
+    // Operations with parameters have dialogs of their own: binary here, RGB
+    // with the capture dialogs.
+    for (const ProcessCommand& command : ProcessCommands())
+        if (Operation(command.op).parameters.empty())
+            MapToggle(command.id, command.op);
     MapCommand(ID_PROCESS_BINARY, [this] { OnBinaryCommand(); });
     MapUpdate(ID_PROCESS_BINARY, [this](CCmdUI& ui) { ui.Enable(m_bLive || m_image.IsValidImage()); });
     MapCommand(ID_PROCESS_ENABLE, [this] { ToggleProcessEnable(); });
@@ -236,20 +222,12 @@ void CMeasureDoc::ToggleDashedCrossLine()
     RepaintOverlayWindow();
 }
 
-void CMeasureDoc::ToggleFlip()
+void CMeasureDoc::ToggleOperation(ProcessOp op)
 {
-    m_switches.flip = !m_switches.flip;
+    bool& on = m_switches.*Operation(op).on;
+    on = !on;
     if (m_bLive)
-        m_graph.SetFlipVertical(m_switches.flip ? 1 : 0);
-    else
-        ReapplyPicture();
-}
-
-void CMeasureDoc::ToggleMirror()
-{
-    m_switches.mirror = !m_switches.mirror;
-    if (m_bLive)
-        m_graph.SetFlipHorizontal(m_switches.mirror ? 1 : 0);
+        m_graph.SetOperation(op, m_switches);
     else
         ReapplyPicture();
 }

@@ -1,6 +1,7 @@
 #include "app/CMeasureDoc.h"
 #include "app/IDocumentHost.h"
 #include "capture/CChooseDeviceDlg.h"
+#include "image/ProcessOperations.h"
 #include "measure/CGVLElemMgr.h"
 #include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
@@ -84,38 +85,20 @@ void CMeasureDoc::StopLive()
     m_overlay.Release();
 }
 
-// The flips are pushed before they are read, so the document's survive a
-// rebuild; every other switch comes from the processing element.
+// The operations that turn the picture over are pushed before they are read,
+// so the document's survive a rebuild; every other switch comes from the
+// processing element.
 void CMeasureDoc::ReadBackState()
 {
-    int on = 0, level = 0, a = 0, b = 0, c = 0;
+    int on = 0, a = 0, b = 0;
     if (m_graph.GetProcessEnable(&on) == S_OK)
         m_bProcessEnabled = on != 0;
-    m_graph.SetFlipVertical(m_switches.flip ? 1 : 0);
-    if (m_graph.GetFlipVertical(&on) == S_OK)
-        m_switches.flip = on != 0;
-    m_graph.SetFlipHorizontal(m_switches.mirror ? 1 : 0);
-    if (m_graph.GetFlipHorizontal(&on) == S_OK)
-        m_switches.mirror = on != 0;
-    if (m_graph.GetGray(&on) == S_OK)
-        m_switches.gray = on != 0;
-    if (m_graph.GetNegative(&on) == S_OK)
-        m_switches.negative = on != 0;
-    if (m_graph.GetEmboss(&on) == S_OK)
-        m_switches.emboss = on != 0;
-    if (m_graph.GetSharpen(&on) == S_OK)
-        m_switches.sharpen = on != 0;
+    for (const ProcessOperation& op : kProcessOperations) {
+        if (op.geometric)
+            m_graph.SetOperation(op.op, m_switches);
+        m_graph.GetOperation(op.op, &m_switches);
+    }
     m_graph.GetStateA(&a, &b);
-    if (m_graph.GetBinary(&on, &level) == S_OK) {
-        m_switches.binary = on != 0;
-        m_switches.binaryLevel = level;
-    }
-    if (m_graph.GetRgbGain(&on, &a, &b, &c) == S_OK) {
-        m_switches.rgb = on != 0;
-        m_switches.red = a;
-        m_switches.green = b;
-        m_switches.blue = c;
-    }
     m_graph.GetStateB(&a);
 }
 

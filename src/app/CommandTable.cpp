@@ -1,5 +1,7 @@
 #include "app/CommandTable.h"
 
+#include "image/ProcessOperations.h"
+
 #include <QCoreApplication>
 
 #include <algorithm>
@@ -124,9 +126,56 @@ constexpr std::array kMeasureMenu { ID_MEASURE_MOVE, S, ID_MEASURE_LINE, ID_MEAS
     ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S, ID_MEASURE_ARROW,
     ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_MEASURE_SNAP_EDGES, S,
     ID_MEASURE_CALIBRATION, ID_MEASURE_SETTING, ID_MEASURE_EXPORT };
-constexpr std::array kProcessMenu { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_PROCESS_FLIP, S,
-    ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY,
-    ID_PROCESS_RGB };
+
+// The processing operations' commands in menu and toolbar order. The layouts
+// start a group, after a separator, wherever the list passes from operations
+// that turn the picture over to those that change pixels, or back.
+constexpr ProcessCommand kProcessCommands[] = {
+    { ID_PROCESS_MIRROR, ProcessOp::Mirror },
+    { ID_PROCESS_FLIP, ProcessOp::Flip },
+    { ID_PROCESS_GRAY, ProcessOp::Gray },
+    { ID_PROCESS_NEGATIVE, ProcessOp::Negative },
+    { ID_PROCESS_EMBOSS, ProcessOp::Emboss },
+    { ID_PROCESS_SHARPEN, ProcessOp::Sharpen },
+    { ID_PROCESS_BINARY, ProcessOp::Binary },
+    { ID_PROCESS_RGB, ProcessOp::Rgb },
+};
+
+constexpr bool EveryOperationHasOneCommand()
+{
+    for (const ProcessOperation& op : kProcessOperations) {
+        int commands = 0;
+        for (const ProcessCommand& command : kProcessCommands)
+            commands += command.op == op.op;
+        if (commands != 1)
+            return false;
+    }
+    return std::size(kProcessCommands) == std::size(kProcessOperations);
+}
+static_assert(EveryOperationHasOneCommand(), "each processing operation needs its one command row");
+
+// Enable, then the operations in groups, then `tail`.
+template <std::size_t N> struct ProcessLayout
+{
+    std::array<int, 2 * std::size(kProcessCommands) + 1 + N> ids {};
+    std::size_t count = 0;
+
+    constexpr explicit ProcessLayout(const std::array<int, N>& tail)
+    {
+        ids[count++] = ID_PROCESS_ENABLE;
+        for (std::size_t i = 0; i < std::size(kProcessCommands); ++i) {
+            const bool geometric = Operation(kProcessCommands[i].op).geometric;
+            if (i == 0 || geometric != Operation(kProcessCommands[i - 1].op).geometric)
+                ids[count++] = S;
+            ids[count++] = kProcessCommands[i].id;
+        }
+        for (int id : tail)
+            ids[count++] = id;
+    }
+    constexpr std::span<const int> Ids() const { return { ids.data(), count }; }
+};
+
+constexpr ProcessLayout kProcessMenu(std::array<int, 0> {});
 constexpr std::array kVideoMenu { ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES,
     ID_VIDEO_ADJUST };
 constexpr std::array kWindowMenu { ID_WINDOW_CASCADE, ID_WINDOW_TILE_HORZ, ID_WINDOW_TILE_VERT };
@@ -140,7 +189,7 @@ const MenuInfo kMenus[] = {
     { MENU("&Edit"), kEditMenu, false },
     { MENU("&View"), kViewMenu, false },
     { MENU("&Measure"), kMeasureMenu, false },
-    { MENU("&Process"), kProcessMenu, false },
+    { MENU("&Process"), kProcessMenu.Ids(), false },
     { MENU("V&ideo"), kVideoMenu, false },
     { MENU("&Window"), kWindowMenu, true },
     { MENU("&Language"), kLanguageMenu, false },
@@ -155,9 +204,7 @@ constexpr std::array kMeasureBar { ID_MEASURE_MOVE, S, ID_MEASURE_POINT, ID_MEAS
     ID_MEASURE_ARROW, ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_VIEW_CROSSLINE,
     ID_VIEW_DASHED_CROSSLINE, S, ID_MEASURE_SNAP_EDGES, S, ID_MEASURE_CALIBRATION, ID_MEASURE_SETTING,
     ID_MEASURE_EXPORT };
-constexpr std::array kProcessBar { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_PROCESS_FLIP, S,
-    ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY,
-    ID_PROCESS_RGB, S, ID_PROCESS_PROPERTIES };
+constexpr ProcessLayout kProcessBar(std::array { S, ID_PROCESS_PROPERTIES });
 
 #define BAR(text) QT_TRANSLATE_NOOP("ToolBar", text)
 
@@ -166,7 +213,7 @@ constexpr std::array kPrintHelpBar { ID_FILE_PRINT_PREVIEW, S, ID_HELP_CONTENT }
 const ToolBarInfo kToolBars[] = {
     { ID_VIEW_TOOLBAR, "StandardBar", BAR("Standard"), kStandardBar },
     { ID_VIEW_MEASUREBAR, "MeasureBar", BAR("Measure"), kMeasureBar },
-    { ID_VIEW_PROCESSBAR, "ProcessBar", BAR("Process"), kProcessBar },
+    { ID_VIEW_PROCESSBAR, "ProcessBar", BAR("Process"), kProcessBar.Ids() },
     { ID_VIEW_PRINTHELPBAR, "PrintHelpBar", BAR("Print and Help"), kPrintHelpBar },
 };
 
@@ -183,6 +230,11 @@ QString Translate(const char* text)
 std::span<const CommandInfo> Commands()
 {
     return kCommands;
+}
+
+std::span<const ProcessCommand> ProcessCommands()
+{
+    return kProcessCommands;
 }
 
 const CommandInfo* FindCommand(int id)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "image/ProcessSwitches.h"
 #include "measure/ShapeKinds.h"
 
 #include <QString>
@@ -125,7 +126,16 @@ struct ToolBarInfo
     std::span<const int> ids; // ID_ZOOM stands for the zoom box
 };
 
+// The command of a processing operation (see image/ProcessOperations.h).
+struct ProcessCommand
+{
+    int id;
+    ProcessOp op;
+};
+
 std::span<const CommandInfo> Commands();
+// In the order of the process menu and bar.
+std::span<const ProcessCommand> ProcessCommands();
 const CommandInfo* FindCommand(int id);
 std::span<const MenuInfo> Menus();
 std::span<const ToolBarInfo> ToolBars();

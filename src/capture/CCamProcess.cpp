@@ -2,18 +2,10 @@
 
 #include "capture/HResult.h"
 #include "image/ImageProcess.h"
+#include "image/ProcessOperations.h"
 
 #include <cstring>
 #include <thread>
-
-namespace {
-
-int Flag(int on)
-{
-    return on ? 1 : 0;
-}
-
-} // namespace
 
 template <typename Fn> int CCamProcess::Update(Fn&& fn)
 {
@@ -33,52 +25,9 @@ int CCamProcess::SetProcessEnable(int on)
     return Update([on](State& s) { s.enable = on != 0; });
 }
 
-int CCamProcess::SetFlipVertical(int on)
+int CCamProcess::SetOperation(ProcessOp op, const ProcessSwitches& values)
 {
-    return Update([on](State& s) { s.switches.flip = on != 0; });
-}
-
-int CCamProcess::SetFlipHorizontal(int on)
-{
-    return Update([on](State& s) { s.switches.mirror = on != 0; });
-}
-
-int CCamProcess::SetGray(int on)
-{
-    return Update([on](State& s) { s.switches.gray = on != 0; });
-}
-
-int CCamProcess::SetNegative(int on)
-{
-    return Update([on](State& s) { s.switches.negative = on != 0; });
-}
-
-int CCamProcess::SetBinary(int on, int level)
-{
-    return Update([on, level](State& s) {
-        s.switches.binary = on != 0;
-        s.switches.binaryLevel = level;
-    });
-}
-
-int CCamProcess::SetEmboss(int on)
-{
-    return Update([on](State& s) { s.switches.emboss = on != 0; });
-}
-
-int CCamProcess::SetSharpen(int on)
-{
-    return Update([on](State& s) { s.switches.sharpen = on != 0; });
-}
-
-int CCamProcess::SetRgbGain(int on, int red, int green, int blue)
-{
-    return Update([=](State& s) {
-        s.switches.rgb = on != 0;
-        s.switches.red = red;
-        s.switches.green = green;
-        s.switches.blue = blue;
-    });
+    return Update([op, &values](State& s) { CopyOperation(op, values, s.switches); });
 }
 
 int CCamProcess::SetOverlay(int on, uchar* const* overlayPointer)
@@ -108,65 +57,15 @@ int CCamProcess::GetProcessEnable(int* on)
 {
     if (!on)
         return E_POINTER;
-    *on = Flag(Snapshot().enable);
+    *on = Snapshot().enable ? 1 : 0;
     return S_OK;
 }
 
-int CCamProcess::GetFlipVertical(int* on)
+int CCamProcess::GetOperation(ProcessOp op, ProcessSwitches* values)
 {
-    if (!on)
+    if (!values)
         return E_POINTER;
-    *on = Flag(Snapshot().switches.flip);
-    return S_OK;
-}
-
-int CCamProcess::GetFlipHorizontal(int* on)
-{
-    if (!on)
-        return E_POINTER;
-    *on = Flag(Snapshot().switches.mirror);
-    return S_OK;
-}
-
-int CCamProcess::GetGray(int* on)
-{
-    if (!on)
-        return E_POINTER;
-    *on = Flag(Snapshot().switches.gray);
-    return S_OK;
-}
-
-int CCamProcess::GetNegative(int* on)
-{
-    if (!on)
-        return E_POINTER;
-    *on = Flag(Snapshot().switches.negative);
-    return S_OK;
-}
-
-int CCamProcess::GetBinary(int* on, int* level)
-{
-    if (!on || !level)
-        return E_POINTER;
-    const State s = Snapshot();
-    *on = Flag(s.switches.binary);
-    *level = s.switches.binaryLevel;
-    return S_OK;
-}
-
-int CCamProcess::GetEmboss(int* on)
-{
-    if (!on)
-        return E_POINTER;
-    *on = Flag(Snapshot().switches.emboss);
-    return S_OK;
-}
-
-int CCamProcess::GetSharpen(int* on)
-{
-    if (!on)
-        return E_POINTER;
-    *on = Flag(Snapshot().switches.sharpen);
+    CopyOperation(op, Snapshot().switches, *values);
     return S_OK;
 }
 
@@ -176,18 +75,6 @@ int CCamProcess::GetStateA(int* width, int* height)
         return E_POINTER;
     *width = m_lastWidth;
     *height = m_lastHeight;
-    return S_OK;
-}
-
-int CCamProcess::GetRgbGain(int* on, int* red, int* green, int* blue)
-{
-    if (!on || !red || !green || !blue)
-        return E_POINTER;
-    const State s = Snapshot();
-    *on = Flag(s.switches.rgb);
-    *red = s.switches.red;
-    *green = s.switches.green;
-    *blue = s.switches.blue;
     return S_OK;
 }
 

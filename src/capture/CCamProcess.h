@@ -31,27 +31,13 @@ public:
     CCamProcess& operator=(const CCamProcess&) = delete;
 
     int SetProcessEnable(int on) override;
-    int SetFlipVertical(int on) override;
-    int SetFlipHorizontal(int on) override;
-    int SetGray(int on) override;
-    int SetNegative(int on) override;
-    int SetBinary(int on, int level) override;
-    int SetEmboss(int on) override;
-    int SetSharpen(int on) override;
-    int SetRgbGain(int on, int red, int green, int blue) override;
+    int SetOperation(ProcessOp op, const ProcessSwitches& values) override;
     // Returns once no frame reads through the previous pointer any more.
     int SetOverlay(int on, uchar* const* overlayPointer) override;
 
     int GetProcessEnable(int* on) override;
-    int GetFlipVertical(int* on) override;
-    int GetFlipHorizontal(int* on) override;
-    int GetGray(int* on) override;
-    int GetNegative(int* on) override;
-    int GetBinary(int* on, int* level) override;
-    int GetEmboss(int* on) override;
-    int GetSharpen(int* on) override;
+    int GetOperation(ProcessOp op, ProcessSwitches* values) override;
     int GetStateA(int* width, int* height) override;
-    int GetRgbGain(int* on, int* red, int* green, int* blue) override;
     int GetStateB(int* frames) override;
 
     // The size the overlay buffers were made for; frames of another size are

@@ -1,6 +1,7 @@
 #include "capture/CProcessPropertiesDlg.h"
 
 #include "capture/ICamProcess.h"
+#include "image/ProcessOperations.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -11,10 +12,9 @@
 #include <QSlider>
 #include <QVBoxLayout>
 
-namespace {
+#include <algorithm>
 
-// Gains as the RGB dialog keeps them.
-constexpr int kMaxGain = 63;
+namespace {
 
 QSlider* MakeSlider(int maximum, QWidget* parent)
 {
@@ -49,33 +49,38 @@ CProcessPropertiesDlg::CProcessPropertiesDlg(ICamProcess* process, QWidget* pare
     m_enable = new QCheckBox(tr("&Enable realtime process"), this);
     layout->addWidget(m_enable);
 
+    // Operations with at most one parameter share one group, in chain order;
+    // one with several gets a group of its own after it.
     auto* switches = new QGroupBox(tr("Processing"), this);
     auto* form = new QFormLayout(switches);
-    m_flip = new QCheckBox(tr("Flip &Vertical"), switches);
-    m_mirror = new QCheckBox(tr("Flip &Horizontal"), switches);
-    m_gray = new QCheckBox(tr("&Gray"), switches);
-    m_negative = new QCheckBox(tr("&Negative"), switches);
-    m_binary = new QCheckBox(tr("&Binary"), switches);
-    m_level = MakeSlider(255, switches);
-    m_emboss = new QCheckBox(tr("&Emboss"), switches);
-    m_sharpen = new QCheckBox(tr("&Sharpen"), switches);
-    for (QCheckBox* box : { m_flip, m_mirror, m_gray, m_negative })
-        form->addRow(box);
-    form->addRow(m_binary, WithValue(m_level, switches));
-    form->addRow(m_emboss);
-    form->addRow(m_sharpen);
+    for (const ProcessOperation& op : kProcessOperations) {
+        if (op.parameters.size() > 1)
+            continue;
+        QCheckBox* box = m_boxes[std::size_t(op.op)] = new QCheckBox(tr(op.label), switches);
+        if (op.parameters.empty()) {
+            form->addRow(box);
+            continue;
+        }
+        QSlider* slider = MakeSlider(op.parameters[0].sliderMax, switches);
+        m_sliders[std::size_t(op.op)].push_back(slider);
+        form->addRow(box, WithValue(slider, switches));
+    }
     layout->addWidget(switches);
 
-    auto* gains = new QGroupBox(tr("RGB gain"), this);
-    auto* gainForm = new QFormLayout(gains);
-    m_rgb = new QCheckBox(tr("&Apply the gains"), gains);
-    gainForm->addRow(m_rgb);
-    const QString names[3] = { tr("Red:"), tr("Green:"), tr("Blue:") };
-    for (int c = 0; c < 3; ++c) {
-        m_gain[c] = MakeSlider(kMaxGain, gains);
-        gainForm->addRow(names[c], WithValue(m_gain[c], gains));
+    for (const ProcessOperation& op : kProcessOperations) {
+        if (op.parameters.size() <= 1)
+            continue;
+        auto* group = new QGroupBox(tr(op.group), this);
+        auto* groupForm = new QFormLayout(group);
+        QCheckBox* box = m_boxes[std::size_t(op.op)] = new QCheckBox(tr(op.label), group);
+        groupForm->addRow(box);
+        for (const ProcessParameter& parameter : op.parameters) {
+            QSlider* slider = MakeSlider(parameter.sliderMax, group);
+            m_sliders[std::size_t(op.op)].push_back(slider);
+            groupForm->addRow(tr(parameter.label), WithValue(slider, group));
+        }
+        layout->addWidget(group);
     }
-    layout->addWidget(gains);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -84,58 +89,43 @@ CProcessPropertiesDlg::CProcessPropertiesDlg(ICamProcess* process, QWidget* pare
     Load();
 
     connect(m_enable, &QCheckBox::toggled, this, [this](bool on) { m_process->SetProcessEnable(on); });
-    connect(m_flip, &QCheckBox::toggled, this, [this](bool on) { m_process->SetFlipVertical(on); });
-    connect(m_mirror, &QCheckBox::toggled, this, [this](bool on) { m_process->SetFlipHorizontal(on); });
-    connect(m_gray, &QCheckBox::toggled, this, [this](bool on) { m_process->SetGray(on); });
-    connect(m_negative, &QCheckBox::toggled, this, [this](bool on) { m_process->SetNegative(on); });
-    connect(m_binary, &QCheckBox::toggled, this, &CProcessPropertiesDlg::ApplyBinary);
-    connect(m_level, &QSlider::valueChanged, this, &CProcessPropertiesDlg::ApplyBinary);
-    connect(m_emboss, &QCheckBox::toggled, this, [this](bool on) { m_process->SetEmboss(on); });
-    connect(m_sharpen, &QCheckBox::toggled, this, [this](bool on) { m_process->SetSharpen(on); });
-    connect(m_rgb, &QCheckBox::toggled, this, &CProcessPropertiesDlg::ApplyRgb);
-    for (QSlider* s : m_gain)
-        connect(s, &QSlider::valueChanged, this, &CProcessPropertiesDlg::ApplyRgb);
+    for (const ProcessOperation& op : kProcessOperations) {
+        const ProcessOp id = op.op;
+        connect(Box(id), &QCheckBox::toggled, this, [this, id] { Apply(id); });
+        for (QSlider* slider : m_sliders[std::size_t(id)])
+            connect(slider, &QSlider::valueChanged, this, [this, id] { Apply(id); });
+    }
 }
 
 void CProcessPropertiesDlg::Load()
 {
     int on = 0;
-    int level = 128;
-    int r = 0, g = 0, b = 0;
-    auto set = [](QCheckBox* box, int value) {
-        const QSignalBlocker block(box);
-        box->setChecked(value != 0);
-    };
     m_process->GetProcessEnable(&on);
-    set(m_enable, on);
-    m_process->GetFlipVertical(&on);
-    set(m_flip, on);
-    m_process->GetFlipHorizontal(&on);
-    set(m_mirror, on);
-    m_process->GetGray(&on);
-    set(m_gray, on);
-    m_process->GetNegative(&on);
-    set(m_negative, on);
-    m_process->GetBinary(&on, &level);
-    set(m_binary, on);
-    m_level->setValue(std::clamp(level, 0, 255));
-    m_process->GetEmboss(&on);
-    set(m_emboss, on);
-    m_process->GetSharpen(&on);
-    set(m_sharpen, on);
-    m_process->GetRgbGain(&on, &r, &g, &b);
-    set(m_rgb, on);
-    const int values[3] = { r, g, b };
-    for (int c = 0; c < 3; ++c)
-        m_gain[c]->setValue(std::clamp(values[c], 0, kMaxGain));
+    {
+        const QSignalBlocker block(m_enable);
+        m_enable->setChecked(on != 0);
+    }
+    for (const ProcessOperation& op : kProcessOperations) {
+        ProcessSwitches values;
+        m_process->GetOperation(op.op, &values);
+        QCheckBox* box = Box(op.op);
+        {
+            const QSignalBlocker block(box);
+            box->setChecked(values.*op.on);
+        }
+        for (std::size_t k = 0; k < op.parameters.size(); ++k) {
+            QSlider* slider = m_sliders[std::size_t(op.op)][k];
+            slider->setValue(std::clamp(values.*op.parameters[k].value, 0, op.parameters[k].sliderMax));
+        }
+    }
 }
 
-void CProcessPropertiesDlg::ApplyBinary()
+void CProcessPropertiesDlg::Apply(ProcessOp op)
 {
-    m_process->SetBinary(m_binary->isChecked(), m_level->value());
-}
-
-void CProcessPropertiesDlg::ApplyRgb()
-{
-    m_process->SetRgbGain(m_rgb->isChecked(), m_gain[0]->value(), m_gain[1]->value(), m_gain[2]->value());
+    const ProcessOperation& row = Operation(op);
+    ProcessSwitches values;
+    values.*row.on = Box(op)->isChecked();
+    for (std::size_t k = 0; k < row.parameters.size(); ++k)
+        values.*row.parameters[k].value = m_sliders[std::size_t(op)][k]->value();
+    m_process->SetOperation(op, values);
 }

@@ -1,14 +1,19 @@
 #pragma once
 
+#include "image/ProcessSwitches.h"
+
 #include <QDialog>
+
+#include <array>
+#include <vector>
 
 class ICamProcess;
 class QCheckBox;
 class QSlider;
 
-// The processing bar's settings: every switch of the processing element,
-// applied as it changes: processing on/off, the flips, gray, negative, binary
-// with its level, emboss, sharpen, and the RGB gains.
+// The processing bar's settings: every switch of the processing element with
+// the parameters of its operation, applied as it changes. One check box for
+// each operation of ProcessOperations.h, with a slider for each parameter.
 class CProcessPropertiesDlg : public QDialog
 {
     Q_OBJECT
@@ -16,32 +21,26 @@ public:
     CProcessPropertiesDlg(ICamProcess* process, QWidget* parent = nullptr);
 
     QCheckBox* EnableBox() const { return m_enable; }
-    QCheckBox* FlipBox() const { return m_flip; }
-    QCheckBox* MirrorBox() const { return m_mirror; }
-    QCheckBox* GrayBox() const { return m_gray; }
-    QCheckBox* NegativeBox() const { return m_negative; }
-    QCheckBox* BinaryBox() const { return m_binary; }
-    QSlider* LevelSlider() const { return m_level; }
-    QCheckBox* EmbossBox() const { return m_emboss; }
-    QCheckBox* SharpenBox() const { return m_sharpen; }
-    QCheckBox* RgbBox() const { return m_rgb; }
-    QSlider* GainSlider(int channel) const { return m_gain[channel]; }
+    QCheckBox* Box(ProcessOp op) const { return m_boxes[std::size_t(op)]; }
+    QSlider* Slider(ProcessOp op, int parameter) const
+    {
+        return m_sliders[std::size_t(op)][std::size_t(parameter)];
+    }
+
+    QCheckBox* FlipBox() const { return Box(ProcessOp::Flip); }
+    QCheckBox* GrayBox() const { return Box(ProcessOp::Gray); }
+    QCheckBox* BinaryBox() const { return Box(ProcessOp::Binary); }
+    QSlider* LevelSlider() const { return Slider(ProcessOp::Binary, 0); }
+    QCheckBox* RgbBox() const { return Box(ProcessOp::Rgb); }
+    QSlider* GainSlider(int channel) const { return Slider(ProcessOp::Rgb, channel); }
 
 private:
     void Load();
-    void ApplyBinary();
-    void ApplyRgb();
+    // Hands the operation's box and sliders to the element.
+    void Apply(ProcessOp op);
 
     ICamProcess* m_process;
     QCheckBox* m_enable;
-    QCheckBox* m_flip;
-    QCheckBox* m_mirror;
-    QCheckBox* m_gray;
-    QCheckBox* m_negative;
-    QCheckBox* m_binary;
-    QSlider* m_level;
-    QCheckBox* m_emboss;
-    QCheckBox* m_sharpen;
-    QCheckBox* m_rgb;
-    QSlider* m_gain[3];
+    std::array<QCheckBox*, kProcessOpCount> m_boxes {};
+    std::array<std::vector<QSlider*>, kProcessOpCount> m_sliders;
 };

@@ -274,37 +274,9 @@ int CXCapGraph::SetProcessEnable(int on)
 {
     OCULIX_FORWARD(SetProcessEnable(on));
 }
-int CXCapGraph::SetFlipVertical(int on)
+int CXCapGraph::SetOperation(ProcessOp op, const ProcessSwitches& values)
 {
-    OCULIX_FORWARD(SetFlipVertical(on));
-}
-int CXCapGraph::SetFlipHorizontal(int on)
-{
-    OCULIX_FORWARD(SetFlipHorizontal(on));
-}
-int CXCapGraph::SetGray(int on)
-{
-    OCULIX_FORWARD(SetGray(on));
-}
-int CXCapGraph::SetNegative(int on)
-{
-    OCULIX_FORWARD(SetNegative(on));
-}
-int CXCapGraph::SetBinary(int on, int level)
-{
-    OCULIX_FORWARD(SetBinary(on, level));
-}
-int CXCapGraph::SetEmboss(int on)
-{
-    OCULIX_FORWARD(SetEmboss(on));
-}
-int CXCapGraph::SetSharpen(int on)
-{
-    OCULIX_FORWARD(SetSharpen(on));
-}
-int CXCapGraph::SetRgbGain(int on, int red, int green, int blue)
-{
-    OCULIX_FORWARD(SetRgbGain(on, red, green, blue));
+    OCULIX_FORWARD(SetOperation(op, values));
 }
 int CXCapGraph::SetOverlay(int on, uchar* const* overlayPointer)
 {
@@ -317,41 +289,13 @@ int CXCapGraph::GetProcessEnable(int* on)
 {
     OCULIX_FORWARD(GetProcessEnable(on));
 }
-int CXCapGraph::GetFlipVertical(int* on)
+int CXCapGraph::GetOperation(ProcessOp op, ProcessSwitches* values)
 {
-    OCULIX_FORWARD(GetFlipVertical(on));
-}
-int CXCapGraph::GetFlipHorizontal(int* on)
-{
-    OCULIX_FORWARD(GetFlipHorizontal(on));
-}
-int CXCapGraph::GetGray(int* on)
-{
-    OCULIX_FORWARD(GetGray(on));
-}
-int CXCapGraph::GetNegative(int* on)
-{
-    OCULIX_FORWARD(GetNegative(on));
-}
-int CXCapGraph::GetBinary(int* on, int* level)
-{
-    OCULIX_FORWARD(GetBinary(on, level));
-}
-int CXCapGraph::GetEmboss(int* on)
-{
-    OCULIX_FORWARD(GetEmboss(on));
-}
-int CXCapGraph::GetSharpen(int* on)
-{
-    OCULIX_FORWARD(GetSharpen(on));
+    OCULIX_FORWARD(GetOperation(op, values));
 }
 int CXCapGraph::GetStateA(int* width, int* height)
 {
     OCULIX_FORWARD(GetStateA(width, height));
-}
-int CXCapGraph::GetRgbGain(int* on, int* red, int* green, int* blue)
-{
-    OCULIX_FORWARD(GetRgbGain(on, red, green, blue));
 }
 int CXCapGraph::GetStateB(int* frames)
 {

@@ -2,6 +2,7 @@
 
 #include "capture/CaptureFormat.h"
 #include "capture/HResult.h"
+#include "capture/ICamProcess.h"
 
 #include <QImage>
 #include <QPointer>
@@ -21,7 +22,6 @@
 class CCamProcess;
 class CFrameMailbox;
 class CVideoWidget;
-class ICamProcess;
 class QObject;
 class QWidget;
 
@@ -43,7 +43,10 @@ class QWidget;
 // topologies), CXCapGraphStream.cpp (grabber, renderer samples, bus errors),
 // CXCapGraphWindow.cpp (video window, full screen, dialogs) and
 // CXCapGraphDevices.cpp (listing and binding cameras).
-class CXCapGraph
+//
+// As an ICamProcess it stands for the processing element: every call goes
+// to the element, E_FAIL while there is none.
+class CXCapGraph : public ICamProcess
 {
 public:
     static constexpr int kMaxDevices = 256;
@@ -106,29 +109,15 @@ public:
     void ReleaseAll();
 
     // The processing element's operations; E_FAIL while there is none.
-    int SetProcessEnable(int on);
-    int SetFlipVertical(int on);
-    int SetFlipHorizontal(int on);
-    int SetGray(int on);
-    int SetNegative(int on);
-    int SetBinary(int on, int level);
-    int SetEmboss(int on);
-    int SetSharpen(int on);
-    int SetRgbGain(int on, int red, int green, int blue);
+    int SetProcessEnable(int on) override;
+    int SetOperation(ProcessOp op, const ProcessSwitches& values) override;
     // overlayPointer: see CCamProcess for how the owner publishes buffers.
     // The overlay is expected at the current video size.
-    int SetOverlay(int on, uchar* const* overlayPointer);
-    int GetProcessEnable(int* on);
-    int GetFlipVertical(int* on);
-    int GetFlipHorizontal(int* on);
-    int GetGray(int* on);
-    int GetNegative(int* on);
-    int GetBinary(int* on, int* level);
-    int GetEmboss(int* on);
-    int GetSharpen(int* on);
-    int GetStateA(int* width, int* height);
-    int GetRgbGain(int* on, int* red, int* green, int* blue);
-    int GetStateB(int* frames);
+    int SetOverlay(int on, uchar* const* overlayPointer) override;
+    int GetProcessEnable(int* on) override;
+    int GetOperation(ProcessOp op, ProcessSwitches* values) override;
+    int GetStateA(int* width, int* height) override;
+    int GetStateB(int* frames) override;
     // Any thread: returns once no frame reads this overlay buffer.
     void WaitOverlayUnused(const uchar* buffer) const;
     // The frames as processed but without the overlay, kept while asked for

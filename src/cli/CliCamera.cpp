@@ -4,6 +4,7 @@
 #include "cli/CliInterrupt.h"
 #include "cli/CliOutput.h"
 #include "image/FCObjImage.h"
+#include "image/ProcessOperations.h"
 #include "platform/AppPaths.h"
 #include "platform/SettingsKeys.h"
 
@@ -162,14 +163,8 @@ void CliCamera::StartRecording(const QString& file, const ProcessSwitches& s)
     m_graph.SetProcessEnable(0);
     if (m_graph.RunGraph() != S_OK)
         ThrowFailure(QStringLiteral("camera \"%1\" could not be started").arg(DeviceName()));
-    m_graph.SetFlipVertical(s.flip);
-    m_graph.SetFlipHorizontal(s.mirror);
-    m_graph.SetGray(s.gray);
-    m_graph.SetNegative(s.negative);
-    m_graph.SetBinary(s.binary, s.binaryLevel);
-    m_graph.SetEmboss(s.emboss);
-    m_graph.SetSharpen(s.sharpen);
-    m_graph.SetRgbGain(s.rgb, s.red, s.green, s.blue);
+    for (const ProcessOperation& op : kProcessOperations)
+        m_graph.SetOperation(op.op, s);
     m_graph.SetProcessEnable(1);
 }
 

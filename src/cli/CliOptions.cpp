@@ -1,6 +1,7 @@
 #include "cli/CliOptions.h"
 
 #include "calibration/MeasureTables.h"
+#include "image/ProcessOperations.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -69,6 +70,31 @@ bool ParseInt(const QString& text, int low, int high, int* value)
     return true;
 }
 
+// The operation named, or null.
+const ProcessOperation* FindOperation(const QString& name)
+{
+    for (const ProcessOperation& op : kProcessOperations)
+        if (name == QLatin1String(op.name))
+            return &op;
+    return nullptr;
+}
+
+// The operations joined: with briefValues as in "binary=L", else as in
+// "binary=LEVEL (0-255)".
+QString OperationList(bool briefValues)
+{
+    QStringList names;
+    for (const ProcessOperation& op : kProcessOperations) {
+        QString name = QLatin1String(op.name);
+        if (!op.parameters.empty())
+            name += briefValues ? QStringLiteral("=%1").arg(QLatin1String(op.syntax.brief))
+                                : QStringLiteral("=%1 (%2)")
+                                      .arg(QLatin1String(op.syntax.full), QLatin1String(op.syntax.range));
+        names << name;
+    }
+    return names.join(QStringLiteral(", "));
+}
+
 } // namespace
 
 bool ParseProcessSpec(const QString& text, ProcessSwitches* switches, QString* error)
@@ -80,47 +106,35 @@ bool ParseProcessSpec(const QString& text, ProcessSwitches* switches, QString* e
         const QString name = item.section(QLatin1Char('='), 0, 0);
         const QString value = item.section(QLatin1Char('='), 1);
         const bool hasValue = item.contains(QLatin1Char('='));
-        bool ok = true;
-        if (name == QLatin1String("binary")) {
-            s.binary = true;
-            ok = hasValue && ParseInt(value, 0, 255, &s.binaryLevel);
-            if (!ok) {
-                *error = QStringLiteral("bad --process item \"%1\": binary=LEVEL takes a level from 0 to 255")
-                             .arg(items[i]);
-                return false;
-            }
-        } else if (name == QLatin1String("rgb")) {
-            // rgb=R,G,B spans three items of the list.
-            s.rgb = true;
-            ok = hasValue && i + 2 < items.size() && ParseInt(value, -255, 255, &s.red)
-                && ParseInt(items[i + 1], -255, 255, &s.green) && ParseInt(items[i + 2], -255, 255, &s.blue);
-            if (!ok) {
-                *error = QStringLiteral(
-                    "bad --process item \"rgb\": rgb=R,G,B takes three offsets from -255 to 255");
-                return false;
-            }
-            i += 2;
-        } else if (!hasValue && name == QLatin1String("flip")) {
-            s.flip = true;
-        } else if (!hasValue && name == QLatin1String("mirror")) {
-            s.mirror = true;
-        } else if (!hasValue && name == QLatin1String("gray")) {
-            s.gray = true;
-        } else if (!hasValue && name == QLatin1String("negative")) {
-            s.negative = true;
-        } else if (!hasValue && name == QLatin1String("emboss")) {
-            s.emboss = true;
-        } else if (!hasValue && name == QLatin1String("sharpen")) {
-            s.sharpen = true;
-        } else {
-            *error = QStringLiteral("unknown --process item \"%1\" (flip, mirror, gray, negative, binary=L, "
-                                    "emboss, sharpen, rgb=R,G,B)")
-                         .arg(items[i]);
+        const ProcessOperation* op = FindOperation(name);
+        if (!op || (hasValue && op->parameters.empty())) {
+            *error = QStringLiteral("unknown --process item \"%1\" (%2)").arg(items[i], OperationList(true));
             return false;
         }
+        s.*op->on = true;
+        // The first value follows the '='; each further one is the next item.
+        const auto count = qsizetype(op->parameters.size());
+        bool ok = count == 0 || (hasValue && i + count - 1 < items.size());
+        for (qsizetype k = 0; ok && k < count; ++k)
+            ok = ParseInt(k == 0 ? value : items[i + k], op->syntax.low, op->syntax.high,
+                &(s.*op->parameters[std::size_t(k)].value));
+        if (!ok) {
+            // A value spread over several items is named by the operation alone.
+            *error = QStringLiteral("bad --process item \"%1\": %2=%3 takes %4")
+                         .arg(count > 1 ? QString::fromLatin1(op->name) : items[i], QLatin1String(op->name),
+                             QLatin1String(op->syntax.full), QLatin1String(op->syntax.takes));
+            return false;
+        }
+        if (count > 1)
+            i += count - 1;
     }
     *switches = s;
     return true;
+}
+
+QString ProcessSpecHelp()
+{
+    return OperationList(false);
 }
 
 bool ParseSeconds(const QString& text, double minimum, double* seconds)

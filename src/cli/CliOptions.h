@@ -26,10 +26,12 @@ int FindFormat(const std::vector<CaptureFormat>& formats, const FormatRequest& r
 QString FormatSpecText(const CaptureFormat& format);
 double FormatFps(const CaptureFormat& format);
 
-// A comma-separated list of flip, mirror, gray, negative, binary=L (0-255),
-// emboss, sharpen, rgb=R,G,B (each -255 to 255). False with a one-line reason
-// for an unknown name or a bad value.
+// A comma-separated list of the operations of ProcessOperations.h by name,
+// those with parameters as name=V or name=V1,V2,... False with a one-line
+// reason for an unknown name or a bad value.
 bool ParseProcessSpec(const QString& text, ProcessSwitches* switches, QString* error);
+// The operations as --process takes them, for its help: "flip, ..., binary=LEVEL (0-255), ...".
+QString ProcessSpecHelp();
 
 // A decimal number of seconds at least minimum (locale-independent).
 bool ParseSeconds(const QString& text, double minimum, double* seconds);

@@ -33,8 +33,7 @@ void CliParser::AddCameraOptions(bool withProcess)
         QStringLiteral("FORMAT") });
     if (withProcess)
         m_parser.addOption({ QStringLiteral("process"),
-            QStringLiteral("Processing, comma-separated: flip, mirror, gray, negative, binary=LEVEL (0-255), "
-                           "emboss, sharpen, rgb=R,G,B (-255 to 255)."),
+            QStringLiteral("Processing, comma-separated: %1.").arg(ProcessSpecHelp()),
             QStringLiteral("LIST") });
     m_parser.addOption({ QStringLiteral("demo-camera"),
         QStringLiteral("List the simulated camera too (also OCULIX_DEMO_CAMERA=1).") });

@@ -1,19 +1,22 @@
 #include "image/FusedProcess.h"
 
 #include "image/ImageProcess.h"
+#include "image/ProcessOperations.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
 // The picture is worked in bands of rows small enough to stay in the cache:
-// each band is copied once from the source, every operation of the chain runs
-// on the band through the same functions that process still pictures, and the
-// band goes once to the destination. Emboss reads the next row and sharpen the
-// rows on both sides, so a band carries up to one extra row above and two
-// below; those rows are worked but not written, and the operations give each
-// written row exactly the bytes they give it in the whole picture.
+// each band is copied once from the source, every switched-on operation runs
+// on it through its band kernel, and the band goes once to the destination.
+// An operation that reads rows around the one it writes needs those rows
+// exact from the operations before it, so a band carries the extra rows that
+// the later operations read; each operation works its band's rows plus the
+// extra rows it and the operations after it read, and those rows are worked
+// but not written.
 
 namespace {
 
@@ -49,10 +52,10 @@ void BlendRow(const uchar* overlay, uchar* dst, unsigned width)
     }
 }
 
-// After gray every pixel is (v, v, v), so a negative and a binary that follow
-// act on v alone. Run on a ramp of the 256 gray pixels they give a table; a
-// binary makes it a step from one value to another, applied to every byte by
-// one comparison. Returns false when the table is not such a step.
+// After an operation that makes gray every pixel is (v, v, v), so the
+// operations that map gray values after it act on v alone. Run on a ramp of
+// the 256 gray pixels they give a table; a threshold among them makes it a
+// step from one value to another, applied to every byte by one comparison.
 struct GrayStep
 {
     int cut = 256; // values at or above it become high
@@ -60,15 +63,34 @@ struct GrayStep
     uchar high = 0;
 };
 
-bool GrayTailStep(const ProcessSwitches& s, GrayStep& step)
+// One switched-on operation of the sweep and the rows it works beyond those
+// the band writes: as many as it and the operations after it read.
+struct Stage
+{
+    const ProcessOperation* op = nullptr;
+    unsigned above = 0;
+    unsigned below = 0;
+};
+
+struct Plan
+{
+    std::array<Stage, kProcessOpCount> stages;
+    unsigned count = 0;
+    bool reversed = false; // rows are read from the other end
+    // Stages [stepFirst, stepEnd) are one gray step; empty when none.
+    unsigned stepFirst = 0;
+    unsigned stepEnd = 0;
+    GrayStep step;
+};
+
+// The step of the stages [first, end); false when their table is not one.
+bool GrayTailStep(const Stage* first, const Stage* end, const ProcessSwitches& s, GrayStep& step)
 {
     uchar ramp[256 * 3];
     for (int v = 0; v < 256; ++v)
         ramp[3 * v] = ramp[3 * v + 1] = ramp[3 * v + 2] = uchar(v);
-    if (s.negative)
-        Negative(ramp, 256, 1);
-    if (s.binary)
-        Binary(ramp, 256, 1, s.binaryLevel);
+    for (const Stage* stage = first; stage != end; ++stage)
+        stage->op->still(ramp, 256, 1, s);
     step.low = ramp[0];
     step.high = ramp[3 * 255];
     step.cut = 256;
@@ -82,6 +104,37 @@ bool GrayTailStep(const ProcessSwitches& s, GrayStep& step)
             return false;
     }
     return true;
+}
+
+Plan MakePlan(const ProcessSwitches& s)
+{
+    Plan plan;
+    for (const ProcessOperation& op : kProcessOperations) {
+        if (!(s.*op.on))
+            continue;
+        Q_ASSERT(op.reversesRows || op.band);
+        if (op.reversesRows)
+            plan.reversed = true;
+        else
+            plan.stages[plan.count++] = { &op, op.rowsAbove, op.rowsBelow };
+    }
+    for (unsigned i = plan.count; i-- > 1;) {
+        plan.stages[i - 1].above += plan.stages[i].above;
+        plan.stages[i - 1].below += plan.stages[i].below;
+    }
+    for (unsigned i = 0; i < plan.count; ++i) {
+        if (!plan.stages[i].op->makesGray)
+            continue;
+        unsigned end = i + 1;
+        while (end < plan.count && plan.stages[end].op->mapsGray)
+            ++end;
+        if (end > i + 1 && GrayTailStep(&plan.stages[i + 1], &plan.stages[end], s, plan.step)) {
+            plan.stepFirst = i + 1;
+            plan.stepEnd = end;
+        }
+        break;
+    }
+    return plan;
 }
 
 void ApplyStep(uchar* bits, unsigned width, unsigned rows, std::size_t stride, const GrayStep& step)
@@ -134,11 +187,12 @@ void FusedProcess(const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, uns
     if (!dst || width == 0 || height == 0)
         return;
     const std::size_t stride = DibStride(width);
-    const auto from = [&](unsigned y) { return s.flip ? height - 1 - y : y; };
+    const Plan plan = MakePlan(s);
+    const auto from = [&](unsigned y) { return plan.reversed ? height - 1 - y : y; };
 
     // With no operation but the flip, rows go straight to the target: the
     // usual live preview costs one pass over the frame, not two.
-    if (!(s.mirror || s.gray || s.negative || s.binary || s.emboss || s.sharpen || s.rgb)) {
+    if (plan.count == 0) {
         for (unsigned y = 0; y < height; ++y) {
             uchar* out = dst + std::ptrdiff_t(y) * dstStep;
             rows.Read(from(y), out);
@@ -148,12 +202,8 @@ void FusedProcess(const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, uns
         return;
     }
 
-    const unsigned above = s.sharpen ? 1 : 0;
-    const unsigned below = (s.emboss ? 1 : 0) + (s.sharpen ? 1 : 0);
-
-    GrayStep step;
-    const bool useStep = s.gray && s.binary && GrayTailStep(s, step);
-
+    const unsigned above = plan.stages[0].above;
+    const unsigned below = plan.stages[0].below;
     thread_local std::vector<uchar> scratch;
     scratch.resize(stride * (kBandRows + above + below));
 
@@ -161,34 +211,23 @@ void FusedProcess(const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, uns
         const unsigned y1 = std::min(height, y0 + kBandRows);
         const unsigned a0 = y0 >= above ? y0 - above : 0;
         const unsigned a1 = std::min(height, y1 + below);
-        const unsigned n = a1 - a0;
         uchar* band = scratch.data();
 
         for (unsigned j = a0; j < a1; ++j)
             rows.Read(from(j), band + (j - a0) * stride);
-        if (s.mirror)
-            MirrorHorizontal(band, width, n);
-        if (s.gray)
-            Gray(band, width, n);
-        if (useStep) {
-            ApplyStep(band, width, n, stride, step);
-        } else {
-            if (s.negative)
-                Negative(band, width, n);
-            if (s.binary)
-                Binary(band, width, n, s.binaryLevel);
+        for (unsigned i = 0; i < plan.count; ++i) {
+            const Stage& stage = plan.stages[i];
+            // The rows written and those this stage and the later ones read.
+            const unsigned r0 = y0 >= stage.above ? y0 - stage.above : 0;
+            const unsigned r1 = std::min(height, y1 + stage.below);
+            uchar* first = band + (r0 - a0) * stride;
+            if (i == plan.stepFirst && plan.stepEnd > i) {
+                ApplyStep(first, width, r1 - r0, stride, plan.step);
+                i = plan.stepEnd - 1;
+            } else {
+                stage.op->band(first, width, r1 - r0, s);
+            }
         }
-        if (s.emboss)
-            // Exact for every band row but the last, which is exact only as
-            // the picture's last row; sharpen and the output stop short of it.
-            Emboss(band, width, n);
-        if (s.sharpen) {
-            const unsigned e1 = std::min(height, y1 + 1);
-            Sharpen(band, width, e1 - a0);
-        }
-        uchar* first = band + (y0 - a0) * stride;
-        if (s.rgb)
-            ColorOffset(first, width, y1 - y0, s.red, s.green, s.blue);
 
         for (unsigned y = y0; y < y1; ++y) {
             const uchar* row = band + (y - a0) * stride;

@@ -9,7 +9,7 @@
 // The overlay key: an overlay pixel of these three bytes lets the picture show.
 inline constexpr uchar kOverlayKey = 1;
 
-// Runs the chain of ImageProcess.h on a 24-bit picture in one sweep over
+// Runs the chain of ProcessOperations.h on a 24-bit picture in one sweep over
 // memory, then lays the overlay over it. The result is byte for byte what
 // the operations give one after another on a whole bottom-up picture with
 // rows padded to 4 bytes, padding included.

@@ -1,6 +1,6 @@
 #include "image/ProcessChain.h"
 
-#include "image/ImageProcess.h"
+#include "image/ProcessOperations.h"
 
 #include <cstring>
 
@@ -10,20 +10,7 @@ void RunProcessChain(
     if (source == nullptr || target == nullptr || width == 0 || height == 0)
         return;
     std::memmove(target, source, std::size_t(width) * height * 3);
-    if (switches.flip)
-        FlipVertical(target, width, height);
-    if (switches.mirror)
-        MirrorHorizontal(target, width, height);
-    if (switches.gray)
-        Gray(target, width, height);
-    if (switches.negative)
-        Negative(target, width, height);
-    if (switches.binary)
-        Binary(target, width, height, switches.binaryLevel);
-    if (switches.emboss)
-        Emboss(target, width, height);
-    if (switches.sharpen)
-        Sharpen(target, width, height);
-    if (switches.rgb)
-        ColorOffset(target, width, height, switches.red, switches.green, switches.blue);
+    for (const ProcessOperation& op : kProcessOperations)
+        if (switches.*op.on)
+            op.still(target, width, height, switches);
 }

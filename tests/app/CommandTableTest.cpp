@@ -1,5 +1,9 @@
 #include "app/CommandTable.h"
 
+#include "MeasureFrameFixture.h"
+#include "capture/HResult.h"
+#include "image/ProcessOperations.h"
+
 #include <QIcon>
 #include <QImage>
 #include <QKeySequence>
@@ -8,6 +12,8 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <set>
+#include <string_view>
+#include <vector>
 
 TEST(CommandTable, IdsAreUniqueAndLayoutsUseOnlyKnownIds)
 {
@@ -63,5 +69,52 @@ TEST(CommandTable, EveryIconDrawsSomething)
                 opaque += qAlpha(image.pixel(x, y)) > 0;
         EXPECT_GT(opaque, 20) << info.icon;
         EXPECT_LT(opaque, image.width() * image.height()) << info.icon;
+    }
+}
+
+// The process menu and bar keep their order: the flips, then the operations
+// that change pixels, each group after a separator.
+TEST(CommandTable, ProcessMenuAndBarListTheOperationsInTheirGroups)
+{
+    constexpr int S = ID_SEPARATOR;
+    const std::vector<int> menu { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_PROCESS_FLIP, S,
+        ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY,
+        ID_PROCESS_RGB };
+    std::vector<int> bar = menu;
+    bar.insert(bar.end(), { S, ID_PROCESS_PROPERTIES });
+    const auto process = std::ranges::find_if(
+        Menus(), [](const MenuInfo& m) { return std::string_view(m.title) == "&Process"; });
+    ASSERT_NE(process, Menus().end());
+    EXPECT_EQ(std::vector<int>(process->ids.begin(), process->ids.end()), menu);
+    const auto processBar = std::ranges::find_if(
+        ToolBars(), [](const ToolBarInfo& b) { return b.toggleId == ID_VIEW_PROCESSBAR; });
+    ASSERT_NE(processBar, ToolBars().end());
+    EXPECT_EQ(std::vector<int>(processBar->ids.begin(), processBar->ids.end()), bar);
+}
+
+// Each on/off command of the process menu switches its own operation, in the
+// document and in the live processing element, and shows it checked.
+TEST_F(MeasureFrameTest, ProcessTogglesSwitchTheirOwnOperation)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_NE(live, nullptr);
+    const std::pair<int, bool ProcessSwitches::*> toggles[] = { { ID_PROCESS_FLIP, &ProcessSwitches::flip },
+        { ID_PROCESS_MIRROR, &ProcessSwitches::mirror }, { ID_PROCESS_GRAY, &ProcessSwitches::gray },
+        { ID_PROCESS_NEGATIVE, &ProcessSwitches::negative }, { ID_PROCESS_EMBOSS, &ProcessSwitches::emboss },
+        { ID_PROCESS_SHARPEN, &ProcessSwitches::sharpen } };
+    for (const auto& [id, flag] : toggles) {
+        SCOPED_TRACE(id);
+        ASSERT_TRUE(frame->RouteCommand(id));
+        EXPECT_TRUE(frame->QueryCommand(id).IsChecked());
+        ProcessSwitches element;
+        for (const ProcessOperation& op : kProcessOperations)
+            ASSERT_EQ(live->GetGraph().GetOperation(op.op, &element), S_OK);
+        for (const auto& [otherId, other] : toggles) {
+            EXPECT_EQ(live->GetSwitches().*other, other == flag) << otherId;
+            EXPECT_EQ(element.*other, other == flag) << otherId;
+        }
+        ASSERT_TRUE(frame->RouteCommand(id));
+        EXPECT_FALSE(live->GetSwitches().*flag);
     }
 }

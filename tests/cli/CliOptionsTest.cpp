@@ -1,6 +1,11 @@
 #include "cli/CliOptions.h"
 
+#include "image/ProcessOperations.h"
+
+#include <QStringList>
+
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace {
 
@@ -85,6 +90,60 @@ TEST(CliOptions, ProcessListsSetTheStillPictureSwitches)
         EXPECT_FALSE(ParseProcessSpec(bad, &untouched, &error)) << bad;
         EXPECT_FALSE(error.isEmpty()) << bad;
         EXPECT_EQ(untouched.red, 77) << "a bad list changes nothing: " << bad;
+    }
+}
+
+// Each operation by its name, in any case, with its values at their bounds
+// (a different one for each parameter), before and after every operation
+// that takes none; a value out of bounds is refused, and so is a value for an
+// operation that takes none.
+TEST(CliOptions, EveryOperationParsesToItsSwitchAndParameters)
+{
+    for (const ProcessOperation& op : kProcessOperations) {
+        for (const bool atHigh : { false, true }) {
+            QStringList values;
+            std::vector<int> expected;
+            for (std::size_t k = 0; k < op.parameters.size(); ++k) {
+                expected.push_back(atHigh ? op.syntax.high - int(k) : op.syntax.low + int(k));
+                values << QString::number(expected.back());
+            }
+            const QString item = QString::fromLatin1(op.name).toUpper()
+                + (values.isEmpty() ? QString() : QLatin1Char('=') + values.join(QLatin1Char(',')));
+            for (const ProcessOperation& other : kProcessOperations) {
+                if (!other.parameters.empty())
+                    continue;
+                const QString name = QLatin1String(other.name);
+                for (const QString& list :
+                    { item + QLatin1Char(',') + name, name + QLatin1Char(',') + item }) {
+                    ProcessSwitches s;
+                    QString error;
+                    ASSERT_TRUE(ParseProcessSpec(list, &s, &error)) << qPrintable(list) << qPrintable(error);
+                    for (const ProcessOperation& each : kProcessOperations)
+                        EXPECT_EQ(s.*each.on, each.op == op.op || each.op == other.op)
+                            << qPrintable(list) << " " << each.name;
+                    for (std::size_t k = 0; k < op.parameters.size(); ++k)
+                        EXPECT_EQ(s.*op.parameters[k].value, expected[k]) << qPrintable(list) << " " << k;
+                }
+            }
+        }
+        ProcessSwitches s;
+        QString error;
+        if (op.parameters.empty()) {
+            EXPECT_FALSE(ParseProcessSpec(QString::fromLatin1(op.name) + QStringLiteral("=1"), &s, &error));
+            continue;
+        }
+        for (std::size_t k = 0; k < op.parameters.size(); ++k)
+            for (const int bad : { op.syntax.low - 1, op.syntax.high + 1 }) {
+                QStringList values;
+                for (std::size_t j = 0; j < op.parameters.size(); ++j)
+                    values << QString::number(j == k ? bad : op.syntax.low);
+                const QString item
+                    = QString::fromLatin1(op.name) + QLatin1Char('=') + values.join(QLatin1Char(','));
+                error.clear();
+                EXPECT_FALSE(ParseProcessSpec(item, &s, &error)) << qPrintable(item);
+                EXPECT_TRUE(error.contains(QStringLiteral("%1=%2 takes").arg(op.name, op.syntax.full)))
+                    << qPrintable(error);
+            }
     }
 }
 
