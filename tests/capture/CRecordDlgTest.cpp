@@ -166,9 +166,7 @@ TEST_F(RecordDialog, StartPauseResumeStopMakesOnePlayableFile)
     // sent nothing while paused, and its timestamps went on where they stopped.
     const auto runs = log.Runs();
     ASSERT_GE(runs.size(), 1u);
-    const FrameStall pause = LongestStall(runs[0]);
-    EXPECT_GE(pause.seconds, 2.0) << "the camera went on sending while paused";
-    EXPECT_LE(pause.streamSeconds, 2.5 / 30) << "the timestamps jump over the pause";
+    ExpectPauseLeftOut(runs[0]);
     EXPECT_NEAR(PlayableFrames(dialog->RecordPath()), RecordedFrames(runs[0]), 1)
         << runs[0].size() << " frames sent";
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList({ "clip.AVI.avi" }));

@@ -161,9 +161,7 @@ TEST_F(Recording, PausedRecordingResumesIntoTheSameFileAndStopsCleanly)
 
     const auto runs = log.Runs();
     ASSERT_GE(runs.size(), 1u);
-    const FrameStall pause = LongestStall(runs[0]);
-    EXPECT_GE(pause.seconds, 2.0) << "the camera went on sending while paused";
-    EXPECT_LE(pause.streamSeconds, 2.5 / 30) << "the timestamps jump over the pause";
+    ExpectPauseLeftOut(runs[0]);
     const auto p = ProbeVideo(file);
     ASSERT_FALSE(p.isEmpty());
     EXPECT_NEAR(p.value(QStringLiteral("nb_read_frames")).toInt(), RecordedFrames(runs[0]), 1)

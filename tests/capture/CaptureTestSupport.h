@@ -273,6 +273,15 @@ inline FrameStall LongestStall(const std::vector<CameraFrameLog::Frame>& run)
     return stall;
 }
 
+// A pause of two seconds or more is left out of the stream: the camera sent
+// nothing meanwhile, and its timestamps went on where they stopped.
+inline void ExpectPauseLeftOut(const std::vector<CameraFrameLog::Frame>& run)
+{
+    const FrameStall pause = LongestStall(run);
+    EXPECT_GE(pause.seconds, 2.0) << "the camera went on sending while paused";
+    EXPECT_LE(pause.streamSeconds, 2.5 / 30) << "the timestamps jump over the pause";
+}
+
 // The frames a recording of this run holds: the fixed frame rate the file
 // keeps covers the pipeline's running time from its start (the first frame
 // fills in until it came) to the last frame. A pause stops the running time.

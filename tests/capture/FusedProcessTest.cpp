@@ -1,5 +1,6 @@
 #include "image/FusedProcess.h"
 
+#include "RandomPicture.h"
 #include "capture/CCamProcess.h"
 #include "capture/YuvFrameRows.h"
 #include "image/ImageProcess.h"
@@ -13,18 +14,6 @@
 #include <vector>
 
 namespace {
-
-std::vector<uchar> RandomPicture(unsigned width, unsigned height, unsigned seed)
-{
-    std::mt19937 rng(seed);
-    std::vector<uchar> bits(DibStride(width) * height);
-    for (uchar& b : bits)
-        b = uchar(rng());
-    // Some flat areas, so that emboss and sharpen meet equal neighbours.
-    for (std::size_t i = 0; i + 40 < bits.size(); i += 97)
-        std::memset(&bits[i], bits[i], 30);
-    return bits;
-}
 
 // The chain as a picture document runs it, one operation after the other.
 std::vector<uchar> StillChain(std::vector<uchar> bits, unsigned w, unsigned h, const ProcessSwitches& s)

@@ -1,5 +1,6 @@
 #include "image/ProcessOperations.h"
 
+#include "RandomPicture.h"
 #include "image/FusedProcess.h"
 #include "image/ProcessChain.h"
 
@@ -9,18 +10,6 @@
 #include <vector>
 
 namespace {
-
-// Random bytes, padding included, with flat runs so that the operations that
-// read neighbours meet equal ones too.
-std::vector<uchar> RandomPicture(unsigned width, unsigned height, std::mt19937& rng)
-{
-    std::vector<uchar> bits(DibStride(width) * height);
-    for (uchar& b : bits)
-        b = uchar(rng());
-    for (std::size_t i = 0; i + 40 < bits.size(); i += 89)
-        std::memset(&bits[i], bits[i], 27);
-    return bits;
-}
 
 // Every parameter somewhere within its bounds.
 ProcessSwitches RandomParameters(std::mt19937& rng)
