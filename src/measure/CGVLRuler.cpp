@@ -13,7 +13,7 @@
 CGVLRuler::CGVLRuler(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
-    m_nType = 9;
+    m_nType = int(ShapeType::Ruler);
     AddOneCoord(QPoint(100, 50));
     AddOneCoord(QPoint(50, 100));
 }
