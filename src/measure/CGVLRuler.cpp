@@ -85,7 +85,7 @@ int CGVLRuler::OnLButtonDown(unsigned, const QPoint& point, int)
     // Safeguard: a ruler that is not on screen takes nothing, so dragging a
     // shape's handle near an invisible arm end cannot recalibrate behind the
     // user's back.
-    if (m_pMgr && !m_pMgr->m_bShowRuler) {
+    if (m_pMgr && !m_pMgr->IsRulerShown()) {
         m_nRulerHit = kHitNone;
         return -1;
     }

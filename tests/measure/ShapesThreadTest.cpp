@@ -46,9 +46,9 @@ struct ThreadFixture : ::testing::Test
 {
     ThreadFixture()
     {
-        mgr.m_hWnd = &window;
+        mgr.SetWindow(&window, nullptr);
         mgr.CreateShape(ShapeType::Ruler);
-        mgr.m_bShowRuler = 1;
+        mgr.SetRulerShown(true);
     }
     QObject window; // repaint requests go nowhere
     CGVLElemMgr mgr;
@@ -89,12 +89,14 @@ TEST_F(ThreadFixture, ElementsAreEditedExportedAndPaintedWhileTheWorkerDraws)
         mgr.SetOrigin({ -round, -2 * round });
         {
             const auto lock = mgr.Lock();
-            mgr.m_nPrecision = 1 + round % 5;
-            mgr.m_nFontSize = 1 + round % 3;
-            mgr.m_nFontBackground = 1 + round % 2;
-            mgr.m_color.m_ctRuler = round % 8;
-            mgr.m_unit.m_dcxPerPixel = 0.1 + round * 0.01;
-            mgr.m_bCrossDashed = round & 1;
+            EditAppearance(mgr, [&](auto& a) {
+                a.precision = 1 + round % 5;
+                a.fontSize = 1 + round % 3;
+                a.fontBackground = 1 + round % 2;
+                a.color.m_ctRuler = round % 8;
+            });
+            EditUnit(mgr, [&](auto& u) { u.m_dcxPerPixel = 0.1 + round * 0.01; });
+            mgr.SetCrossLines(false, (round & 1) != 0);
         }
         history.Commit();
         QPainter dc(&screen);
@@ -119,7 +121,7 @@ TEST_F(ThreadFixture, TheOverlayWorkerDrawsWhileTheTextIsAsked)
     bool drewWhileAsking = true;
     {
         OverlayWorker worker(mgr);
-        mgr.m_fnTextInput = [&](QObject*, QStringList& lines) {
+        mgr.SetTextInput([&](QObject*, QStringList& lines) {
             // A deadline, not a measurement: a worker stuck on the lock would
             // otherwise hang the test.
             const int before = worker.passes.load();
@@ -129,7 +131,7 @@ TEST_F(ThreadFixture, TheOverlayWorkerDrawsWhileTheTextIsAsked)
             drewWhileAsking = drewWhileAsking && worker.passes.load() >= before + 3;
             lines = QStringList { "Sample", "7" };
             return true;
-        };
+        });
         for (int i = 0; i < 5; ++i)
             Click(mgr, 205, { 20 + 40 * i, 30 + 20 * i });
     }
