@@ -3,7 +3,9 @@
 
 #include <QDate>
 
+#include <functional>
 #include <gtest/gtest.h>
+#include <utility>
 
 using namespace MeasureTest;
 
@@ -40,6 +42,33 @@ TEST(ElemMgr, DefaultsAndFactory)
     }
     EXPECT_EQ(mgr.CreateShape(8), nullptr);
     EXPECT_EQ(mgr.m_arShape.size(), 4u);
+}
+
+// Callers leave the repaint to the setters: each change of what is drawn
+// repaints the whole window once. None of them tells the calibration dialog,
+// which follows the ruler and would otherwise be told of its own changes.
+TEST(ElemMgr, SettersOfWhatIsDrawnRepaintTheWholeWindowOnce)
+{
+    WindowSpy window;
+    CGVLElemMgr mgr;
+    mgr.SetWindow(&window, nullptr);
+    const std::pair<const char*, std::function<void()>> drawn[] {
+        { "calibration",
+            [&] {
+                mgr.SetUnit({ 2, 0.5, 0.5, 1.0, 1.0 });
+            } },
+        { "appearance", [&] { mgr.SetAppearance({ .precision = 3 }); } },
+        { "cross lines", [&] { mgr.SetCrossLines(false, true); } },
+        { "ruler shown", [&] { mgr.SetRulerShown(true); } },
+        { "hidden", [&] { mgr.SetHidden(true); } },
+    };
+    for (const auto& [what, set] : drawn) {
+        window.wholeRequests = 0;
+        set();
+        EXPECT_EQ(window.wholeRequests, 1) << what;
+    }
+    EXPECT_TRUE(window.requested.isEmpty());
+    EXPECT_EQ(window.calibrationEvents, 0);
 }
 
 TEST_F(MgrFixture, PressesGoTopDownUntilTakenOtherEventsReachEveryone)
