@@ -60,19 +60,11 @@ void CMeasureDoc::ReadSettings()
     m_nZoom = s.m_curSel;
     m_switches.flip = s.m_bFlip != 0;
     m_switches.mirror = s.m_bMirror != 0;
-    const auto lock = m_pElemMgr->Lock();
-    m_pElemMgr->m_unit.m_dcxPerPixel = s.m_dcxPerPixel;
-    m_pElemMgr->m_unit.m_dcyPerPixel = s.m_dcyPerPixel;
-    m_pElemMgr->m_unit.m_rtUnit = s.m_rtUnit;
-    m_pElemMgr->m_unit.m_dcxReal = s.m_dcxReal;
-    m_pElemMgr->m_unit.m_dcyReal = s.m_dcyReal;
-    m_pElemMgr->m_color.m_ctAdjust = s.m_ctAdjust;
-    m_pElemMgr->m_color.m_ctCoord = s.m_ctCoord;
-    m_pElemMgr->m_color.m_ctRuler = s.m_ctRuler;
-    m_pElemMgr->m_color.m_ctText = s.m_ctText;
-    m_pElemMgr->m_nPrecision = s.m_precision;
-    m_pElemMgr->m_nFontSize = s.m_fontSize;
-    m_pElemMgr->m_nFontBackground = s.m_fontBackground;
+    m_pElemMgr->SetUnit({ s.m_rtUnit, s.m_dcxPerPixel, s.m_dcyPerPixel, s.m_dcxReal, s.m_dcyReal });
+    const ColorRecord color {
+        .m_ctCoord = s.m_ctCoord, .m_ctRuler = s.m_ctRuler, .m_ctAdjust = s.m_ctAdjust, .m_ctText = s.m_ctText
+    };
+    m_pElemMgr->SetAppearance({ color, s.m_precision, s.m_fontSize, s.m_fontBackground });
 }
 
 void CMeasureDoc::WriteSettings() const
@@ -89,21 +81,20 @@ void CMeasureDoc::WriteSettings() const
     s.m_curSel = m_nZoom;
     s.m_bFlip = m_switches.flip ? 1 : 0;
     s.m_bMirror = m_switches.mirror ? 1 : 0;
-    {
-        const auto lock = m_pElemMgr->Lock();
-        s.m_dcxPerPixel = m_pElemMgr->m_unit.m_dcxPerPixel;
-        s.m_dcyPerPixel = m_pElemMgr->m_unit.m_dcyPerPixel;
-        s.m_rtUnit = m_pElemMgr->m_unit.m_rtUnit;
-        s.m_dcxReal = m_pElemMgr->m_unit.m_dcxReal;
-        s.m_dcyReal = m_pElemMgr->m_unit.m_dcyReal;
-        s.m_ctAdjust = m_pElemMgr->m_color.m_ctAdjust;
-        s.m_ctCoord = m_pElemMgr->m_color.m_ctCoord;
-        s.m_ctRuler = m_pElemMgr->m_color.m_ctRuler;
-        s.m_ctText = m_pElemMgr->m_color.m_ctText;
-        s.m_precision = m_pElemMgr->m_nPrecision;
-        s.m_fontSize = m_pElemMgr->m_nFontSize;
-        s.m_fontBackground = m_pElemMgr->m_nFontBackground;
-    }
+    const CalibrationRecord unit = m_pElemMgr->GetUnit();
+    s.m_dcxPerPixel = unit.m_dcxPerPixel;
+    s.m_dcyPerPixel = unit.m_dcyPerPixel;
+    s.m_rtUnit = unit.m_rtUnit;
+    s.m_dcxReal = unit.m_dcxReal;
+    s.m_dcyReal = unit.m_dcyReal;
+    const CGVLElemMgr::Appearance look = m_pElemMgr->GetAppearance();
+    s.m_ctAdjust = look.color.m_ctAdjust;
+    s.m_ctCoord = look.color.m_ctCoord;
+    s.m_ctRuler = look.color.m_ctRuler;
+    s.m_ctText = look.color.m_ctText;
+    s.m_precision = look.precision;
+    s.m_fontSize = look.fontSize;
+    s.m_fontBackground = look.fontBackground;
     if (!SettingsKeys::WriteDocumentSettings(s, m_settingsFile))
         qCWarning(lcApp) << "could not write the document settings to" << m_settingsFile;
 }
@@ -213,12 +204,12 @@ void CMeasureDoc::SetZoomIndex(int index)
 
 void CMeasureDoc::RepaintOverlayWindow()
 {
-    InvalidateWindow(m_pElemMgr->m_hWnd);
+    InvalidateWindow(m_pElemMgr->GetWindow());
 }
 
 QWidget* CMeasureDoc::DialogParent() const
 {
-    if (auto* wnd = qobject_cast<QWidget*>(m_pElemMgr->m_hWnd))
+    if (auto* wnd = qobject_cast<QWidget*>(m_pElemMgr->GetWindow()))
         return wnd->window();
     return QApplication::activeWindow();
 }

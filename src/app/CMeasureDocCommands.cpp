@@ -201,12 +201,7 @@ void CMeasureDoc::ToggleSolidCrossLine()
     m_bCrossSolid = !m_bCrossSolid;
     if (m_bCrossSolid)
         m_bCrossDashed = false;
-    {
-        const auto lock = m_pElemMgr->Lock();
-        m_pElemMgr->m_bCrossSolid = m_bCrossSolid;
-        m_pElemMgr->m_bCrossDashed = m_bCrossDashed;
-    }
-    RepaintOverlayWindow();
+    m_pElemMgr->SetCrossLines(m_bCrossSolid, m_bCrossDashed);
 }
 
 void CMeasureDoc::ToggleDashedCrossLine()
@@ -214,12 +209,7 @@ void CMeasureDoc::ToggleDashedCrossLine()
     m_bCrossDashed = !m_bCrossDashed;
     if (m_bCrossDashed)
         m_bCrossSolid = false;
-    {
-        const auto lock = m_pElemMgr->Lock();
-        m_pElemMgr->m_bCrossSolid = m_bCrossSolid;
-        m_pElemMgr->m_bCrossDashed = m_bCrossDashed;
-    }
-    RepaintOverlayWindow();
+    m_pElemMgr->SetCrossLines(m_bCrossSolid, m_bCrossDashed);
 }
 
 void CMeasureDoc::ToggleOperation(ProcessOp op)

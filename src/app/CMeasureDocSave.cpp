@@ -142,10 +142,9 @@ bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, con
 void CMeasureDoc::ReadMeasurementXmp(const QString& path)
 {
     MeasurementXmp::Stored stored = MeasurementXmp::Read(path);
-    {
-        const auto lock = m_pElemMgr->Lock();
-        stored.ApplyTo(m_pElemMgr->m_unit);
-    }
+    CalibrationRecord unit = m_pElemMgr->GetUnit();
+    stored.ApplyTo(unit);
+    m_pElemMgr->SetUnit(unit);
     m_storedShapes = std::move(stored.shapes);
     // Shapes follow the ruler, element 0: with the view made before the file
     // is read they come now, else the view asks for them.

@@ -51,7 +51,7 @@ QImage CMeasureDoc::SnapPicture() const
 
 void CMeasureDoc::MapSnapCommand()
 {
-    m_pElemMgr->m_fnSnapPicture = [this] { return SnapPicture(); };
+    m_pElemMgr->SetSnapSource([this] { return SnapPicture(); });
     MapCommand(ID_MEASURE_SNAP_EDGES, [] { SetSnapToEdges(!SnapToEdges()); });
     MapUpdate(ID_MEASURE_SNAP_EDGES, [](CCmdUI& ui) {
         ui.Enable();

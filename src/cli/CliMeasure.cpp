@@ -42,14 +42,14 @@ QByteArray PictureCsv(const QString& path, const SettingsKeys::DocumentSettings&
 {
     const MeasurementXmp::Stored stored = MeasurementXmp::Read(path);
     CGVLElemMgr mgr;
-    {
-        // As a document opens a picture: the settings first, then what the file keeps.
-        const auto lock = mgr.Lock();
-        mgr.m_unit = { settings.m_rtUnit, settings.m_dcxPerPixel, settings.m_dcyPerPixel, settings.m_dcxReal,
-            settings.m_dcyReal };
-        stored.ApplyTo(mgr.m_unit);
-        mgr.m_nPrecision = settings.m_precision;
-    }
+    // As a document opens a picture: the settings first, then what the file keeps.
+    CalibrationRecord unit { settings.m_rtUnit, settings.m_dcxPerPixel, settings.m_dcyPerPixel,
+        settings.m_dcxReal, settings.m_dcyReal };
+    stored.ApplyTo(unit);
+    mgr.SetUnit(unit);
+    CGVLElemMgr::Appearance look = mgr.GetAppearance();
+    look.precision = settings.m_precision;
+    mgr.SetAppearance(look);
     mgr.CreateShape(ShapeType::Ruler);
     if (stored.shapes.isEmpty() || ShapesFromJson(mgr, stored.shapes) == 0)
         return {};

@@ -12,7 +12,7 @@ constexpr int kArcRadius = 20;
 } // namespace
 
 CGVLAngle::CGVLAngle(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
-    : CGVLThreeClick(unit, color, wnd, mgr, 3, kToolAngle)
+    : CGVLThreeClick(unit, color, wnd, mgr, ShapeType::Angle, kToolAngle)
 {
 }
 

@@ -1,7 +1,7 @@
 #include "measure/CGVLAnoArrow.h"
 
 CGVLAnoArrow::CGVLAnoArrow(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
-    : CGVLLine(unit, color, wnd, mgr, 12, kToolArrow, 10)
+    : CGVLLine(unit, color, wnd, mgr, ShapeType::Arrow, kToolArrow, 10)
 {
 }
 

@@ -11,7 +11,7 @@ constexpr int kLineGap = 5;
 CGVLAnoText::CGVLAnoText(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
-    m_nType = 14;
+    m_nType = int(ShapeType::Text);
 }
 
 void CGVLAnoText::Draw(QPainter& dc, int hidden, int)

@@ -9,7 +9,7 @@
 CGVLCircle::CGVLCircle(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
-    m_nType = 6;
+    m_nType = int(ShapeType::Circle);
 }
 
 int CGVLCircle::PixelRadius() const

@@ -19,7 +19,7 @@ bool Within(double v)
 } // namespace
 
 CGVLCircleT::CGVLCircleT(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
-    : CGVLThreeClick(unit, color, wnd, mgr, 7, kToolTriCircle)
+    : CGVLThreeClick(unit, color, wnd, mgr, ShapeType::TriCircle, kToolTriCircle)
 {
 }
 

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -63,6 +64,130 @@ CGVLElemMgr::~CGVLElemMgr()
 std::unique_lock<std::recursive_mutex> CGVLElemMgr::Lock() const
 {
     return std::unique_lock(m_mutex);
+}
+
+void CGVLElemMgr::SetUnit(const CalibrationRecord& unit)
+{
+    const std::lock_guard lock(m_mutex);
+    m_unit = unit;
+    InvalidateWindow(m_hWnd);
+}
+
+CalibrationRecord CGVLElemMgr::GetUnit() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_unit;
+}
+
+void CGVLElemMgr::SetAppearance(const Appearance& appearance)
+{
+    const std::lock_guard lock(m_mutex);
+    m_color = appearance.color;
+    m_nPrecision = appearance.precision;
+    m_nFontSize = appearance.fontSize;
+    m_nFontBackground = appearance.fontBackground;
+    InvalidateWindow(m_hWnd);
+}
+
+CGVLElemMgr::Appearance CGVLElemMgr::GetAppearance() const
+{
+    const std::lock_guard lock(m_mutex);
+    return { m_color, m_nPrecision, m_nFontSize, m_nFontBackground };
+}
+
+void CGVLElemMgr::SetCrossLines(bool solid, bool dashed)
+{
+    const std::lock_guard lock(m_mutex);
+    m_bCrossSolid = solid ? 1 : 0;
+    m_bCrossDashed = dashed ? 1 : 0;
+    InvalidateWindow(m_hWnd);
+}
+
+bool CGVLElemMgr::IsCrossSolid() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_bCrossSolid != 0;
+}
+
+bool CGVLElemMgr::IsCrossDashed() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_bCrossDashed != 0;
+}
+
+void CGVLElemMgr::SetRulerShown(bool shown)
+{
+    const std::lock_guard lock(m_mutex);
+    m_bShowRuler = shown ? 1 : 0;
+    InvalidateWindow(m_hWnd);
+}
+
+bool CGVLElemMgr::IsRulerShown() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_bShowRuler != 0;
+}
+
+void CGVLElemMgr::SetHidden(bool hidden)
+{
+    const std::lock_guard lock(m_mutex);
+    m_bHide = hidden ? 1 : 0;
+    InvalidateWindow(m_hWnd);
+}
+
+void CGVLElemMgr::SetWindow(QObject* window, TextInput textInput)
+{
+    const std::lock_guard lock(m_mutex);
+    m_hWnd = window;
+    m_fnTextInput = std::move(textInput);
+}
+
+QObject* CGVLElemMgr::GetWindow() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_hWnd;
+}
+
+CGVLElemMgr::TextInput CGVLElemMgr::SetTextInput(TextInput textInput)
+{
+    const std::lock_guard lock(m_mutex);
+    return std::exchange(m_fnTextInput, std::move(textInput));
+}
+
+void CGVLElemMgr::SetSnapSource(std::function<QImage()> source)
+{
+    const std::lock_guard lock(m_mutex);
+    m_fnSnapPicture = std::move(source);
+}
+
+QImage CGVLElemMgr::SnapPicture() const
+{
+    std::function<QImage()> source;
+    {
+        const std::lock_guard lock(m_mutex);
+        source = m_fnSnapPicture;
+    }
+    // Asked with the lock released where the caller holds none: finding the
+    // picture may take a while.
+    return source ? source() : QImage();
+}
+
+void CGVLElemMgr::SetCount(int count)
+{
+    const std::lock_guard lock(m_mutex);
+    m_nCount = count;
+}
+
+int CGVLElemMgr::GetCount() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_nCount;
+}
+
+bool CGVLElemMgr::IsMouseDown() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_bMouseDown != 0;
 }
 
 int CGVLElemMgr::TypeForTool(int tool)

@@ -31,13 +31,28 @@ class QPainter;
 // overlay bitmap and into the overlay burnt into a saved picture.
 //
 // Threads: the live overlay worker calls DrawToBits while the user interface
-// thread edits elements. Every operation below holds the manager's lock. Code
-// that reads or writes the public fields or m_arShape directly while a worker
-// may be drawing holds Lock() for as long as it does. Stop the worker before
-// destroying the manager.
+// thread edits elements. Every operation below, the setters and getters
+// included, holds the manager's lock, so the worker draws each setting whole,
+// either as it was or as it is. Code that reads the public fields directly
+// while a worker may be drawing holds Lock() for as long as it does. Stop the
+// worker before destroying the manager.
 class CGVLElemMgr
 {
 public:
+    // What the measure setting dialog edits: the colours every element draws
+    // with and how labels are written.
+    struct Appearance
+    {
+        ColorRecord color { 4, 3, 3, 4 };
+        // Decimals of every value; outside 1..5 no value is written.
+        int precision = 2;
+        // The label font: 1 small, 2 medium, 3 large (CGVLShape::LabelCell).
+        int fontSize = 2;
+        // 1 transparent labels, else labels on opaque gray.
+        int fontBackground = 1;
+        bool operator==(const Appearance&) const = default;
+    };
+
     CGVLElemMgr();
     ~CGVLElemMgr();
     CGVLElemMgr(const CGVLElemMgr&) = delete;
@@ -48,8 +63,9 @@ public:
     CGVLShape* CreateShape(int type);
     CGVLShape* CreateShape(ShapeType type);
 
-    // With the text tool the press is followed by m_fnTextInput, run without
-    // the lock held; do not call it while holding Lock().
+    // With the text tool the press is followed by the text question (see
+    // SetWindow), run without the lock held; do not call it while holding
+    // Lock().
     void OnLButtonDown(unsigned flags, const QPoint& point, int tool);
     void OnLButtonUp(unsigned flags, const QPoint& point, int tool);
     void OnMouseMove(unsigned flags, const QPoint& point, int tool);
@@ -75,8 +91,8 @@ public:
     std::vector<std::unique_ptr<CGVLShape>> CopyShapes() const;
     // Puts copies of `shapes` (a CopyShapes list) in place of every element,
     // in this manager's current window and origin, with their labels brought
-    // up to date. Hold Lock() around it together with
-    // any fields restored with it, so a drawing worker sees all or nothing.
+    // up to date. Hold Lock() around it together with the setters restoring
+    // what goes with it, so a drawing worker sees all or nothing.
     void ReplaceShapes(const std::vector<std::unique_ptr<CGVLShape>>& shapes);
 
     void DrawAll(QPainter& dc, int width, int height);
@@ -100,38 +116,63 @@ public:
 
     // Asks the user for the lines of a new text element: true for OK, with
     // `lines` replaced; false for Cancel, which removes the element. `window`
-    // is m_hWnd.
+    // is the manager's window.
     using TextInput = std::function<bool(QObject* window, QStringList& lines)>;
 
-    // Holds the manager's lock for direct access to fields and elements.
+    // Holds the manager's lock for direct access to the public fields and
+    // elements, and to keep several calls together as one change.
     [[nodiscard]] std::unique_lock<std::recursive_mutex> Lock() const;
 
     // The element type a creating tool makes, or 0 for the other tools.
     static int TypeForTool(int tool);
 
+    // The settings, each changed whole. The setters of what is drawn repaint
+    // the whole window; none of them tells the calibration dialog.
+    void SetUnit(const CalibrationRecord& unit);
+    CalibrationRecord GetUnit() const;
+    void SetAppearance(const Appearance& appearance);
+    Appearance GetAppearance() const;
+    void SetCrossLines(bool solid, bool dashed);
+    bool IsCrossSolid() const;
+    bool IsCrossDashed() const;
+    // Element 0 (the ruler) is drawn and takes presses only while shown.
+    void SetRulerShown(bool shown);
+    bool IsRulerShown() const;
+    // Every element drawn hidden (the `hidden` of CGVLShape::Draw).
+    void SetHidden(bool hidden);
+
+    // The overlay window, which repaints and calibration news go to as
+    // events (measure/WindowCalls.h), with the question for a new text
+    // element: the view sets both as it attaches its window and clears both
+    // as it lets it go. New elements take the window; existing ones keep
+    // theirs. A null window is none; an unset question cancels a text press.
+    void SetWindow(QObject* window, TextInput textInput);
+    QObject* GetWindow() const;
+    // Replaces the question alone; returns the one it replaced.
+    TextInput SetTextInput(TextInput textInput);
+
+    // Where the picture under the overlay comes from, without the overlay,
+    // that lines and circles snap their points to as a drag ends; it answers
+    // a null picture while "Snap to edges" is off.
+    void SetSnapSource(std::function<QImage()> source);
+    // That picture now: null without a source.
+    QImage SnapPicture() const;
+
+    // The number the last counting marker got; the next one gets one more.
+    void SetCount(int count);
+    int GetCount() const;
+    // A left press was taken and not yet released.
+    bool IsMouseDown() const;
+
+    // The elements, element 0 the ruler. Read under Lock(); changed only by
+    // the manager's operations (tests put stand-in elements in).
     std::vector<std::unique_ptr<CGVLShape>> m_arShape;
+    // The calibration and colour records every element shares by pointer
+    // (CGVLShape::m_pUnit, m_pColor). Read under Lock(); written only through
+    // SetUnit and SetAppearance, and by the elements under the lock (the
+    // ruler calibrating, CGVLShape::SetUnit).
     CalibrationRecord m_unit { 0, 0.2, 0.2, 10.0, 10.0 };
     ColorRecord m_color { 4, 3, 3, 4 };
-    int m_bHide = 0;
-    // The overlay window: repaints and calibration news go to it as events
-    // (measure/WindowCalls.h); null while there is none.
-    QObject* m_hWnd = nullptr;
-    int m_bMouseDown = 0;
-    QPoint m_ptOrigin;
-    int m_bShowRuler = 0;
-    int m_bCrossSolid = 0;
-    int m_bCrossDashed = 0;
-    int m_nCount = 0;
-    int m_nPrecision = 2;
-    int m_nFontSize = 2;
-    int m_nFontBackground = 1;
-    // Set by the user interface where it gives the manager its window (the
-    // text dialog); unset, as in the engine alone, a text press is cancelled.
-    TextInput m_fnTextInput;
-    // The picture under the overlay, without it, that lines and circles snap
-    // their points to as a drag ends. Unset, or answering a null picture
-    // ("Snap to edges" off), leaves every point where the mouse put it.
-    std::function<QImage()> m_fnSnapPicture;
 
 private:
     class Call;
@@ -149,6 +190,20 @@ private:
     QByteArray CsvBytes() const;
     void WriteCsvWith(QIODevice& file, char separator);
     template <typename Draw> void RenderBits(uchar* buffer, int width, int height, uchar fill, Draw&& draw);
+
+    int m_bHide = 0;
+    QObject* m_hWnd = nullptr;
+    int m_bMouseDown = 0;
+    QPoint m_ptOrigin;
+    int m_bShowRuler = 0;
+    int m_bCrossSolid = 0;
+    int m_bCrossDashed = 0;
+    int m_nCount = 0;
+    int m_nPrecision = 2;
+    int m_nFontSize = 2;
+    int m_nFontBackground = 1;
+    TextInput m_fnTextInput;
+    std::function<QImage()> m_fnSnapPicture;
 
     mutable std::recursive_mutex m_mutex;
     int m_nCallDepth = 0;

@@ -7,17 +7,17 @@
 #include <cstdlib>
 
 CGVLLine::CGVLLine(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
-    : CGVLLine(unit, color, wnd, mgr, 2, kToolLine, 5)
+    : CGVLLine(unit, color, wnd, mgr, ShapeType::Line, kToolLine, 5)
 {
 }
 
-CGVLLine::CGVLLine(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr, int type,
-    int ownTool, int minSize)
+CGVLLine::CGVLLine(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr,
+    ShapeType type, int ownTool, int minSize)
     : CGVLShape(unit, color, wnd, mgr)
     , m_nOwnTool(ownTool)
     , m_nMinSize(minSize)
 {
-    m_nType = type;
+    m_nType = int(type);
 }
 
 namespace {

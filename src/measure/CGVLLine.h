@@ -31,7 +31,7 @@ public:
 
 protected:
     // For shapes made the same way with another tool and minimum size.
-    CGVLLine(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr, int type,
+    CGVLLine(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr, ShapeType type,
         int ownTool, int minSize);
 
     void DrawEndBars(QPainter& dc, int hidden);

@@ -3,11 +3,11 @@
 #include <algorithm>
 
 CGVLMultiClick::CGVLMultiClick(
-    CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr, int type, int ownTool)
+    CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr, ShapeType type, int ownTool)
     : CGVLShape(unit, color, wnd, mgr)
     , m_nOwnTool(ownTool)
 {
-    m_nType = type;
+    m_nType = int(type);
 }
 
 int CGVLMultiClick::OnLButtonDown(unsigned, const QPoint& point, int tool)

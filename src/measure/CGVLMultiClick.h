@@ -19,8 +19,8 @@ public:
     QPoint RubberPoint() const { return m_ptRubber; }
 
 protected:
-    CGVLMultiClick(
-        CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr, int type, int ownTool);
+    CGVLMultiClick(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr,
+        ShapeType type, int ownTool);
 
     // The rubber band follows the cursor, with the last point placed as the
     // hit one.

@@ -7,7 +7,7 @@
 CGVLNo::CGVLNo(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
-    m_nType = 11;
+    m_nType = int(ShapeType::Counting);
 }
 
 namespace {

@@ -6,7 +6,7 @@
 CGVLPoint::CGVLPoint(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
-    m_nType = 1;
+    m_nType = int(ShapeType::Point);
 }
 
 void CGVLPoint::Draw(QPainter& dc, int hidden, int)

@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 CGVLPolygon::CGVLPolygon(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
-    : CGVLMultiClick(unit, color, wnd, mgr, 5, kToolPolygon)
+    : CGVLMultiClick(unit, color, wnd, mgr, ShapeType::Polygon, kToolPolygon)
 {
 }
 

@@ -5,7 +5,7 @@
 CGVLRect::CGVLRect(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
-    m_nType = 4;
+    m_nType = int(ShapeType::Rect);
 }
 
 double CGVLRect::GetPerimeter() const

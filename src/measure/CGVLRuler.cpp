@@ -13,7 +13,7 @@
 CGVLRuler::CGVLRuler(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
-    m_nType = 9;
+    m_nType = int(ShapeType::Ruler);
     AddOneCoord(QPoint(100, 50));
     AddOneCoord(QPoint(50, 100));
 }
@@ -85,7 +85,7 @@ int CGVLRuler::OnLButtonDown(unsigned, const QPoint& point, int)
     // Safeguard: a ruler that is not on screen takes nothing, so dragging a
     // shape's handle near an invisible arm end cannot recalibrate behind the
     // user's back.
-    if (m_pMgr && !m_pMgr->m_bShowRuler) {
+    if (m_pMgr && !m_pMgr->IsRulerShown()) {
         m_nRulerHit = kHitNone;
         return -1;
     }

@@ -7,7 +7,7 @@
 CGVLScale::CGVLScale(CalibrationRecord* unit, ColorRecord* color, QObject* wnd, CGVLElemMgr* mgr)
     : CGVLShape(unit, color, wnd, mgr)
 {
-    m_nType = 10;
+    m_nType = int(ShapeType::Scale);
 }
 
 int CGVLScale::TickReach(int i)

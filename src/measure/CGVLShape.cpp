@@ -268,9 +268,7 @@ double CGVLShape::CoordSigma(int index) const
 
 QImage CGVLShape::SnapPicture() const
 {
-    if (!m_pMgr || !m_pMgr->m_fnSnapPicture)
-        return QImage();
-    const QImage picture = m_pMgr->m_fnSnapPicture();
+    const QImage picture = m_pMgr ? m_pMgr->SnapPicture() : QImage();
     // Converted once here rather than by every search line.
     return picture.isNull() || picture.format() == QImage::Format_Grayscale8
         ? picture
@@ -363,17 +361,17 @@ void CGVLShape::LeaveManager()
 
 int CGVLShape::Precision() const
 {
-    return m_pMgr ? m_pMgr->m_nPrecision : 2;
+    return m_pMgr ? m_pMgr->GetAppearance().precision : 2;
 }
 
 int CGVLShape::FontSize() const
 {
-    return m_pMgr ? m_pMgr->m_nFontSize : 2;
+    return m_pMgr ? m_pMgr->GetAppearance().fontSize : 2;
 }
 
 int CGVLShape::FontBackground() const
 {
-    return m_pMgr ? m_pMgr->m_nFontBackground : 1;
+    return m_pMgr ? m_pMgr->GetAppearance().fontBackground : 1;
 }
 
 const CalibrationRecord& CGVLShape::Unit() const

@@ -29,8 +29,8 @@ CShapeHistory::State CShapeHistory::Take() const
     State state;
     const auto lock = m_mgr.Lock();
     state.shapes = m_mgr.CopyShapes();
-    state.count = m_mgr.m_nCount;
-    state.unit = m_mgr.m_unit;
+    state.count = m_mgr.GetCount();
+    state.unit = m_mgr.GetUnit();
 
     // Selection, hover and the rubber band are not edits; points, ids, texts,
     // numbers, a polygon's closing and the calibration are. The calibration
@@ -56,8 +56,8 @@ CShapeHistory::State CShapeHistory::Take() const
 void CShapeHistory::Restore(const State& state)
 {
     const auto lock = m_mgr.Lock();
-    m_mgr.m_nCount = state.count;
-    m_mgr.m_unit = state.unit;
+    m_mgr.SetCount(state.count);
+    m_mgr.SetUnit(state.unit);
     m_mgr.ReplaceShapes(state.shapes);
 }
 

@@ -40,15 +40,12 @@ bool Write(
     const QString& path, CGVLElemMgr& mgr, bool withShapes, double scaleX, double scaleY, QString* error)
 {
     PictureXmp::Properties properties;
-    {
-        const auto lock = mgr.Lock();
-        const CalibrationRecord& unit = mgr.m_unit;
-        properties.insert(kXmpUnit, QString::number(unit.m_rtUnit));
-        properties.insert(kXmpXPerPixel, Number(unit.m_dcxPerPixel * scaleX));
-        properties.insert(kXmpYPerPixel, Number(unit.m_dcyPerPixel * scaleY));
-        properties.insert(kXmpXReal, Number(unit.m_dcxReal));
-        properties.insert(kXmpYReal, Number(unit.m_dcyReal));
-    }
+    const CalibrationRecord unit = mgr.GetUnit();
+    properties.insert(kXmpUnit, QString::number(unit.m_rtUnit));
+    properties.insert(kXmpXPerPixel, Number(unit.m_dcxPerPixel * scaleX));
+    properties.insert(kXmpYPerPixel, Number(unit.m_dcyPerPixel * scaleY));
+    properties.insert(kXmpXReal, Number(unit.m_dcxReal));
+    properties.insert(kXmpYReal, Number(unit.m_dcyReal));
     if (withShapes)
         properties.insert(kXmpShapes, QString::fromUtf8(ShapesToJson(mgr)));
     return PictureXmp::Write(path, properties, error);

@@ -24,7 +24,7 @@ namespace {
 // its parameters are named nowhere but in the element classes.
 template <typename Kind> std::unique_ptr<CGVLShape> Make(CGVLElemMgr& mgr)
 {
-    return std::make_unique<Kind>(&mgr.m_unit, &mgr.m_color, mgr.m_hWnd, &mgr);
+    return std::make_unique<Kind>(&mgr.m_unit, &mgr.m_color, mgr.GetWindow(), &mgr);
 }
 
 // A subclass under a borrowed id is not copied.

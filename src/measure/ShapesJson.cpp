@@ -59,17 +59,12 @@ bool Replay(CGVLElemMgr& mgr, int type, const std::vector<QPoint>& points, const
         mgr.OnRButtonDown(0, points.back(), tool);
         return true;
     case Gesture::Text: {
-        CGVLElemMgr::TextInput previous = [&text](QObject*, QStringList& lines) {
+        CGVLElemMgr::TextInput previous = mgr.SetTextInput([&text](QObject*, QStringList& lines) {
             lines = text;
             return true;
-        };
-        {
-            const auto lock = mgr.Lock();
-            std::swap(previous, mgr.m_fnTextInput);
-        }
+        });
         Click(mgr, points[0], tool);
-        const auto lock = mgr.Lock();
-        mgr.m_fnTextInput = std::move(previous);
+        mgr.SetTextInput(std::move(previous));
         return true;
     }
     }

@@ -48,18 +48,12 @@ CGVLWnd::CGVLWnd(IMeasureDocument& document, QWidget* view)
 
 void CGVLWnd::AttachToManager()
 {
-    CGVLElemMgr& mgr = m_document.GetElemMgr();
-    const auto lock = mgr.Lock();
-    mgr.m_hWnd = this;
-    mgr.m_fnTextInput = CInputTextDlg::AskTextWithDialog;
+    m_document.GetElemMgr().SetWindow(this, CInputTextDlg::AskTextWithDialog);
 }
 
 void CGVLWnd::DetachFromManager()
 {
-    CGVLElemMgr& mgr = m_document.GetElemMgr();
-    const auto lock = mgr.Lock();
-    mgr.m_hWnd = nullptr;
-    mgr.m_fnTextInput = nullptr;
+    m_document.GetElemMgr().SetWindow(nullptr, nullptr);
 }
 
 QSize CGVLWnd::DisplayedSize(const QSize& picture, int zoomIndex)

@@ -1,7 +1,6 @@
 #include "ui/CMeasureColorDlg.h"
 
 #include "measure/CGVLElemMgr.h"
-#include "measure/WindowCalls.h"
 #include "ui/CColorSelectComboBox.h"
 
 #include <QCoreApplication>
@@ -96,29 +95,23 @@ CMeasureColorDlg::CMeasureColorDlg(QWidget* parent)
 
 void CMeasureColorDlg::ReadFrom(const CGVLElemMgr& mgr)
 {
-    const auto lock = mgr.Lock();
-    m_nTextColor = mgr.m_color.m_ctText;
-    m_nMeasureColor = mgr.m_color.m_ctRuler;
-    m_nCoordColor = mgr.m_color.m_ctCoord;
-    m_nPointColor = mgr.m_color.m_ctAdjust;
-    m_nPrecision = mgr.m_nPrecision;
-    m_nFontSize = mgr.m_nFontSize;
-    m_nFontBackground = mgr.m_nFontBackground;
+    const CGVLElemMgr::Appearance look = mgr.GetAppearance();
+    m_nTextColor = look.color.m_ctText;
+    m_nMeasureColor = look.color.m_ctRuler;
+    m_nCoordColor = look.color.m_ctCoord;
+    m_nPointColor = look.color.m_ctAdjust;
+    m_nPrecision = look.precision;
+    m_nFontSize = look.fontSize;
+    m_nFontBackground = look.fontBackground;
 }
 
 void CMeasureColorDlg::WriteTo(CGVLElemMgr& mgr) const
 {
-    {
-        const auto lock = mgr.Lock();
-        mgr.m_color.m_ctText = m_nTextColor;
-        mgr.m_color.m_ctRuler = m_nMeasureColor;
-        mgr.m_color.m_ctCoord = m_nCoordColor;
-        mgr.m_color.m_ctAdjust = m_nPointColor;
-        mgr.m_nPrecision = m_nPrecision;
-        mgr.m_nFontSize = m_nFontSize;
-        mgr.m_nFontBackground = m_nFontBackground;
-    }
-    InvalidateWindow(mgr.m_hWnd);
+    const ColorRecord color { .m_ctCoord = m_nCoordColor,
+        .m_ctRuler = m_nMeasureColor,
+        .m_ctAdjust = m_nPointColor,
+        .m_ctText = m_nTextColor };
+    mgr.SetAppearance({ color, m_nPrecision, m_nFontSize, m_nFontBackground });
 }
 
 void CMeasureColorDlg::UpdateControls()

@@ -5,7 +5,6 @@
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLRuler.h"
 #include "measure/CShapeHistory.h"
-#include "measure/WindowCalls.h"
 #include "platform/AppPaths.h"
 #include "platform/MessageBox.h"
 #include "platform/NumberText.h"
@@ -113,13 +112,10 @@ void CRulerSettingDlg::ReadRecord()
 {
     // Safeguard: the real lengths and their unit start as the record has
     // them, so that OK before any typing keeps the calibration as it is.
-    {
-        CGVLElemMgr& mgr = m_owner.GetElemMgr();
-        const auto lock = mgr.Lock();
-        m_data.m_strXReal = NumberText::FormatC("%g", mgr.m_unit.m_dcxReal);
-        m_data.m_strYReal = NumberText::FormatC("%g", mgr.m_unit.m_dcyReal);
-        m_data.m_nUnit = MeasureTables::ClampUnit(mgr.m_unit.m_rtUnit);
-    }
+    const CalibrationRecord unit = m_owner.GetElemMgr().GetUnit();
+    m_data.m_strXReal = NumberText::FormatC("%g", unit.m_dcxReal);
+    m_data.m_strYReal = NumberText::FormatC("%g", unit.m_dcyReal);
+    m_data.m_nUnit = MeasureTables::ClampUnit(unit.m_rtUnit);
     m_cbUnit->setCurrentIndex(m_data.m_nUnit);
     UpdateUnitLabels();
     Recompute();
@@ -259,15 +255,10 @@ void CRulerSettingDlg::PlaceOnScreen()
 void CRulerSettingDlg::ToggleCalibration(
     IMeasureDocument& owner, std::unique_ptr<CRulerSettingDlg>& dialog, bool& shown)
 {
-    CGVLElemMgr& mgr = owner.GetElemMgr();
     const bool first = !dialog;
     if (first)
         dialog = std::make_unique<CRulerSettingDlg>(owner);
-    {
-        const auto lock = mgr.Lock();
-        mgr.m_bShowRuler = shown ? 1 : 0;
-    }
-    InvalidateWindow(mgr.m_hWnd);
+    owner.GetElemMgr().SetRulerShown(shown);
     if (!first) {
         if (shown) {
             dialog->show();
@@ -387,12 +378,7 @@ void CRulerSettingDlg::Commit()
     unit.m_dcyPerPixel = NumberText::LeadingReal(m_data.m_strYPerPixel);
     unit.m_dcxReal = NumberText::LeadingReal(m_data.m_strXReal);
     unit.m_dcyReal = NumberText::LeadingReal(m_data.m_strYReal);
-    CGVLElemMgr& mgr = m_owner.GetElemMgr();
-    {
-        const auto lock = mgr.Lock();
-        mgr.m_unit = unit;
-    }
-    InvalidateWindow(mgr.m_hWnd);
+    m_owner.GetElemMgr().SetUnit(unit);
     if (CShapeHistory* history = m_owner.GetHistory())
         history->Commit();
 }
@@ -610,12 +596,7 @@ void CRulerSettingDlg::reject()
 
 void CRulerSettingDlg::ShowRuler()
 {
-    CGVLElemMgr& mgr = m_owner.GetElemMgr();
-    {
-        const auto lock = mgr.Lock();
-        mgr.m_bShowRuler = 1;
-    }
-    InvalidateWindow(mgr.m_hWnd);
+    m_owner.GetElemMgr().SetRulerShown(true);
 }
 
 bool CRulerSettingDlg::event(QEvent* event)

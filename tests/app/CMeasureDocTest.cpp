@@ -244,15 +244,15 @@ TEST_F(MeasureFrameTest, PictureViewZoomCrossLinesAndCalibrationDialog)
     frame->RouteCommand(ID_VIEW_CROSSLINE);
     EXPECT_TRUE(frame->QueryCommand(ID_VIEW_CROSSLINE).IsChecked());
     EXPECT_FALSE(frame->QueryCommand(ID_VIEW_DASHED_CROSSLINE).IsChecked());
-    EXPECT_EQ(mgr.m_bCrossSolid, 1);
-    EXPECT_EQ(mgr.m_bCrossDashed, 0);
+    EXPECT_TRUE(mgr.IsCrossSolid());
+    EXPECT_FALSE(mgr.IsCrossDashed());
     frame->RouteCommand(ID_VIEW_CROSSLINE);
-    EXPECT_EQ(mgr.m_bCrossSolid, 0);
-    EXPECT_EQ(mgr.m_bCrossDashed, 0);
+    EXPECT_FALSE(mgr.IsCrossSolid());
+    EXPECT_FALSE(mgr.IsCrossDashed());
 
     CRulerSettingDlg* dialog = doc->GetCalibrationDialog();
     ASSERT_NE(dialog, nullptr);
-    EXPECT_EQ(mgr.m_bShowRuler, 0);
+    EXPECT_FALSE(mgr.IsRulerShown());
     doc->SetZoomIndex(4);
     ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
     ASSERT_EQ(doc->GetCurrentTool(), 2);
@@ -278,7 +278,7 @@ TEST_F(MeasureFrameTest, PictureViewZoomCrossLinesAndCalibrationDialog)
 
     frame->RouteCommand(ID_MEASURE_CALIBRATION);
     EXPECT_TRUE(dialog->isVisible());
-    EXPECT_EQ(mgr.m_bShowRuler, 1);
+    EXPECT_TRUE(mgr.IsRulerShown());
     EXPECT_EQ(doc->GetCurrentTool(), 0);
     frame->RouteCommand(ID_MEASURE_CALIBRATION);
     EXPECT_FALSE(dialog->isVisible());

@@ -45,9 +45,14 @@ TEST_F(MeasureFrameTest, ClosingTheLiveDocumentEndsTheWorkerAndWritesItsSettings
     const QString device = live->GetGraph().DeviceName();
     ASSERT_FALSE(device.isEmpty());
     {
-        const auto lock = live->GetElemMgr().Lock();
-        live->GetElemMgr().m_unit.m_dcxPerPixel = 0.123;
-        live->GetElemMgr().m_nPrecision = 3;
+        CGVLElemMgr& mgr = live->GetElemMgr();
+        const auto lock = mgr.Lock();
+        CalibrationRecord unit = mgr.GetUnit();
+        unit.m_dcxPerPixel = 0.123;
+        mgr.SetUnit(unit);
+        CGVLElemMgr::Appearance look = mgr.GetAppearance();
+        look.precision = 3;
+        mgr.SetAppearance(look);
     }
 
     CChildFrame* child = FrameOf(live);

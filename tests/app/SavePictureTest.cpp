@@ -193,10 +193,7 @@ TEST_F(SavePictureTest, CalibrationAndShapesSurviveTheRoundTrip)
     ASSERT_NE(doc, nullptr);
     ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
     Drag(ActiveView()->GetOverlayWnd(), QPoint(20, 50), QPoint(257, 180));
-    {
-        const auto lock = doc->GetElemMgr().Lock();
-        doc->GetElemMgr().m_unit = { 0, 1.2345678, 2.5, 10.0, 10.0 };
-    }
+    doc->GetElemMgr().SetUnit({ 0, 1.2345678, 2.5, 10.0, 10.0 });
     const QByteArray csv = Csv(*doc);
     ASSERT_TRUE(csv.contains(" um")) << csv.toStdString();
 
@@ -305,10 +302,7 @@ TEST_F(SavePictureTest, RescaledSaveScalesTheCalibrationAndKeepsOnlyTheSavedPart
             return !before.isEmpty() && frameBytes() == before;
         },
         10000));
-    {
-        const auto lock = live->GetElemMgr().Lock();
-        live->GetElemMgr().m_unit = { 0, 1.25, 2.0, 10.0, 10.0 };
-    }
+    live->GetElemMgr().SetUnit({ 0, 1.25, 2.0, 10.0, 10.0 });
     ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
     Drag(ActiveView()->GetOverlayWnd(), QPoint(100, 200), QPoint(500, 200));
     Drag(ActiveView()->GetOverlayWnd(), QPoint(100, 1000), QPoint(500, 1000));

@@ -82,7 +82,7 @@ TEST_F(Recording, PlaysWithSizeCodecAndFramesOfItsDurationAndCarriesTheShapes)
     const std::vector<uchar> base = Snapshot(graph);
 
     CGVLElemMgr mgr;
-    mgr.m_color.m_ctRuler = 2; // red strokes
+    mgr.SetAppearance({ .color = { 4, 2, 3, 4 } }); // red strokes
     mgr.CreateShape(ShapeType::Ruler); // element 0 is the calibration ruler, hidden
     mgr.OnLButtonDown(1, { 40, 60 }, 2);
     mgr.OnMouseMove(1, { 160, 60 }, 2);

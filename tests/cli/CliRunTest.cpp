@@ -394,8 +394,8 @@ protected:
     Saved SaveMeasured(const QString& name, const QByteArray& shapes, const CalibrationRecord& unit)
     {
         CGVLElemMgr mgr;
-        mgr.m_unit = unit;
-        mgr.m_nPrecision = kPrecision;
+        mgr.SetUnit(unit);
+        mgr.SetAppearance({ .precision = kPrecision });
         mgr.CreateShape(ShapeType::Ruler);
         EXPECT_GT(ShapesFromJson(mgr, shapes), 0);
         SavePlain(name);

@@ -12,12 +12,11 @@ struct TextFixture : MeasureFixture
 {
     TextFixture()
     {
-        mgr.m_hWnd = &window;
-        mgr.m_fnTextInput = [this](QObject* parent, QStringList& lines) {
+        mgr.SetWindow(&window, [this](QObject* parent, QStringList& lines) {
             EXPECT_TRUE(parent == &window && lines.isEmpty());
             lines = typed;
             return ok;
-        };
+        });
     }
     QObject window;
     QStringList typed;
@@ -29,7 +28,7 @@ struct TextFixture : MeasureFixture
 TEST_F(TextFixture, OneClickAsksForTheLinesAndCancelRemovesTheElement)
 {
     typed = { "one", "two", "three" };
-    mgr.m_nFontBackground = 2;
+    EditAppearance(mgr, [](auto& a) { a.fontBackground = 2; });
     Click(mgr, 205, { 100, 50 });
     ASSERT_NE(At<CGVLAnoText>(mgr, 1), nullptr);
     EXPECT_EQ(At<CGVLAnoText>(mgr, 1)->m_arText, typed);
@@ -43,11 +42,11 @@ TEST_F(TextFixture, OneClickAsksForTheLinesAndCancelRemovesTheElement)
     ok = false;
     Click(mgr, 205, { 100, 200 });
     EXPECT_EQ(mgr.m_arShape.size(), 2u);
-    mgr.m_fnTextInput = [&](QObject*, QStringList& lines) {
+    mgr.SetTextInput([&](QObject*, QStringList& lines) {
         mgr.DeleteAll(); // anything may run while the dialog is open
         lines = QStringList { "late" };
         return true;
-    };
+    });
     Click(mgr, 205, { 100, 50 });
     EXPECT_EQ(mgr.m_arShape.size(), 1u);
 }
@@ -59,7 +58,7 @@ TEST_F(MeasureFixture, WithoutATextInputATextPressLeavesNoElement)
     Click(mgr, CGVLShape::kToolText, { 100, 50 });
     EXPECT_EQ(mgr.m_arShape.size(), 1u);
     QObject window;
-    mgr.m_hWnd = &window;
+    mgr.SetWindow(&window, nullptr);
     Click(mgr, CGVLShape::kToolText, { 120, 60 });
     EXPECT_EQ(mgr.m_arShape.size(), 1u);
     Click(mgr, CGVLShape::kToolPoint, { 120, 60 });

@@ -18,20 +18,22 @@ TEST_F(AreaShapeTest, CircleFollowsTheDragFromItsCentreAndNeedsARadiusOfSix)
     CGVLCircle* circle = Last<CGVLCircle>(mgr);
     EXPECT_EQ(circle->m_arCoord, (Points { { 100, 100 }, { 130, 140 } }));
     EXPECT_FALSE(circle->m_bDown || circle->m_bSelected);
-    mgr.m_unit = { 0, 0.1, 0.3, 0, 0 };
+    mgr.SetUnit({ 0, 0.1, 0.3, 0, 0 });
     EXPECT_DOUBLE_EQ(circle->GetRadius(), 50 * 0.2);
     EXPECT_DOUBLE_EQ(circle->GetPerimeter(), 50 * 6.28318 * 0.1) << "the x scale alone";
     EXPECT_DOUBLE_EQ(circle->GetArea(), 50 * 3.14159 * 50 * 0.1 * 0.3);
 
-    mgr.m_nPrecision = 0;
+    EditAppearance(mgr, [](auto& a) { a.precision = 0; });
     EXPECT_EQ(DrawBits(mgr).Extent(kKeyBits), QRect(QPoint(4, 50), QPoint(149, 205)));
-    mgr.m_nPrecision = 1;
-    mgr.m_nFontBackground = 2;
+    EditAppearance(mgr, [](auto& a) {
+        a.precision = 1;
+        a.fontBackground = 2;
+    });
     const Bits bits = DrawBits(mgr);
     EXPECT_EQ(bits.At(100, 80), kGray) << "area label";
     EXPECT_EQ(bits.At(100, 52), kGray) << "radius label";
     EXPECT_EQ(bits.At(99, 80), kKeyBits);
-    mgr.m_unit = { 1, 0.2, 0.2, 0, 0 };
+    mgr.SetUnit({ 1, 0.2, 0.2, 0, 0 });
     circle->m_arCoord[1] = { 103, 104 };
     EXPECT_EQ(circle->RadiusText(), "R=1.0mm");
     EXPECT_EQ(circle->AreaText(), "S=3.1mm2");
@@ -47,9 +49,9 @@ TEST_F(AreaShapeTest, RectangleNeedsTenPixelsOnOneSideAndKeepsItsAxesWhenACorner
     Drag(mgr, 4, { 50, 50 }, { { 51, 51 }, { 150, 120 } });
     CGVLRect* rect = Last<CGVLRect>(mgr);
     EXPECT_EQ(rect->m_arCoord, (Points { { 50, 50 }, { 150, 50 }, { 50, 120 }, { 150, 120 } }));
-    mgr.m_unit = { 0, 0.1, 0.2, 0, 0 };
+    mgr.SetUnit({ 0, 0.1, 0.2, 0, 0 });
     EXPECT_DOUBLE_EQ(rect->GetPerimeter(), 2 * (100 * 0.1 + 70 * 0.2));
-    mgr.m_nPrecision = 3;
+    EditAppearance(mgr, [](auto& a) { a.precision = 3; });
     EXPECT_EQ(rect->AreaText(), "S=140.000um2");
 
     // Corner drags keep the opposite corner and the axes.
@@ -70,7 +72,7 @@ TEST_F(AreaShapeTest, RectangleNeedsTenPixelsOnOneSideAndKeepsItsAxesWhenACorner
 
 TEST_F(AreaShapeTest, RectangleIsDottedWhileSelectedAndItsLabelRisesWithTheFont)
 {
-    mgr.m_nPrecision = 0;
+    EditAppearance(mgr, [](auto& a) { a.precision = 0; });
     mgr.OnLButtonDown(1, { 50, 50 }, 4);
     mgr.OnMouseMove(1, { 51, 51 }, 4);
     mgr.OnMouseMove(1, { 150, 120 }, 4);
@@ -80,13 +82,15 @@ TEST_F(AreaShapeTest, RectangleIsDottedWhileSelectedAndItsLabelRisesWithTheFont)
     EXPECT_EQ(selected.At(45, 50), kGreen) << "handle";
     mgr.OnLButtonUp(0, { 150, 120 }, 4);
     EXPECT_EQ(DrawBits(mgr).Extent(kKeyBits), QRect(QPoint(50, 50), QPoint(150, 120)));
-    mgr.m_nPrecision = 1;
-    mgr.m_nFontBackground = 2;
+    EditAppearance(mgr, [](auto& a) {
+        a.precision = 1;
+        a.fontBackground = 2;
+    });
     // A size outside the list rises by its stored value, in Small letters.
     for (QPoint& p : Last<CGVLRect>(mgr)->m_arCoord)
         p += QPoint(0, 100);
     for (const auto& [size, rise] : { std::pair { 1, 20 }, { 2, 30 }, { 3, 40 }, { 7, 80 } }) {
-        mgr.m_nFontSize = size;
+        EditAppearance(mgr, [&](auto& a) { a.fontSize = size; });
         const Bits bits = DrawBits(mgr);
         EXPECT_EQ(bits.At(50, 150 - rise), kGray) << size;
         EXPECT_EQ(bits.At(50, 150 - rise - 1), kKeyBits) << size;
@@ -97,7 +101,7 @@ TEST_F(AreaShapeTest, RectangleIsDottedWhileSelectedAndItsLabelRisesWithTheFont)
 
 TEST_F(AreaShapeTest, PolygonAreaByTheShoelaceWhicheverWayItWasDrawnAndALabelOnceClosed)
 {
-    mgr.m_unit = { 1, 1.0, 1.0, 0, 0 };
+    mgr.SetUnit({ 1, 1.0, 1.0, 0, 0 });
     for (const Points& triangle : { Points { { 100, 100 }, { 110, 100 }, { 100, 110 } },
              Points { { 100, 110 }, { 110, 100 }, { 100, 100 } } }) {
         Clicks(mgr, 5, triangle);
@@ -107,7 +111,7 @@ TEST_F(AreaShapeTest, PolygonAreaByTheShoelaceWhicheverWayItWasDrawnAndALabelOnc
     }
     Clicks(mgr, 5, { { 10, 10 }, { 60, 10 }, { 60, 40 }, { 10, 40 }, { 35, 20 } }); // notched
     RightClick(mgr, 5, { 0, 0 });
-    mgr.m_unit = { 1, 0.5, 0.2, 0, 0 };
+    mgr.SetUnit({ 1, 0.5, 0.2, 0, 0 });
     EXPECT_DOUBLE_EQ(Last<CGVLPolygon>(mgr)->GetArea(), (1500 - 375) * 0.1);
     Clicks(mgr, 5, { { 10, 10 }, { 60, 10 } });
     RightClick(mgr, 5, { 0, 0 });
@@ -115,7 +119,7 @@ TEST_F(AreaShapeTest, PolygonAreaByTheShoelaceWhicheverWayItWasDrawnAndALabelOnc
 
     // Open, it draws a rubber band and no label.
     mgr.DeleteAll();
-    mgr.m_nFontBackground = 2;
+    EditAppearance(mgr, [](auto& a) { a.fontBackground = 2; });
     Clicks(mgr, 5, { { 50, 100 }, { 150, 100 }, { 150, 150 } });
     mgr.OnMouseMove(0, { 50, 200 }, 5);
     const Bits open = DrawBits(mgr);

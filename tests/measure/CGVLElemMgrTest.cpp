@@ -3,7 +3,9 @@
 
 #include <QDate>
 
+#include <functional>
 #include <gtest/gtest.h>
+#include <utility>
 
 using namespace MeasureTest;
 
@@ -31,7 +33,7 @@ TEST(ElemMgr, DefaultsAndFactory)
     CGVLElemMgr mgr;
     EXPECT_EQ(mgr.m_unit, (CalibrationRecord { 0, 0.2, 0.2, 10.0, 10.0 }));
     EXPECT_EQ(mgr.m_color, (ColorRecord { 4, 3, 3, 4 }));
-    EXPECT_TRUE(mgr.m_nPrecision == 2 && mgr.m_nFontSize == 2);
+    EXPECT_TRUE(mgr.GetAppearance().precision == 2 && mgr.GetAppearance().fontSize == 2);
     for (int type : { 1, 2, 11, 12 }) {
         CGVLShape* shape = mgr.CreateShape(type);
         ASSERT_NE(shape, nullptr) << type;
@@ -40,6 +42,33 @@ TEST(ElemMgr, DefaultsAndFactory)
     }
     EXPECT_EQ(mgr.CreateShape(8), nullptr);
     EXPECT_EQ(mgr.m_arShape.size(), 4u);
+}
+
+// Callers leave the repaint to the setters: each change of what is drawn
+// repaints the whole window once. None of them tells the calibration dialog,
+// which follows the ruler and would otherwise be told of its own changes.
+TEST(ElemMgr, SettersOfWhatIsDrawnRepaintTheWholeWindowOnce)
+{
+    WindowSpy window;
+    CGVLElemMgr mgr;
+    mgr.SetWindow(&window, nullptr);
+    const std::pair<const char*, std::function<void()>> drawn[] {
+        { "calibration",
+            [&] {
+                mgr.SetUnit({ 2, 0.5, 0.5, 1.0, 1.0 });
+            } },
+        { "appearance", [&] { mgr.SetAppearance({ .precision = 3 }); } },
+        { "cross lines", [&] { mgr.SetCrossLines(false, true); } },
+        { "ruler shown", [&] { mgr.SetRulerShown(true); } },
+        { "hidden", [&] { mgr.SetHidden(true); } },
+    };
+    for (const auto& [what, set] : drawn) {
+        window.wholeRequests = 0;
+        set();
+        EXPECT_EQ(window.wholeRequests, 1) << what;
+    }
+    EXPECT_TRUE(window.requested.isEmpty());
+    EXPECT_EQ(window.calibrationEvents, 0);
 }
 
 TEST_F(MgrFixture, PressesGoTopDownUntilTakenOtherEventsReachEveryone)
@@ -51,13 +80,16 @@ TEST_F(MgrFixture, PressesGoTopDownUntilTakenOtherEventsReachEveryone)
     EXPECT_FALSE(bottom->m_bSelected) << "everything is deselected first";
     top->answer = 3;
     mgr.OnLButtonDown(1, { 5, 5 }, 9);
-    EXPECT_EQ(mgr.m_bMouseDown, 1);
+    EXPECT_TRUE(mgr.IsMouseDown());
     mgr.OnMouseMove(1, { 6, 6 }, 9);
     mgr.OnLButtonUp(0, { 6, 6 }, 9);
-    EXPECT_EQ(mgr.m_bMouseDown, 0);
-    mgr.m_bMouseDown = 1;
+    EXPECT_FALSE(mgr.IsMouseDown());
+    top->log = bottom->log = nullptr; // pressed again, out of the log
+    mgr.OnLButtonDown(1, { 6, 6 }, 9);
+    top->log = bottom->log = &log;
+    ASSERT_TRUE(mgr.IsMouseDown());
     mgr.OnRButtonDown(2, { 6, 6 }, 9);
-    EXPECT_EQ(mgr.m_bMouseDown, 0);
+    EXPECT_FALSE(mgr.IsMouseDown());
     EXPECT_EQ(log,
         (Log { "top:down", "bottom:down", "top:down", "top:move", "bottom:move", "top:up", "bottom:up",
             "top:right", "bottom:right" }));
@@ -71,7 +103,7 @@ TEST_F(MgrFixture, IgnoringContinuingAndPressLastToolsAndTheScrollOrigin)
     for (int tool : { 201, 204 })
         mgr.OnLButtonDown(1, { 5, 5 }, tool);
     EXPECT_TRUE(log.empty());
-    EXPECT_EQ(mgr.m_bMouseDown, 0);
+    EXPECT_FALSE(mgr.IsMouseDown());
     // Three-click shapes being placed take the next click of their tool.
     circle->m_bDown = angle->m_bDown = true;
     mgr.OnLButtonDown(1, { 40, 50 }, 3);
@@ -84,7 +116,7 @@ TEST_F(MgrFixture, IgnoringContinuingAndPressLastToolsAndTheScrollOrigin)
     mgr.OnLButtonDown(1, { 5, 5 }, 8);
     EXPECT_EQ(log.back(), "idle angle:down");
     EXPECT_TRUE(last->IsRefPoint({ -10, -20 }) && circle->IsRefPoint({ -10, -20 }));
-    EXPECT_EQ(mgr.m_bMouseDown, 1);
+    EXPECT_TRUE(mgr.IsMouseDown());
     EXPECT_EQ(mgr.m_arShape.size(), 3u);
 }
 
@@ -121,7 +153,7 @@ TEST_F(MgrFixture, DeleteToolRemovesEveryElementUnderThePressAndDeleteByIdRefuse
     Click(mgr, 202, { 50, 50 });
     mgr.DeleteAll();
     ASSERT_EQ(mgr.m_arShape.size(), 1u);
-    EXPECT_EQ(mgr.m_nCount, 0);
+    EXPECT_EQ(mgr.GetCount(), 0);
     Click(mgr, 202, { 50, 50 });
     EXPECT_EQ(dynamic_cast<CGVLNo*>(mgr.m_arShape[1].get())->GetNumber(), 1);
 }
@@ -133,17 +165,19 @@ TEST_F(MgrFixture, DrawToBitsFillsWithKeyOneBottomUpWithPaddedRows)
     mgr.DrawToBits(small.data(), 5, 3);
     EXPECT_EQ(small, std::vector<uchar>(16 * 3, 1));
 
-    mgr.m_color.m_ctRuler = 2;
-    mgr.m_nPrecision = 0;
+    EditAppearance(mgr, [](auto& a) {
+        a.color.m_ctRuler = 2;
+        a.precision = 0;
+    });
     Add(mgr, 9, { 2, 15 });
     AddLine(mgr, { 10, 0 }, { 30, 0 });
     Bits bits = DrawBits(mgr, 40, 20);
     const uchar* topRow = &bits.data[19 * bits.stride]; // the picture's top row is last
     EXPECT_EQ(std::vector<uchar>(topRow + 30, topRow + 33), (std::vector<uchar> { 0x00, 0x00, 0xFF }));
     EXPECT_EQ(bits.Extent(kKeyBits), QRect(QPoint(10, 0), QPoint(29, 0))) << "element 0 hidden";
-    mgr.m_bShowRuler = 1;
+    mgr.SetRulerShown(true);
     EXPECT_EQ(DrawBits(mgr, 40, 20).At(7, 15), kRed);
-    mgr.m_bHide = 1;
+    mgr.SetHidden(true);
     EXPECT_TRUE(DrawBits(mgr, 40, 20).Extent(kKeyBits).isEmpty());
     std::vector<uchar> untouched(8, 0xAB);
     mgr.DrawToBits(untouched.data(), 0, 2);
@@ -154,7 +188,7 @@ TEST_F(MgrFixture, DrawToBitsFillsWithKeyOneBottomUpWithPaddedRows)
 
 TEST_F(MgrFixture, CrossLinesLeaveAGapOfFourAroundTheCentreDot)
 {
-    mgr.m_bCrossSolid = 1;
+    mgr.SetCrossLines(true, false);
     const Bits bits = DrawBits(mgr, 101, 81); // centre (50, 40)
     int lit = 0;
     for (int y = 0; y < 81; ++y)
@@ -164,10 +198,10 @@ TEST_F(MgrFixture, CrossLinesLeaveAGapOfFourAroundTheCentreDot)
     EXPECT_EQ(lit, 1 + 36 + 37 + 46 + 47);
     EXPECT_EQ(bits.At(50, 40), kGreen);
     EXPECT_EQ(bits.At(50, 36), kGreen);
-    mgr.m_bCrossDashed = 1;
+    mgr.SetCrossLines(true, true);
     EXPECT_EQ(DrawBits(mgr, 101, 81).data, bits.data) << "solid wins";
 
-    mgr.m_bCrossSolid = 0;
+    mgr.SetCrossLines(false, true);
     const Bits dashed = DrawBits(mgr, 201, 81); // 18 on, 6 off from the centre, gray gaps
     for (const auto& [x, c] : { std::pair { 104, kGreen }, { 121, kGreen }, { 122, kGray }, { 127, kGray },
              { 128, kGreen }, { 96, kGreen }, { 79, kGreen }, { 78, kGray } })
@@ -181,8 +215,10 @@ TEST_F(MgrFixture, CrossLinesLeaveAGapOfFourAroundTheCentreDot)
 TEST_F(MgrFixture, DrawToImageKeysOnBlackAndHonoursItsFlags)
 {
     Add(mgr, 9, { 2, 2 });
-    mgr.m_color.m_ctRuler = 2;
-    mgr.m_nPrecision = 0;
+    EditAppearance(mgr, [](auto& a) {
+        a.color.m_ctRuler = 2;
+        a.precision = 0;
+    });
     AddLine(mgr, { 20, 50 }, { 120, 50 });
     Bits bits(200, 100);
     auto draw = [&](bool elements, bool ruler) {
@@ -193,14 +229,14 @@ TEST_F(MgrFixture, DrawToImageKeysOnBlackAndHonoursItsFlags)
     EXPECT_EQ(bits.At(60, 60), kKeyImage);
     EXPECT_EQ(draw(false, true), std::pair(kRed, kKeyImage));
     EXPECT_EQ(draw(true, false), std::pair(kKeyImage, kRed));
-    mgr.m_color.m_ctRuler = 0; // black strokes vanish in the burn-in
+    EditAppearance(mgr, [](auto& a) { a.color.m_ctRuler = 0; }); // black strokes vanish in the burn-in
     draw(true, true);
     EXPECT_EQ(bits.data, std::vector<uchar>(bits.data.size(), 0));
 }
 
 TEST_F(MgrFixture, DrawToImageStampsDateAndTitle)
 {
-    mgr.m_color.m_ctText = 7;
+    EditAppearance(mgr, [](auto& a) { a.color.m_ctText = 7; });
     const QColor yellow(255, 255, 0);
     Bits bits(400, 300);
     mgr.DrawToImage(bits.data.data(), 400, 300, true, true, 0, true, true, "Sample 7");
@@ -219,7 +255,7 @@ TEST_F(MgrFixture, DrawToImageStampsDateAndTitle)
     const QRect titleCell(QPoint(300, 240), Gdi::TextExtent(stamp, "Sample 7"));
     EXPECT_TRUE(dateCell.contains(dateInk) && dateInk.width() > dateCell.width() / 2);
     EXPECT_TRUE(titleCell.contains(titleInk) && titleInk.width() > titleCell.width() / 2);
-    mgr.m_nFontBackground = 2;
+    EditAppearance(mgr, [](auto& a) { a.fontBackground = 2; });
     mgr.DrawToImage(bits.data.data(), 400, 300, true, true, 0, true, false, QString());
     EXPECT_EQ(bits.Extent(kKeyImage), dateCell) << "a gray cell";
 }

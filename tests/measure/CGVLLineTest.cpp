@@ -19,10 +19,10 @@ TEST_F(LineFixture, DragMakesALineFromTheReleasePointToTheDragStartIfLongEnough)
     mgr.OnMouseMove(1, { 103, 101 }, 2);
     mgr.OnMouseMove(1, { 200, 180 }, 2);
     CGVLLine* line = Elem<CGVLLine>(1);
-    EXPECT_TRUE(line->m_bDown && line->m_bSelected && mgr.m_bMouseDown == 1);
+    EXPECT_TRUE(line->m_bDown && line->m_bSelected && mgr.IsMouseDown());
     mgr.OnLButtonUp(0, { 200, 180 }, 2);
     EXPECT_EQ(line->m_arCoord, (std::vector<QPoint> { { 200, 180 }, { 103, 101 } }));
-    EXPECT_FALSE(line->m_bDown || line->m_bSelected || mgr.m_bMouseDown);
+    EXPECT_FALSE(line->m_bDown || line->m_bSelected || mgr.IsMouseDown());
     EXPECT_EQ(line->m_nHit, -1);
 
     auto count = [&](int tool, std::vector<QPoint> moves) {
@@ -41,19 +41,19 @@ TEST_F(LineFixture, DragMakesALineFromTheReleasePointToTheDragStartIfLongEnough)
 
 TEST_F(LineFixture, LengthKeepsTheScalesApartAndLabelsByPrecision)
 {
-    mgr.m_unit = CalibrationRecord {}; // a fresh installation: mm, 0.2 per pixel
-    mgr.m_nPrecision = 1;
+    mgr.SetUnit(CalibrationRecord {}); // a fresh installation: mm, 0.2 per pixel
+    EditAppearance(mgr, [](auto& a) { a.precision = 1; });
     CGVLLine* line = Make({ 0, 10 }, { 100, 10 });
     EXPECT_EQ(line->LabelText(), "L=20.0mm");
-    mgr.m_unit.m_dcxPerPixel = 0.1;
+    EditUnit(mgr, [](auto& u) { u.m_dcxPerPixel = 0.1; });
     line->m_arCoord = { { 5, 0 }, { 5, 100 } };
     EXPECT_DOUBLE_EQ(line->GetLength(), 20.0);
-    mgr.m_unit.m_dcyPerPixel = 0.1;
+    EditUnit(mgr, [](auto& u) { u.m_dcyPerPixel = 0.1; });
     line->m_arCoord = { { 0, 0 }, { 30, 40 } };
-    mgr.m_unit.m_rtUnit = 0;
-    mgr.m_nPrecision = 3;
+    EditUnit(mgr, [](auto& u) { u.m_rtUnit = 0; });
+    EditAppearance(mgr, [](auto& a) { a.precision = 3; });
     EXPECT_EQ(line->LabelText(), "L=5.000um");
-    mgr.m_nPrecision = 6;
+    EditAppearance(mgr, [](auto& a) { a.precision = 6; });
     EXPECT_EQ(line->LabelText(), "");
 }
 
@@ -68,25 +68,29 @@ TEST_F(LineFixture, LabelSitsBesideTheMiddleByTheSlopeInACellOfTheFontSize)
     mgr.m_arShape.resize(1);
 
     CGVLLine* line = Make({ 20, 150 }, { 220, 150 });
-    mgr.m_nFontBackground = 2;
+    EditAppearance(mgr, [](auto& a) { a.fontBackground = 2; });
     for (const auto& [fontSize, height] : { std::pair { 1, 20 }, { 2, 28 }, { 3, 36 }, { 7, 20 } }) {
-        mgr.m_nFontSize = fontSize;
+        EditAppearance(mgr, [&](auto& a) { a.fontSize = fontSize; });
         const Bits bits = DrawBits(mgr);
         const QPoint at = line->LabelPos();
         EXPECT_EQ(bits.At(at.x(), at.y()), kGray) << fontSize;
         EXPECT_EQ(bits.At(at.x(), at.y() + height - 1), kGray) << fontSize;
         EXPECT_NE(bits.At(at.x(), at.y() + height), kGray) << fontSize;
     }
-    mgr.m_nFontBackground = 1;
-    mgr.m_nPrecision = 0;
+    EditAppearance(mgr, [](auto& a) {
+        a.fontBackground = 1;
+        a.precision = 0;
+    });
     EXPECT_EQ(DrawBits(mgr).Extent(kKeyBits), QRect(QPoint(20, 150), QPoint(219, 150)))
         << "line without label";
 }
 
 TEST_F(LineFixture, SelectedLineIsDottedWithEndBarsAndHandles)
 {
-    mgr.m_color = { 1, 2, 3, 1 };
-    mgr.m_nPrecision = 0;
+    EditAppearance(mgr, [](auto& a) {
+        a.color = { 1, 2, 3, 1 };
+        a.precision = 0;
+    });
     mgr.OnLButtonDown(1, { 200, 100 }, 2);
     mgr.OnMouseMove(1, { 200, 100 }, 2);
     mgr.OnMouseMove(1, { 100, 100 }, 2);

@@ -7,7 +7,7 @@ using namespace MeasureTest;
 
 TEST_F(ElementFixture, PointIsPlacedDraggedAndDeletedWithinItsHandleBox)
 {
-    mgr.m_unit = { 1, 0.37, 0.11, 1.0, 1.0 };
+    mgr.SetUnit({ 1, 0.37, 0.11, 1.0, 1.0 });
     Drag(mgr, 1, { 5, 7 }, { { 6, 7 }, { 100, 100 } });
     Click(mgr, 1, { 200, 100 });
     CGVLPoint* point = Elem<CGVLPoint>(1);
@@ -25,7 +25,7 @@ TEST_F(ElementFixture, PointIsPlacedDraggedAndDeletedWithinItsHandleBox)
 
 TEST_F(ElementFixture, PointMarkIsARingWithTwoCrossesAndALabelAbove)
 {
-    mgr.m_color = { 2, 4, 3, 1 }; // coord red, adjust green
+    EditAppearance(mgr, [](auto& a) { a.color = { 2, 4, 3, 1 }; }); // coord red, adjust green
     Click(mgr, 1, { 100, 100 });
     Bits bits = DrawBits(mgr);
     for (const auto& [p, c] : { std::pair { QPoint(100, 100), kRed }, { { 102, 100 }, kRed },
@@ -33,7 +33,7 @@ TEST_F(ElementFixture, PointMarkIsARingWithTwoCrossesAndALabelAbove)
              { { 106, 100 }, kGreen }, { { 100, 106 }, kGreen }, { { 107, 100 }, kKeyBits },
              { { 100, 107 }, kKeyBits }, { { 97, 97 }, kKeyBits } })
         EXPECT_EQ(bits.At(p.x(), p.y()), c) << p.x() << "," << p.y();
-    mgr.m_nFontBackground = 2;
+    EditAppearance(mgr, [](auto& a) { a.fontBackground = 2; });
     bits = DrawBits(mgr);
     EXPECT_EQ(bits.At(100, 80), kGray);
     EXPECT_TRUE(bits.At(99, 80) == kKeyBits && bits.At(100, 79) == kKeyBits);
@@ -59,7 +59,7 @@ TEST_F(ElementFixture, MarkersAreNumberedAsMadeAndNotRenumberedOnDelete)
     EXPECT_EQ(numbers(), (std::vector<int> { 1, 3, 3 })) << "two markers carry 3";
     Click(mgr, 200, { 52, 48 });
     EXPECT_EQ(numbers(), (std::vector<int> { 3, 3 }));
-    EXPECT_EQ(mgr.m_nCount, 2);
+    EXPECT_EQ(mgr.GetCount(), 2);
     Drag(mgr, 9, { 157, 50 }, { { 120, 90 } });
     EXPECT_EQ(Elem(1)->m_arCoord[0], QPoint(150, 50)) << "only its centre's handle box takes it";
     Drag(mgr, 9, { 156, 44 }, { { 120, 90 } });
@@ -68,9 +68,9 @@ TEST_F(ElementFixture, MarkersAreNumberedAsMadeAndNotRenumberedOnDelete)
 
 TEST_F(ElementFixture, MarkerCircleIsSizedByTheNumbersCell)
 {
-    mgr.m_nFontBackground = 2;
+    EditAppearance(mgr, [](auto& a) { a.fontBackground = 2; });
     Click(mgr, 202, { 100, 100 });
-    mgr.m_nCount = 999;
+    mgr.SetCount(999);
     Click(mgr, 202, { 200, 100 });
     // One digit: the cell height, 28 at Medium, is the radius.
     EXPECT_EQ(Elem<CGVLNo>(1)->CircleRect(), (GdiRect { 77, 77, 123, 123 }));

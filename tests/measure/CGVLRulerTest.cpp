@@ -10,10 +10,10 @@ struct RulerFixture : ::testing::Test
 {
     RulerFixture()
     {
-        mgr.m_hWnd = &window;
+        mgr.SetWindow(&window, nullptr);
         ruler = dynamic_cast<CGVLRuler*>(mgr.CreateShape(ShapeType::Ruler));
-        mgr.m_bShowRuler = 1;
-        mgr.m_unit = CalibrationRecord { 1, 0.2, 0.2, 2.0, 3.0 };
+        mgr.SetRulerShown(true);
+        mgr.SetUnit(CalibrationRecord { 1, 0.2, 0.2, 2.0, 3.0 });
     }
     QPoint P0() const { return ruler->m_arCoord[0]; }
     QPoint P1() const { return ruler->m_arCoord[1]; }
@@ -86,11 +86,11 @@ TEST_F(RulerFixture, PressesGoOnToTheElementsBelowAndAHiddenRulerTakesNone)
     mgr.OnLButtonDown(1, { 60, 60 }, 9);
     EXPECT_EQ(ruler->m_nRulerHit, 1);
     EXPECT_EQ(below->lastPoint, QPoint(60, 60));
-    EXPECT_EQ(mgr.m_bMouseDown, 1);
+    EXPECT_TRUE(mgr.IsMouseDown());
     mgr.OnLButtonUp(0, { 60, 60 }, 9);
     mgr.m_arShape.erase(mgr.m_arShape.begin());
 
-    mgr.m_bShowRuler = 0;
+    mgr.SetRulerShown(false);
     const CalibrationRecord before = mgr.m_unit;
     Drag(mgr, 9, { 100, 50 }, { { 200, 50 } });
     EXPECT_EQ(P0(), QPoint(100, 50));
@@ -107,22 +107,24 @@ TEST_F(RulerFixture, IsNeverDeletedNorEmptiedAndLabelsAtTheManagersPrecision)
     ASSERT_EQ(mgr.m_arShape.size(), 1u);
     EXPECT_EQ(mgr.m_arShape.front().get(), ruler);
 
-    mgr.m_nPrecision = 3;
+    EditAppearance(mgr, [](auto& a) { a.precision = 3; });
     EXPECT_EQ(ruler->XLabel(), "2.000 mm");
     EXPECT_EQ(ruler->YLabel(), "3.000 mm");
-    mgr.m_unit.m_rtUnit = 4;
-    mgr.m_nPrecision = 1;
+    EditUnit(mgr, [](auto& u) { u.m_rtUnit = 4; });
+    EditAppearance(mgr, [](auto& a) { a.precision = 1; });
     EXPECT_EQ(ruler->YLabel(), "3.0 inch");
     EXPECT_EQ(ruler->XLabelPos(), QPoint(110, 45));
     EXPECT_EQ(ruler->YLabelPos(), QPoint(50, 105));
-    mgr.m_nPrecision = 6;
+    EditAppearance(mgr, [](auto& a) { a.precision = 6; });
     EXPECT_EQ(ruler->XLabel(), "");
 }
 
 TEST_F(RulerFixture, DrawsTheArmsWithTicksAndLabelsInTheSmallFontWhateverTheSize)
 {
-    mgr.m_color = ColorRecord { 4, 3, 3, 2 }; // green strokes, red text
-    mgr.m_nPrecision = 6; // arms alone
+    EditAppearance(mgr, [](auto& a) {
+        a.color = ColorRecord { 4, 3, 3, 2 }; // green strokes, red text
+        a.precision = 6; // arms alone
+    });
     Bits arms = DrawBits(mgr);
     EXPECT_EQ(arms.Extent(kKeyBits), QRect(QPoint(45, 45), QPoint(100, 100)));
     // Each arm starts 5 before the corner; a tick crosses each end.
@@ -131,15 +133,17 @@ TEST_F(RulerFixture, DrawsTheArmsWithTicksAndLabelsInTheSmallFontWhateverTheSize
         EXPECT_EQ(arms.At(p.x(), p.y()), kGreen) << p.x() << "," << p.y();
     EXPECT_EQ(arms.At(70, 70), kKeyBits);
 
-    mgr.m_nPrecision = 2;
-    mgr.m_nFontSize = 1;
+    EditAppearance(mgr, [](auto& a) {
+        a.precision = 2;
+        a.fontSize = 1;
+    });
     const Bits small = DrawBits(mgr);
-    mgr.m_nFontSize = 3;
+    EditAppearance(mgr, [](auto& a) { a.fontSize = 3; });
     EXPECT_EQ(small.data, DrawBits(mgr).data) << "the ruler's labels ignore the font size";
     const QRect all = small.Extent(kKeyBits);
     EXPECT_GT(all.right(), 140) << "the label right of P0";
     EXPECT_LE(all.bottom(), 105 + 20) << "20 pixels high under P1";
     EXPECT_GT(all.bottom(), 110);
-    mgr.m_bHide = 1;
+    mgr.SetHidden(true);
     EXPECT_EQ(DrawBits(mgr).Extent(kKeyBits), QRect()) << "hidden";
 }

@@ -12,7 +12,7 @@ struct ScaleFixture : ::testing::Test
     {
         mgr.CreateShape(ShapeType::Ruler); // element 0, not shown
         scale = dynamic_cast<CGVLScale*>(mgr.CreateShape(ShapeType::Scale));
-        mgr.m_color.m_ctRuler = 3;
+        EditAppearance(mgr, [](auto& a) { a.color.m_ctRuler = 3; });
     }
     // The stroke colour at (x, y)?
     static bool On(const Bits& bits, int x, int y) { return bits.At(x, y) == kGreen; }
@@ -67,6 +67,6 @@ TEST_F(ScaleFixture, TickCountComesFromTheWidthAndStepsAreTruncated)
     EXPECT_TRUE(On(bits, 53, 240 - 125)) << "i = 25 on the vertical axis";
     EXPECT_FALSE(On(bits, 53, 240 - 130)) << "no i = 26";
 
-    mgr.m_bHide = 1;
+    mgr.SetHidden(true);
     EXPECT_EQ(DrawBits(mgr, 640, 480).Extent(kKeyBits), QRect());
 }

@@ -63,7 +63,7 @@ TEST_F(ShapeFixture, SetUnitWritesThroughToEveryElement)
 
 TEST_F(ShapeFixture, ArrowHeadBarbsAtTheSecondPoint)
 {
-    mgr.m_color.m_ctRuler = 2;
+    EditAppearance(mgr, [](auto& a) { a.color.m_ctRuler = 2; });
     QImage image(120, 100, QImage::Format_BGR888);
     image.fill(kKeyBits);
     {

@@ -41,15 +41,15 @@ TEST_F(ThreeClickTest, AngleIsTheTurnFromTheSecondArmToTheFirst)
     EXPECT_DOUBLE_EQ(angle({ 150, 100 }, { 100, 100 }, { 200, 100 }), 0.0);
     // Pi is 3.14159 in the direction of an arm: 45 degrees read 45.00004.
     EXPECT_NEAR(angle({ 150, 100 }, { 100, 100 }, { 150, 150 }), 45.000038, 1e-6);
-    mgr.m_unit.m_rtUnit = 4;
-    mgr.m_nPrecision = 5;
+    EditUnit(mgr, [](auto& u) { u.m_rtUnit = 4; });
+    EditAppearance(mgr, [](auto& a) { a.precision = 5; });
     EXPECT_EQ(Last<CGVLAngle>(mgr)->LabelText(), "A=45.00004 deg") << "degrees whatever the unit";
     EXPECT_EQ(Last<CGVLAngle>(mgr)->LabelPos(), QPoint(133, 116)) << "the centroid";
 }
 
 TEST_F(ThreeClickTest, PlacingAnAngleDrawsARubberBandThenAnArcCounterClockwise)
 {
-    mgr.m_nPrecision = 0;
+    EditAppearance(mgr, [](auto& a) { a.precision = 0; });
     Click(mgr, 3, { 20, 100 });
     mgr.OnMouseMove(0, { 120, 100 }, 3);
     CGVLAngle* angle = Last<CGVLAngle>(mgr);
@@ -70,7 +70,7 @@ TEST_F(ThreeClickTest, PlacingAnAngleDrawsARubberBandThenAnArcCounterClockwise)
     const std::array<int, 4> q = RingQuarters(DrawBits(mgr), { 100, 100 });
     EXPECT_GT(q[0], 20);
     EXPECT_EQ(q[1] + q[2] + q[3], 0);
-    mgr.m_nPrecision = 1;
+    EditAppearance(mgr, [](auto& a) { a.precision = 1; });
     EXPECT_EQ(Last<CGVLAngle>(mgr)->LabelText(), "A=270.0 deg");
     Clicks(mgr, 3, { { 100, 40 }, { 100, 100 }, { 160, 100 } }); // three quarters
     const std::array<int, 4> swapped = RingQuarters(DrawBits(mgr), { 100, 100 });
@@ -85,8 +85,8 @@ TEST_F(ThreeClickTest, CircleThroughThreePointsHasAnIntegerCentreAndRadius)
     };
     using Circle = CGVLCircleT::Circle;
     EXPECT_EQ(fit({ 100, 100 }, { 110, 100 }, { 100, 110 }), (Circle { { 105, 105 }, 7 }));
-    mgr.m_unit = { 1, 0.2, 0.4, 0, 0 };
-    mgr.m_nPrecision = 3;
+    mgr.SetUnit({ 1, 0.2, 0.4, 0, 0 });
+    EditAppearance(mgr, [](auto& a) { a.precision = 3; });
     EXPECT_EQ(Last<CGVLCircleT>(mgr)->AreaText(), "S=12.315mm2"); // 7 * 3.14159 * 0.2 * 7 * 0.4
     EXPECT_EQ(Last<CGVLCircleT>(mgr)->RadiusText(), "R=2.100mm");
     // One vertical chord passes the collinearity test; the centre's x is rounded.
@@ -99,7 +99,7 @@ TEST_F(ThreeClickTest, CircleThroughThreePointsHasAnIntegerCentreAndRadius)
 
     // Its points show while it is placed, then the circle.
     mgr.DeleteAll();
-    mgr.m_nPrecision = 0;
+    EditAppearance(mgr, [](auto& a) { a.precision = 0; });
     Click(mgr, 7, { 100, 100 });
     mgr.OnMouseMove(0, { 200, 150 }, 7);
     EXPECT_EQ(DrawBits(mgr).Extent(kKeyBits), QRect(QPoint(95, 95), QPoint(104, 104))) << "no rubber band";

@@ -35,11 +35,7 @@ TEST(CPictureSaverTest, EnlargesAnyPictureAndReportsFailuresWithoutShowingThem)
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     CGVLElemMgr mgr;
-    {
-        const auto lock = mgr.Lock();
-        mgr.m_unit.m_dcxPerPixel = 0.8;
-        mgr.m_unit.m_dcyPerPixel = 0.6;
-    }
+    mgr.SetUnit({ 0, 0.8, 0.6, 10.0, 10.0 });
     const FCObjImage clean = Gradient(640, 480);
 
     // Enlargement 3: the top-left 1280 x 960 (all of this picture) becomes

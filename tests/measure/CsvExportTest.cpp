@@ -17,10 +17,10 @@ struct CsvFixture : MeasureFixture
 {
     CsvFixture()
     {
-        mgr.m_fnTextInput = [](QObject*, QStringList& lines) {
+        mgr.SetTextInput([](QObject*, QStringList& lines) {
             lines = QStringList { "no row" };
             return true;
-        };
+        });
     }
     QByteArray Csv(bool semicolon = false) { return ExportCsv(mgr, semicolon); }
     // Elements that measure nothing, between the measuring ones.
@@ -45,14 +45,14 @@ TEST_F(CsvFixture, EveryMeasuringShapeGivesItsRowsInCreationOrderAndNoneNothing)
     std::vector<QStringList> labels;
     for (const auto& snap : snaps) {
         mgr.DeleteAll();
-        mgr.m_fnSnapPicture = snap;
+        mgr.SetSnapSource(snap);
         EXPECT_EQ(Csv(), "") << "the ruler alone";
         Annotate({ 100, 100 });
         EXPECT_EQ(Csv(true), "No.;Type;Result;Unit\n") << "only elements that measure nothing";
         mgr.DeleteAll();
         EXPECT_EQ(Csv(), "") << "after Delete all, not even the header";
-        mgr.m_unit = { 1, 0.1, 0.1, 0, 0 };
-        mgr.m_nPrecision = 3;
+        mgr.SetUnit({ 1, 0.1, 0.1, 0, 0 });
+        EditAppearance(mgr, [](auto& a) { a.precision = 3; });
         Drag(mgr, 2, { 0, 0 }, { { 0, 0 }, { 30, 40 } });
         Annotate({ 300, 20 });
         Clicks(mgr, 3, { { 150, 100 }, { 100, 100 }, { 150, 150 } });
@@ -102,8 +102,8 @@ TEST_F(CsvFixture, EveryPrecisionAndUnitWithTheUnitsLeadingSpace)
     const char* units[] = { "um", "mm", "cm", "dm", "inch" };
     for (int unit = 0; unit < 5; ++unit)
         for (int precision = 1; precision <= 5; ++precision) {
-            mgr.m_unit = { unit, 12.3456, 1.0, 0, 0 };
-            mgr.m_nPrecision = precision;
+            mgr.SetUnit({ unit, 12.3456, 1.0, 0, 0 });
+            EditAppearance(mgr, [&](auto& a) { a.precision = precision; });
             const QByteArray n = numbers[precision - 1];
             const QByteArray u = units[unit];
             EXPECT_EQ(Csv(),
@@ -111,11 +111,11 @@ TEST_F(CsvFixture, EveryPrecisionAndUnitWithTheUnitsLeadingSpace)
                     + "2\n");
         }
     for (int precision : { 0, 6 }) {
-        mgr.m_nPrecision = precision;
+        EditAppearance(mgr, [&](auto& a) { a.precision = precision; });
         EXPECT_EQ(Csv(), "No.,Type,Result,Unit\n") << "rows stay empty";
     }
-    mgr.m_nPrecision = 5;
-    mgr.m_unit.m_dcxPerPixel = 1e300; // a row past its 255 bytes is cut there
+    EditAppearance(mgr, [](auto& a) { a.precision = 5; });
+    EditUnit(mgr, [](auto& u) { u.m_dcxPerPixel = 1e300; }); // a row past its 255 bytes is cut there
     const QByteArray csv = Csv();
     const QByteArray last = csv.mid(csv.lastIndexOf('\n') + 1);
     EXPECT_EQ(last.size(), 255) << "no line feed left";
@@ -128,7 +128,7 @@ TEST_F(CsvFixture, NumbersKeepAPeriodUnderACommaLocale)
     char probe[8];
     std::snprintf(probe, sizeof probe, "%.1f", 1.5);
     EXPECT_STREQ(probe, "1,5");
-    mgr.m_nPrecision = 2;
+    EditAppearance(mgr, [](auto& a) { a.precision = 2; });
     Clicks(mgr, 3, { { 150, 100 }, { 100, 100 }, { 150, 150 } });
     const QByteArray semicolon = Csv(true);
     const QByteArray comma = Csv();

@@ -54,9 +54,9 @@ struct SnapFixture : MeasureFixture
 {
     SnapFixture()
     {
-        mgr.m_unit = { 1, 0.01, 0.01, 0, 0 };
-        mgr.m_nPrecision = 3;
-        mgr.m_fnSnapPicture = [this] { return on ? Scene() : QImage(); };
+        mgr.SetUnit({ 1, 0.01, 0.01, 0, 0 });
+        EditAppearance(mgr, [](auto& a) { a.precision = 3; });
+        mgr.SetSnapSource([this] { return on ? Scene() : QImage(); });
     }
     bool on = true;
 };

@@ -15,6 +15,7 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -36,7 +37,7 @@ class TestShape : public CGVLShape
 {
 public:
     TestShape(CGVLElemMgr& mgr, int type, QPoint at)
-        : CGVLShape(&mgr.m_unit, &mgr.m_color, mgr.m_hWnd, &mgr)
+        : CGVLShape(&mgr.m_unit, &mgr.m_color, mgr.GetWindow(), &mgr)
     {
         m_nType = type;
         AddOneCoord(at);
@@ -181,6 +182,22 @@ template <typename Shape> Shape* Last(CGVLElemMgr& mgr)
     return mgr.m_arShape.empty() ? nullptr : At<Shape>(mgr, mgr.m_arShape.size() - 1);
 }
 
+// Changes part of the calibration or of the appearance and keeps the rest,
+// as the dialogs do.
+inline void EditUnit(CGVLElemMgr& mgr, const std::function<void(CalibrationRecord&)>& change)
+{
+    CalibrationRecord unit = mgr.GetUnit();
+    change(unit);
+    mgr.SetUnit(unit);
+}
+
+inline void EditAppearance(CGVLElemMgr& mgr, const std::function<void(CGVLElemMgr::Appearance&)>& change)
+{
+    CGVLElemMgr::Appearance look = mgr.GetAppearance();
+    change(look);
+    mgr.SetAppearance(look);
+}
+
 // A manager whose element 0 is a stand-in drawn out of the way, at (300, 230).
 struct ElementFixture : ::testing::Test
 {
@@ -195,7 +212,7 @@ struct MeasureFixture : ::testing::Test
     MeasureFixture()
     {
         mgr.CreateShape(ShapeType::Ruler);
-        mgr.m_color = { 1, 2, 3, 1 };
+        EditAppearance(mgr, [](auto& a) { a.color = { 1, 2, 3, 1 }; });
     }
     CGVLElemMgr mgr;
 };

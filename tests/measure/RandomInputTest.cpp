@@ -27,7 +27,7 @@ void ExpectExportMatches(CGVLElemMgr& mgr, const std::string& where)
     }
     QList<QByteArray> lines = csv.split('\n');
     ASSERT_TRUE(lines.takeFirst() == "No.,Type,Result,Unit" && lines.takeLast().isEmpty()) << where;
-    const int precision = mgr.m_nPrecision;
+    const int precision = mgr.GetAppearance().precision;
     const bool rows = precision >= 1 && precision <= 5;
     // A unit outside the five (the gestures set -1 too) exports as mm.
     const char* units[] = { " um", " mm", " cm", " dm", " inch" };
@@ -89,21 +89,21 @@ TEST(RandomInput, GesturesOverEveryToolKeepTheRulerAndExportWhatTheShapesReport)
         auto pick = [&](int n) { return int(rng() % std::uint32_t(n)); };
         QObject window; // repaints go nowhere
         CGVLElemMgr mgr;
-        mgr.m_hWnd = &window;
-        ASSERT_NE(mgr.CreateShape(ShapeType::Ruler), nullptr);
-        mgr.m_bShowRuler = 1;
-        mgr.m_fnTextInput = [&](QObject*, QStringList& lines) {
+        mgr.SetWindow(&window, [&](QObject*, QStringList& lines) {
             for (int i = pick(3); i > 0; --i)
                 lines.append(QString(pick(20), QChar('a' + pick(26))));
             return pick(3) != 0;
-        };
+        });
+        ASSERT_NE(mgr.CreateShape(ShapeType::Ruler), nullptr);
+        mgr.SetRulerShown(true);
         const bool undoing = seed <= 10;
         CShapeHistory history(mgr, 1000);
         // What a user sees of a state, at one precision whatever the settings say.
         const auto look = [&mgr] {
-            const int precision = std::exchange(mgr.m_nPrecision, 3);
-            QByteArray seen = ExportCsv(mgr) + ShapesToJson(mgr) + QByteArray::number(mgr.m_nCount);
-            mgr.m_nPrecision = precision;
+            const CGVLElemMgr::Appearance settings = mgr.GetAppearance();
+            EditAppearance(mgr, [](auto& a) { a.precision = 3; });
+            QByteArray seen = ExportCsv(mgr) + ShapesToJson(mgr) + QByteArray::number(mgr.GetCount());
+            mgr.SetAppearance(settings);
             return seen;
         };
         std::vector<QByteArray> kept { look() };
@@ -123,11 +123,12 @@ TEST(RandomInput, GesturesOverEveryToolKeepTheRulerAndExportWhatTheShapesReport)
                 for (int i = pick(4); i >= 0; --i)
                     mgr.OnMouseMove(0, next(), tool);
             } else if (action == 2) {
-                const auto lock = mgr.Lock();
-                mgr.m_nPrecision = pick(8) ? 1 + pick(5) : pick(8) - 1;
-                mgr.m_nFontSize = pick(5);
-                mgr.m_nFontBackground = pick(3);
-                mgr.m_unit.m_rtUnit = pick(6) - 1;
+                EditAppearance(mgr, [&](auto& a) {
+                    a.precision = pick(8) ? 1 + pick(5) : pick(8) - 1;
+                    a.fontSize = pick(5);
+                    a.fontBackground = pick(3);
+                });
+                EditUnit(mgr, [&](auto& u) { u.m_rtUnit = pick(6) - 1; });
             } else {
                 mgr.OnLButtonDown(1, next(), tool);
                 for (int i = pick(5); i > 0; --i)
@@ -139,7 +140,7 @@ TEST(RandomInput, GesturesOverEveryToolKeepTheRulerAndExportWhatTheShapesReport)
             if (undoing && history.Commit())
                 kept.push_back(look());
             ASSERT_EQ(mgr.m_arShape.at(0)->GetType(), 9) << where;
-            ASSERT_EQ(mgr.m_nCount, std::count_if(mgr.m_arShape.begin(), mgr.m_arShape.end(), [](auto& s) {
+            ASSERT_EQ(mgr.GetCount(), std::count_if(mgr.m_arShape.begin(), mgr.m_arShape.end(), [](auto& s) {
                 return s->GetType() == 11;
             })) << where;
             if (step % 10 == 9) {

@@ -6,9 +6,12 @@
 #include <QObject>
 #include <QPainter>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <set>
 #include <thread>
+#include <vector>
 
 using namespace MeasureTest;
 
@@ -46,9 +49,9 @@ struct ThreadFixture : ::testing::Test
 {
     ThreadFixture()
     {
-        mgr.m_hWnd = &window;
+        mgr.SetWindow(&window, nullptr);
         mgr.CreateShape(ShapeType::Ruler);
-        mgr.m_bShowRuler = 1;
+        mgr.SetRulerShown(true);
     }
     QObject window; // repaint requests go nowhere
     CGVLElemMgr mgr;
@@ -89,12 +92,14 @@ TEST_F(ThreadFixture, ElementsAreEditedExportedAndPaintedWhileTheWorkerDraws)
         mgr.SetOrigin({ -round, -2 * round });
         {
             const auto lock = mgr.Lock();
-            mgr.m_nPrecision = 1 + round % 5;
-            mgr.m_nFontSize = 1 + round % 3;
-            mgr.m_nFontBackground = 1 + round % 2;
-            mgr.m_color.m_ctRuler = round % 8;
-            mgr.m_unit.m_dcxPerPixel = 0.1 + round * 0.01;
-            mgr.m_bCrossDashed = round & 1;
+            EditAppearance(mgr, [&](auto& a) {
+                a.precision = 1 + round % 5;
+                a.fontSize = 1 + round % 3;
+                a.fontBackground = 1 + round % 2;
+                a.color.m_ctRuler = round % 8;
+            });
+            EditUnit(mgr, [&](auto& u) { u.m_dcxPerPixel = 0.1 + round * 0.01; });
+            mgr.SetCrossLines(false, (round & 1) != 0);
         }
         history.Commit();
         QPainter dc(&screen);
@@ -112,6 +117,73 @@ TEST_F(ThreadFixture, ElementsAreEditedExportedAndPaintedWhileTheWorkerDraws)
     EXPECT_EQ(mgr.m_arShape.at(0)->GetType(), 9);
 }
 
+// Settings change whole under the worker: while the calibration and the
+// colours go back and forth between two states, every overlay it draws shows
+// each record as one of the states left it (the labels of one calibration,
+// strokes and text of one colour record), and so does every copy it reads.
+TEST_F(ThreadFixture, SettingsChangedWhileTheWorkerDrawsAreDrawnWhole)
+{
+    const CalibrationRecord units[] { { 1, 0.1, 0.1, 10.0, 10.0 }, { 0, 0.3, 0.3, 20.0, 20.0 } };
+    const ColorRecord colors[] { { 4, 2, 3, 2 }, { 4, 3, 3, 3 } }; // red, then green strokes and text
+    Drag(mgr, 2, { 40, 40 }, { { 41, 41 }, { 140, 140 } }); // a line with its length label
+    // The four mixes of the two states, each record whole.
+    std::vector<std::vector<uchar>> whole;
+    for (const CalibrationRecord& unit : units)
+        for (const ColorRecord& color : colors) {
+            mgr.SetUnit(unit);
+            mgr.SetAppearance({ .color = color });
+            whole.push_back(DrawBits(mgr).data);
+        }
+    ASSERT_EQ(std::set(whole.begin(), whole.end()).size(), 4u);
+    mgr.SetUnit({ 1, 0.1, 0.3, 10.0, 20.0 });
+    const auto torn = DrawBits(mgr).data;
+    mgr.SetUnit(units[0]);
+    mgr.SetAppearance({ .color = { 4, 2, 3, 3 } });
+    const auto tornColors = DrawBits(mgr).data;
+    ASSERT_EQ(
+        std::count(whole.begin(), whole.end(), torn) + std::count(whole.begin(), whole.end(), tornColors), 0)
+        << "a torn record shows";
+    mgr.SetAppearance({ .color = colors[0] });
+
+    std::atomic<bool> stop { false };
+    std::atomic<int> passes { 0 };
+    std::atomic<std::size_t> mixes { 0 };
+    // The worker's own until it is joined.
+    std::set<std::size_t> drawn;
+    int tornDrawings = 0;
+    int tornCopies = 0;
+    std::thread worker([&] {
+        std::vector<uchar> bits(DibStride(320) * 240);
+        while (!stop.load()) {
+            mgr.DrawToBits(bits.data(), 320, 240);
+            const auto it = std::find(whole.begin(), whole.end(), bits);
+            if (it == whole.end())
+                ++tornDrawings;
+            else
+                drawn.insert(std::size_t(it - whole.begin()));
+            mixes = drawn.size();
+            const CalibrationRecord unit = mgr.GetUnit();
+            const ColorRecord color = mgr.GetAppearance().color;
+            tornCopies
+                += (unit != units[0] && unit != units[1]) || (color != colors[0] && color != colors[1]);
+            passes.fetch_add(1);
+        }
+    });
+    // A deadline, not a measurement.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    for (int i = 0; (passes.load() < 300 || mixes.load() < 4) && std::chrono::steady_clock::now() < deadline;
+         ++i) {
+        mgr.SetUnit(units[i % 2]);
+        mgr.SetAppearance({ .color = colors[i / 2 % 2] });
+        std::this_thread::yield();
+    }
+    stop = true;
+    worker.join();
+    EXPECT_EQ(tornDrawings, 0);
+    EXPECT_EQ(tornCopies, 0);
+    EXPECT_EQ(drawn.size(), 4u) << "the worker drew while the settings changed";
+}
+
 // The text dialog may stay open as long as the user likes; the live overlay
 // must go on being drawn meanwhile, so the dialog runs without the lock.
 TEST_F(ThreadFixture, TheOverlayWorkerDrawsWhileTheTextIsAsked)
@@ -119,7 +191,7 @@ TEST_F(ThreadFixture, TheOverlayWorkerDrawsWhileTheTextIsAsked)
     bool drewWhileAsking = true;
     {
         OverlayWorker worker(mgr);
-        mgr.m_fnTextInput = [&](QObject*, QStringList& lines) {
+        mgr.SetTextInput([&](QObject*, QStringList& lines) {
             // A deadline, not a measurement: a worker stuck on the lock would
             // otherwise hang the test.
             const int before = worker.passes.load();
@@ -129,7 +201,7 @@ TEST_F(ThreadFixture, TheOverlayWorkerDrawsWhileTheTextIsAsked)
             drewWhileAsking = drewWhileAsking && worker.passes.load() >= before + 3;
             lines = QStringList { "Sample", "7" };
             return true;
-        };
+        });
         for (int i = 0; i < 5; ++i)
             Click(mgr, 205, { 20 + 40 * i, 30 + 20 * i });
     }

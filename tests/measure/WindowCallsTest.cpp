@@ -32,7 +32,7 @@ TEST(WindowCalls, AskForTheAreaAtOnceOnTheWindowsThreadAndQueuedFromAnother)
 {
     WindowSpy window;
     CGVLElemMgr mgr;
-    mgr.m_hWnd = &window;
+    mgr.SetWindow(&window, nullptr);
     Drag(mgr, 2, { 100, 200 }, { { 101, 200 }, { 200, 260 } });
     EXPECT_GT(window.wholeRequests, 0) << "the release repaints the whole window";
     window.requested = QRegion();

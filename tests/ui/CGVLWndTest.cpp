@@ -87,7 +87,7 @@ TEST_F(WndFixture, MouseReachesTheManagerWithTheDocumentsToolAndDoubleClicksTheV
     Press({ 20, 30 }, Qt::RightButton);
     Release({ 20, 30 });
     EXPECT_EQ(log, (std::vector<std::string> { "spy:down", "spy:right", "spy:up" }));
-    EXPECT_EQ(doc.mgr.m_bMouseDown, 0);
+    EXPECT_FALSE(doc.mgr.IsMouseDown());
 
     // As the system delivers one: press, release, double click, release.
     const auto doubleClick = [&](QPoint p) {
@@ -124,10 +124,10 @@ TEST_F(WndFixture, FinishedGesturesAreUndoStepsAndClicksThatChangeNothingAreNot)
             t.push_back(shape->GetType());
         return t;
     };
-    doc.mgr.m_fnTextInput = [](QObject*, QStringList& lines) {
+    doc.mgr.SetTextInput([](QObject*, QStringList& lines) {
         lines = QStringList { "note" };
         return true;
-    };
+    });
     gesture(2, { { 100, 100 }, { 104, 101 }, { 200, 100 } });
     gesture(9, { { 300, 300 } }); // the move tool on empty ground
     gesture(2, { { 50, 50 } }); // a line of one point is discarded
@@ -201,7 +201,7 @@ TEST_F(WndFixture, PaintsThePictureAtTheZoomWithTheElementsOverOrGrayWhenThereIs
     for (int y = 0; y < 300; ++y) // a blue right half: scaled, not cropped
         for (int x = 300; x < 400; ++x)
             doc.picture.SetPixelColor(x, y, qRgb(0, 0, 255));
-    doc.mgr.m_color = ColorRecord { 4, 3, 3, 4 };
+    EditAppearance(doc.mgr, [](auto& a) { a.color = ColorRecord { 4, 3, 3, 4 }; });
     AddLine(doc.mgr, { 20, 100 }, { 120, 100 });
     doc.zoom = 7;
     QImage shot = Wnd()->grab().toImage();
@@ -214,7 +214,7 @@ TEST_F(WndFixture, PaintsThePictureAtTheZoomWithTheElementsOverOrGrayWhenThereIs
     EXPECT_EQ(Pixel(shot, 60, 100), kGreen) << "the line in window pixels, over the picture";
     EXPECT_EQ(Pixel(shot, 70, 50), kPictureRed) << "the ruler is hidden";
 
-    doc.mgr.m_bShowRuler = 1;
+    doc.mgr.SetRulerShown(true);
     doc.zoom = 12;
     shot = Wnd()->grab().toImage();
     EXPECT_EQ(Pixel(shot, 299, 299), kPictureRed) << "an unknown zoom paints at 100 %";
@@ -278,7 +278,7 @@ TEST_F(WndFixture, RepaintsWhatTheEngineAsksForFromAnyThread)
 // detached, nothing asks and the press is cancelled.
 TEST_F(WndFixture, AttachedTextPressesAskWithTheDialogAndDetachedOnesAreCancelled)
 {
-    ASSERT_EQ(doc.mgr.m_hWnd, Wnd());
+    ASSERT_EQ(doc.mgr.GetWindow(), Wnd());
     // The dialog is gone once the press returns: what it was is kept here.
     struct Shown
     {
@@ -313,7 +313,7 @@ TEST_F(WndFixture, AttachedTextPressesAskWithTheDialogAndDetachedOnesAreCancelle
     EXPECT_EQ(static_cast<CGVLAnoText&>(*doc.mgr.m_arShape[1]).m_arText, QStringList { "note" });
 
     Wnd()->DetachFromManager();
-    EXPECT_EQ(doc.mgr.m_hWnd, nullptr);
+    EXPECT_EQ(doc.mgr.GetWindow(), nullptr);
     shown.reset();
     answer(QStringLiteral("late"));
     doc.mgr.OnLButtonDown(1, { 300, 100 }, CGVLShape::kToolText);

@@ -84,14 +84,11 @@ TEST(CMeasureColorDlg, ShowsTheManagersValuesAndWritesThemBackOnOkOnly)
     });
     EXPECT_FALSE(CMeasureColorDlg::Edit(mgr));
     EXPECT_EQ(mgr.m_color, (ColorRecord { 4, 3, 3, 4 })) << "Cancel changes nothing";
-    EXPECT_EQ(mgr.m_nPrecision, 2);
+    EXPECT_EQ(mgr.GetAppearance().precision, 2);
 
     MeasureTest::WindowSpy window;
-    mgr.m_hWnd = &window;
-    mgr.m_color = ColorRecord { 5, 2, 6, 7 };
-    mgr.m_nPrecision = 3;
-    mgr.m_nFontSize = 2;
-    mgr.m_nFontBackground = 1;
+    mgr.SetAppearance({ .color = { 5, 2, 6, 7 }, .precision = 3, .fontSize = 2, .fontBackground = 1 });
+    mgr.SetWindow(&window, nullptr);
     OnModal("ok", [](QWidget& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "Measure Setting");
         EXPECT_EQ(List(dialog, "text")->currentIndex(), 7);
@@ -112,9 +109,9 @@ TEST(CMeasureColorDlg, ShowsTheManagersValuesAndWritesThemBackOnOkOnly)
     });
     EXPECT_TRUE(CMeasureColorDlg::Edit(mgr));
     EXPECT_EQ(mgr.m_color, (ColorRecord { 5, 1, 4, 0 }));
-    EXPECT_EQ(mgr.m_nPrecision, 5);
-    EXPECT_EQ(mgr.m_nFontSize, 3);
-    EXPECT_EQ(mgr.m_nFontBackground, 2);
+    EXPECT_EQ(mgr.GetAppearance().precision, 5);
+    EXPECT_EQ(mgr.GetAppearance().fontSize, 3);
+    EXPECT_EQ(mgr.GetAppearance().fontBackground, 2);
     EXPECT_EQ(window.wholeRequests, 1) << "the overlay repaints";
 }
 

@@ -33,7 +33,7 @@ struct DialogFixture : ::testing::Test
         paths.m_calibrationFolder = dir.filePath(QStringLiteral("data/svrdata/"));
         paths.m_factoryCalibrationFolder = QStringLiteral(OCULIX_SOURCE_DIR "/resources/svrdata/");
         SetCurrentAppPaths(paths);
-        doc.mgr.m_bShowRuler = 1;
+        doc.mgr.SetRulerShown(true);
         doc.dialog = std::make_unique<CRulerSettingDlg>(doc);
     }
     ~DialogFixture() override
@@ -109,10 +109,10 @@ TEST_F(DialogFixture, StartsWithTheRulerReadTheRecordsLengthsAndUnitAndShowsTheR
     EXPECT_TRUE(Edit("xPerPixel")->isReadOnly());
 
     // Activation puts the ruler on screen.
-    doc.mgr.m_bShowRuler = 0;
+    doc.mgr.SetRulerShown(false);
     QEvent activate(QEvent::WindowActivate);
     QCoreApplication::sendEvent(&Dlg(), &activate);
-    EXPECT_EQ(doc.mgr.m_bShowRuler, 1);
+    EXPECT_TRUE(doc.mgr.IsRulerShown());
 }
 
 // Typing and Recompute show the scale; the unit changes only the labels;
@@ -315,22 +315,22 @@ TEST(CRulerSettingDlg, CalibrationCommandTogglesDialogAndRulerTogether)
 {
     FakeMeasureDocument doc;
     FakeView view(doc);
-    doc.mgr.m_bShowRuler = 1;
+    doc.mgr.SetRulerShown(true);
     // The view's initial update: the dialog exists, hidden, and so is the ruler.
     CRulerSettingDlg::ToggleCalibration(doc, doc.dialog, doc.calibrationShown);
     ASSERT_TRUE(doc.dialog);
     EXPECT_FALSE(doc.dialog->isVisible());
-    EXPECT_EQ(doc.mgr.m_bShowRuler, 0);
+    EXPECT_FALSE(doc.mgr.IsRulerShown());
     EXPECT_TRUE(doc.calibrationShown);
     CRulerSettingDlg* const dialog = doc.dialog.get();
     for (int round = 0; round < 2; ++round) {
         CRulerSettingDlg::ToggleCalibration(doc, doc.dialog, doc.calibrationShown);
         EXPECT_TRUE(dialog->isVisible());
-        EXPECT_EQ(doc.mgr.m_bShowRuler, 1);
+        EXPECT_TRUE(doc.mgr.IsRulerShown());
         EXPECT_FALSE(doc.calibrationShown);
         CRulerSettingDlg::ToggleCalibration(doc, doc.dialog, doc.calibrationShown);
         EXPECT_FALSE(dialog->isVisible());
-        EXPECT_EQ(doc.mgr.m_bShowRuler, 0);
+        EXPECT_FALSE(doc.mgr.IsRulerShown());
         EXPECT_TRUE(doc.calibrationShown);
     }
     EXPECT_EQ(doc.dialog.get(), dialog) << "created once";
@@ -343,7 +343,7 @@ TEST(CRulerSettingDlg, ImmediateOkKeepsTheCalibrationAndItsUnit)
     for (const auto& [unit, unitText] : { std::pair { 1, "mm" }, { 4, "inch" } }) {
         FakeMeasureDocument doc;
         FakeView view(doc); // the ruler's arms are 50 pixels long
-        doc.mgr.m_unit = { unit, 0.004, 0.004, 0.2, 0.2 };
+        doc.mgr.SetUnit({ unit, 0.004, 0.004, 0.2, 0.2 });
         const CalibrationRecord before = doc.mgr.m_unit;
         CRulerSettingDlg::ToggleCalibration(doc, doc.dialog, doc.calibrationShown);
         CRulerSettingDlg::ToggleCalibration(doc, doc.dialog, doc.calibrationShown);
