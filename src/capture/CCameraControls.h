@@ -61,7 +61,7 @@ private:
     QList<CameraControl> QueryProperties() const;
 
     GstElement* m_source = nullptr;
-    CameraControlAccess m_access;
+    CameraControlAccess m_access = CameraControlAccess::DeviceNode;
     int m_fd = -1;
     mutable QString m_error;
 };

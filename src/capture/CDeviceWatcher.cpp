@@ -35,10 +35,12 @@ CDeviceWatcher::~CDeviceWatcher()
     gst_object_unref(m_monitor);
 }
 
-// Asked on the user-interface thread, against the devices present then: a
-// camera's second device comes and goes with its first.
+// Judged on the user-interface thread, against the devices present when the
+// report arrives there.
 bool CDeviceWatcher::IsHidden(GstDevice* device) const
 {
+    if (!m_monitor)
+        return false;
     GList* devices = gst_device_monitor_get_devices(m_monitor);
     std::vector<GstDevice*> present;
     for (GList* l = devices; l; l = l->next)

@@ -19,6 +19,7 @@ GstDeviceMonitor* g_sharedMonitor = nullptr; // under g_mutex
 
 // ---------------------------------------------------------------- V4L2
 
+// GStreamer's V4L2 provider marks its devices so.
 bool IsV4l2Device(GstDevice* device)
 {
     return DeviceProperty(device, "device.api") == QLatin1String("v4l2");
@@ -111,11 +112,6 @@ const CameraSource* CameraSourceOfElement(GstElement* element, CameraSourceTable
         if (std::strcmp(GST_OBJECT_NAME(factory), s.elementFactory) == 0)
             return &s;
     return nullptr;
-}
-
-bool IsCaptureDevice(GstDevice* device)
-{
-    return CameraSourceOf(device) != nullptr;
 }
 
 QString DeviceDisplayName(GstDevice* device)

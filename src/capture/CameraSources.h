@@ -53,13 +53,11 @@ using CameraSourceTable = std::span<const CameraSource>;
 // The program's sources.
 CameraSourceTable CameraSources();
 
-// The row that owns a device, or null.
+// The row that owns a device, or null: the program takes a device as a
+// camera when some row claims it.
 const CameraSource* CameraSourceOf(GstDevice* device, CameraSourceTable sources = CameraSources());
 // The row whose element this is, or null.
 const CameraSource* CameraSourceOfElement(GstElement* element, CameraSourceTable sources = CameraSources());
-
-// Whether the program lists a device: some row claims it.
-bool IsCaptureDevice(GstDevice* device);
 
 // A device's display (friendly) name.
 QString DeviceDisplayName(GstDevice* device);
