@@ -1,10 +1,8 @@
 #include "capture/CCameraControlStore.h"
 
+#include "capture/CameraSources.h"
 #include "platform/AppPaths.h"
 #include "platform/PrivateProfile.h"
-
-#include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
 
@@ -37,26 +35,9 @@ CCameraControlStore::CCameraControlStore(QString file)
 
 QString CCameraControlStore::CameraKey(const QString& name, GstDevice* device)
 {
-    QString serial;
-    if (device) {
-        if (GstStructure* props = gst_device_get_properties(device)) {
-            for (const char* field : { "device.serial", "serial" })
-                if (const gchar* s = gst_structure_get_string(props, field); s && *s) {
-                    serial = QString::fromUtf8(s);
-                    break;
-                }
-            // A USB camera's serial number sits beside its interface in sysfs.
-            const gchar* node = gst_structure_get_string(props, "device.path");
-            if (serial.isEmpty() && node) {
-                QFile file(QStringLiteral("/sys/class/video4linux/%1/device/../serial")
-                               .arg(QFileInfo(QString::fromUtf8(node)).fileName()));
-                if (file.open(QIODevice::ReadOnly))
-                    serial = QString::fromUtf8(file.readAll()).trimmed();
-            }
-            gst_structure_free(props);
-        }
-    }
-    return IniName(serial.isEmpty() ? name : name + QStringLiteral(" #") + serial);
+    const CameraSource* source = CameraSourceOf(device);
+    const QString id = source && source->stableId ? source->stableId(device) : QString();
+    return IniName(id.isEmpty() ? name : name + QStringLiteral(" #") + id);
 }
 
 void CCameraControlStore::Remember(const QString& camera, const CameraControl& control, int value) const

@@ -7,9 +7,10 @@
 #include <gst/gst.h>
 
 // The camera controls a user set, kept per camera in their own settings file
-// (one section per camera: its name, and its serial number where the device
-// reports one) and applied again whenever that camera starts, so a camera
-// plugged out and in again, or the next run, looks as it was left.
+// (one section per camera: its name, and its source's stable id where there
+// is one, a V4L2 camera's serial number) and applied again whenever that
+// camera starts, so a camera plugged out and in again, or the next run, looks
+// as it was left.
 class CCameraControlStore
 {
 public:

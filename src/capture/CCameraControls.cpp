@@ -1,5 +1,7 @@
 #include "capture/CCameraControls.h"
 
+#include "capture/CameraSources.h"
+
 #include <QCoreApplication>
 #include <QFile>
 
@@ -33,14 +35,7 @@ int Ioctl(int fd, unsigned long request, void* arg)
 
 QString DevicePath(GstElement* source, GstDevice* device)
 {
-    QString path;
-    if (device) {
-        if (GstStructure* props = gst_device_get_properties(device)) {
-            if (const gchar* p = gst_structure_get_string(props, "device.path"))
-                path = QString::fromUtf8(p);
-            gst_structure_free(props);
-        }
-    }
+    QString path = DeviceProperty(device, "device.path");
     if (path.isEmpty() && source && g_object_class_find_property(G_OBJECT_GET_CLASS(source), "device")) {
         gchar* p = nullptr;
         g_object_get(source, "device", &p, nullptr);
@@ -50,18 +45,23 @@ QString DevicePath(GstElement* source, GstDevice* device)
     return path;
 }
 
-bool IsSimSource(GstElement* source)
+// The bound element tells its source even without the device; a camera of no
+// known source is tried as a device node.
+CameraControlAccess AccessOf(GstElement* source, GstDevice* device)
 {
-    GstElementFactory* factory = source ? gst_element_get_factory(source) : nullptr;
-    return factory && std::strcmp(GST_OBJECT_NAME(factory), "oculixsimcamsrc") == 0;
+    const CameraSource* row = CameraSourceOfElement(source);
+    if (!row)
+        row = CameraSourceOf(device);
+    return row ? row->controls : CameraControlAccess::DeviceNode;
 }
 
 } // namespace
 
 CCameraControls::CCameraControls(GstElement* source, GstDevice* device)
     : m_source(source ? GST_ELEMENT(gst_object_ref(source)) : nullptr)
+    , m_access(AccessOf(source, device))
 {
-    if (IsSimSource(m_source))
+    if (m_access != CameraControlAccess::DeviceNode)
         return;
     const QString path = DevicePath(source, device);
     if (path.isEmpty()) {
@@ -84,14 +84,19 @@ CCameraControls::~CCameraControls()
 
 bool CCameraControls::IsAvailable() const
 {
-    return m_fd >= 0 || IsSimSource(m_source);
+    return m_fd >= 0 || HasPropertyControls();
+}
+
+bool CCameraControls::HasPropertyControls() const
+{
+    return m_source && m_access == CameraControlAccess::ElementProperties;
 }
 
 QList<CameraControl> CCameraControls::Query() const
 {
     if (m_fd >= 0)
         return QueryV4l2();
-    if (IsSimSource(m_source))
+    if (HasPropertyControls())
         return QueryProperties();
     return {};
 }

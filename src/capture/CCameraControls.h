@@ -1,5 +1,7 @@
 #pragma once
 
+#include "capture/CameraSources.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -31,10 +33,11 @@ struct CameraControl
     QByteArray property;
 };
 
-// The controls of a bound camera: a V4L2 camera's controls through the
-// control ioctls on its device node (brightness, contrast, exposure and its
-// automatic mode, white balance, ... whatever the driver lists), or the
-// simulated camera's own properties. Changes apply at once.
+// The controls of a bound camera, reached as its source says
+// (CameraSource::controls): a V4L2 camera's through the control ioctls on its
+// device node (brightness, contrast, exposure and its automatic mode, white
+// balance, ... whatever the driver lists), or the simulated camera's own
+// properties. Changes apply at once.
 class CCameraControls
 {
 public:
@@ -53,10 +56,12 @@ public:
     bool Set(const CameraControl& control, int value);
 
 private:
+    bool HasPropertyControls() const;
     QList<CameraControl> QueryV4l2() const;
     QList<CameraControl> QueryProperties() const;
 
     GstElement* m_source = nullptr;
+    CameraControlAccess m_access = CameraControlAccess::DeviceNode;
     int m_fd = -1;
     mutable QString m_error;
 };

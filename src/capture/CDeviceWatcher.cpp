@@ -1,17 +1,17 @@
 #include "capture/CDeviceWatcher.h"
 
-#include "capture/CameraModels.h"
 #include "capture/GstInit.h"
-#include "capture/SimDeviceProvider.h"
 
-CDeviceWatcher::CDeviceWatcher(QObject* parent)
+#include <memory>
+#include <vector>
+
+CDeviceWatcher::CDeviceWatcher(QObject* parent, CameraSourceTable sources)
     : QObject(parent)
+    , m_sources(sources)
 {
     if (!EnsureGStreamer())
         return;
-    m_monitor = gst_device_monitor_new();
-    gst_device_monitor_add_filter(m_monitor, "Video/Source", nullptr);
-    gst_device_monitor_set_show_all_devices(m_monitor, TRUE);
+    m_monitor = NewCameraMonitor(m_sources);
     GstBus* bus = gst_device_monitor_get_bus(m_monitor);
     gst_bus_set_sync_handler(bus, &CDeviceWatcher::BusSync, this, nullptr);
     gst_object_unref(bus);
@@ -35,6 +35,21 @@ CDeviceWatcher::~CDeviceWatcher()
     gst_object_unref(m_monitor);
 }
 
+// Judged on the user-interface thread, against the devices present when the
+// report arrives there.
+bool CDeviceWatcher::IsHidden(GstDevice* device) const
+{
+    if (!m_monitor)
+        return false;
+    GList* devices = gst_device_monitor_get_devices(m_monitor);
+    std::vector<GstDevice*> present;
+    for (GList* l = devices; l; l = l->next)
+        present.push_back(GST_DEVICE(l->data));
+    const bool hidden = IsHiddenDuplicate(device, present, m_sources);
+    g_list_free_full(devices, gst_object_unref);
+    return hidden;
+}
+
 GstBusSyncReply CDeviceWatcher::BusSync(GstBus*, GstMessage* message, gpointer self)
 {
     auto* watcher = static_cast<CDeviceWatcher*>(self);
@@ -50,13 +65,17 @@ GstBusSyncReply CDeviceWatcher::BusSync(GstBus*, GstMessage* message, gpointer s
         gst_message_parse_device_added(message, &device);
     else
         gst_message_parse_device_removed(message, &device);
-    if (device && IsCaptureDevice(device)) {
+    if (device && CameraSourceOf(device, watcher->m_sources)) {
         const QString name = DeviceDisplayName(device);
+        // Dropped with the call, also when the watcher goes first.
+        std::shared_ptr<GstDevice> held(GST_DEVICE(gst_object_ref(device)), gst_object_unref);
         watcher->m_published.fetch_add(1, std::memory_order_release);
         QMetaObject::invokeMethod(
             watcher,
-            [watcher, name, added] {
+            [watcher, name, added, held] {
                 (void)watcher->m_published.load(std::memory_order_acquire);
+                if (watcher->IsHidden(held.get()))
+                    return;
                 if (added)
                     emit watcher->DeviceAdded(name);
                 else

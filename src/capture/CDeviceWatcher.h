@@ -1,5 +1,7 @@
 #pragma once
 
+#include "capture/CameraSources.h"
+
 #include <QObject>
 #include <QString>
 
@@ -10,12 +12,15 @@
 // Watches for cameras plugged in or out while the program runs and reports
 // each on the user-interface thread, so a device list can be refreshed or a
 // preview started once a camera appears. Cameras present when watching
-// starts are reported as added too.
+// starts are reported as added too. A device the listing hides (one camera
+// offered by two sources) is not reported.
 class CDeviceWatcher : public QObject
 {
     Q_OBJECT
 public:
-    explicit CDeviceWatcher(QObject* parent = nullptr);
+    // sources: which devices are cameras; the program's own table unless a
+    // test gives one, which must outlive the watcher.
+    explicit CDeviceWatcher(QObject* parent = nullptr, CameraSourceTable sources = CameraSources());
     ~CDeviceWatcher() override;
 
     // False when no device provider could be started.
@@ -27,7 +32,9 @@ signals:
 
 private:
     static GstBusSyncReply BusSync(GstBus* bus, GstMessage* message, gpointer self);
+    bool IsHidden(GstDevice* device) const;
 
+    CameraSourceTable m_sources;
     GstDeviceMonitor* m_monitor = nullptr;
     // The bus hands messages over from the providers' threads; see
     // CFrameMailbox::Acquire for why the hand-over is published here too.

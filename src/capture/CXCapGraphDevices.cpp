@@ -1,5 +1,6 @@
 #include "capture/CXCapGraph.h"
 #include "capture/CameraModels.h"
+#include "capture/CameraSources.h"
 #include "platform/DebugLog.h"
 #include "platform/MessageBox.h"
 
@@ -52,7 +53,8 @@ QString CXCapGraph::DeviceNameAt(int index) const
 
 int CXCapGraph::Bind(GstDevice* device, GstElement** filter)
 {
-    GstElement* element = gst_device_create_element(device, "Cap");
+    const CameraSource* source = CameraSourceOf(device);
+    GstElement* element = source ? source->makeElement(device, "Cap") : nullptr;
     if (!element)
         return E_FAIL;
     gst_object_ref_sink(element);

@@ -1,13 +1,11 @@
 #include "capture/CameraModels.h"
 
+#include "capture/CameraSources.h"
 #include "capture/CaptureFormat.h"
-#include "capture/GstInit.h"
-#include "capture/SimDeviceProvider.h"
 #include "platform/DebugLog.h"
 
 #include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <mutex>
 
 namespace {
@@ -37,7 +35,6 @@ CameraModelSizes g_sizes;
 AttachedCameraModel g_attached;
 std::atomic<bool> g_mjpg { false };
 std::atomic<bool> g_byHand { false };
-GstDeviceMonitor* g_sharedMonitor = nullptr; // under g_mutex
 
 bool StreamsMjpg(GstDevice* device)
 {
@@ -93,77 +90,6 @@ QSize ModelDefaultSize(const QString& name, bool chosenByName)
     if (chosenByName && name.contains(QLatin1String("USB2_CCD_5.01M_YF")))
         return QSize(868, 650);
     return kFallbackDeviceSize;
-}
-
-QString DeviceDisplayName(GstDevice* device)
-{
-    gchar* name = device ? gst_device_get_display_name(device) : nullptr;
-    QString out = QString::fromUtf8(name);
-    g_free(name);
-    return out;
-}
-
-bool IsCaptureDevice(GstDevice* device)
-{
-    if (!device)
-        return false;
-    if (IsSimDevice(device))
-        return true;
-    GstStructure* props = gst_device_get_properties(device);
-    bool v4l2 = false;
-    if (props) {
-        const gchar* api = gst_structure_get_string(props, "device.api");
-        v4l2 = api && std::strcmp(api, "v4l2") == 0;
-        gst_structure_free(props);
-    }
-    return v4l2;
-}
-
-std::vector<GstDevice*> ListCaptureDevices(bool* monitorFailed)
-{
-    std::vector<GstDevice*> out;
-    *monitorFailed = false;
-    GstDeviceMonitor* monitor = nullptr;
-    {
-        std::lock_guard lock(g_mutex);
-        if (g_sharedMonitor)
-            monitor = GST_DEVICE_MONITOR(gst_object_ref(g_sharedMonitor));
-    }
-    const bool shared = monitor != nullptr;
-    if (!monitor && EnsureGStreamer()) {
-        monitor = gst_device_monitor_new();
-        gst_device_monitor_add_filter(monitor, "Video/Source", nullptr);
-        // A desktop's PipeWire provider hides the V4L2 one; cameras are
-        // opened through V4L2, so ask every provider and keep V4L2's devices.
-        gst_device_monitor_set_show_all_devices(monitor, TRUE);
-    }
-    if (!monitor) {
-        *monitorFailed = true;
-        return out;
-    }
-    GList* devices = gst_device_monitor_get_devices(monitor);
-    // A running provider keeps its devices newest first; a probe lists them
-    // in the order they were found.
-    if (shared)
-        devices = g_list_reverse(devices);
-    std::vector<GstDevice*> simulated;
-    for (GList* l = devices; l; l = l->next) {
-        auto* d = GST_DEVICE(l->data);
-        if (!IsCaptureDevice(d))
-            continue;
-        (IsSimDevice(d) ? simulated : out).push_back(GST_DEVICE(gst_object_ref(d)));
-    }
-    g_list_free_full(devices, gst_object_unref);
-    gst_object_unref(monitor);
-    // Real cameras first, so a demo camera never displaces one as the default.
-    out.insert(out.end(), simulated.begin(), simulated.end());
-    return out;
-}
-
-void ShareDeviceMonitor(GstDeviceMonitor* monitor)
-{
-    std::lock_guard lock(g_mutex);
-    g_sharedMonitor = monitor;
 }
 
 bool IsSupportedCamera(const QString& friendlyName, GstDevice* device)

@@ -7,8 +7,6 @@
 
 #include <gst/gst.h>
 
-#include <vector>
-
 // Process-wide values of the device choice: the default frame size of each
 // known camera model, the camera model found attached at start-up, the
 // MJPG-camera flag and the device-chosen-by-hand flag.
@@ -44,23 +42,6 @@ QString CameraModelName(int model);
 // chosen by name, else 1280 x 1024.
 QSize ModelDefaultSize(const QString& friendlyName, bool chosenByName);
 inline constexpr QSize kFallbackDeviceSize { 1280, 1024 };
-
-// Whether the program lists a device: a V4L2 camera (opened through
-// v4l2src) or a simulated one. A desktop's PipeWire provider lists the same
-// cameras again; those are left out.
-bool IsCaptureDevice(GstDevice* device);
-
-// A device's display (friendly) name.
-QString DeviceDisplayName(GstDevice* device);
-
-// The capture devices attached now, real cameras before simulated ones, each
-// with a reference the caller drops. monitorFailed: no device monitor.
-std::vector<GstDevice*> ListCaptureDevices(bool* monitorFailed);
-// A running monitor (the device watcher's) that listing asks instead of
-// making one of its own; null to stop. A provider's bus serves one monitor
-// at a time: a second monitor coming and going would leave the running one
-// deaf to cameras plugged in or out.
-void ShareDeviceMonitor(GstDeviceMonitor* monitor);
 
 // The supported-camera check. Every device is accepted: the program serves
 // any camera V4L2 can open. A known model that streams MJPG (offers JPEG

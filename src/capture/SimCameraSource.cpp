@@ -451,7 +451,7 @@ static void oculix_sim_src_init(OculixSimSrc* self)
 void RegisterSimCameraSource()
 {
     static const bool registered
-        = gst_element_register(nullptr, "oculixsimcamsrc", GST_RANK_NONE, oculix_sim_src_get_type());
+        = gst_element_register(nullptr, kSimCameraElement, GST_RANK_NONE, oculix_sim_src_get_type());
     (void)registered;
 }
 

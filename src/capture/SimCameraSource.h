@@ -17,6 +17,8 @@
 // (0..90 percent), "frames" (read-only count of frames delivered since the
 // last start).
 
+inline constexpr const char* kSimCameraElement = "oculixsimcamsrc";
+
 // Registers the element type in this process (no plugin file). Idempotent.
 void RegisterSimCameraSource();
 

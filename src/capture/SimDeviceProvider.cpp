@@ -111,7 +111,7 @@ void Announce(GstDevice* device, bool added)
 
 GstElement* CreateElement(GstDevice* device, const gchar* name)
 {
-    GstElement* src = gst_element_factory_make("oculixsimcamsrc", name);
+    GstElement* src = gst_element_factory_make(kSimCameraElement, name);
     if (!src)
         return nullptr;
     gchar* display = gst_device_get_display_name(device);
