@@ -180,18 +180,17 @@ std::vector<GstDevice*> ListCaptureDevices(bool* monitorFailed)
         if (g_sharedMonitor)
             monitor = GST_DEVICE_MONITOR(gst_object_ref(g_sharedMonitor));
     }
-    const bool shared = monitor != nullptr;
     if (!monitor && EnsureGStreamer())
         monitor = NewCameraMonitor();
     if (!monitor) {
         *monitorFailed = true;
         return {};
     }
+    // A running monitor gives each provider's devices oldest first, as a probe
+    // gives them in the order it found them, so the program and oculix-cli
+    // list the cameras alike and a camera plugged in later never becomes the
+    // default in place of one already there.
     GList* devices = gst_device_monitor_get_devices(monitor);
-    // A running monitor gives each provider's devices oldest first, a probe
-    // in the order it found them; reversed, the newest camera comes first.
-    if (shared)
-        devices = g_list_reverse(devices);
     std::vector<GstDevice*> found;
     for (GList* l = devices; l; l = l->next)
         found.push_back(GST_DEVICE(l->data));
