@@ -65,7 +65,9 @@ void Populate(CGVLElemMgr& mgr, int count)
 void BM_WriteCsv100000(benchmark::State& state)
 {
     CGVLElemMgr mgr;
-    mgr.m_nPrecision = 3;
+    CGVLElemMgr::Appearance look = mgr.GetAppearance();
+    look.precision = 3;
+    mgr.SetAppearance(look);
     Populate(mgr, 100000);
     qint64 bytes = 0;
     for (auto _ : state) {

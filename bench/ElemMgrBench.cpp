@@ -56,7 +56,9 @@ void Populate(CGVLElemMgr& mgr, int count)
 void BM_DrawToBits(benchmark::State& state)
 {
     CGVLElemMgr mgr;
-    mgr.m_nPrecision = 2;
+    CGVLElemMgr::Appearance look = mgr.GetAppearance();
+    look.precision = 2;
+    mgr.SetAppearance(look);
     Populate(mgr, int(state.range(0)));
     std::vector<uchar> buffer(DibStride(kWidth) * kHeight);
     for (auto _ : state) {

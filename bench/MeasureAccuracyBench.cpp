@@ -130,7 +130,7 @@ struct Gestures
     {
         mgr.CreateShape(ShapeType::Ruler);
         mgr.m_unit = { 0, 1.0, 1.0, 0, 0 };
-        mgr.m_fnSnapPicture = [gray] { return gray; };
+        mgr.SetSnapSource([gray] { return gray; });
     }
     template <typename Shape> Shape* Drag(int tool, QPoint from, QPoint to)
     {
