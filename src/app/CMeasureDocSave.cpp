@@ -117,14 +117,15 @@ bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, con
     const bool running = m_bLive && m_bPreviewRunning;
     if (running) {
         // Without burnt-in shapes the frame is one the processing element
-        // passed with processing off, so without the overlay: the grabber's
-        // last frame was blended before the switch.
+        // passed with processing off, so without the overlay. The grabber's
+        // last frame may have passed before the switch: blended, or, right
+        // after such a save, left unprocessed; the next one is waited for.
         int processing = 1;
         m_graph.GetProcessEnable(&processing);
         if (!overlay.measure)
             m_graph.SetProcessEnable(0);
         FCObjImage frame;
-        const bool grabbed = overlay.measure ? Snapshot(frame) : GrabNextPicture(m_graph, frame, kFrameWait);
+        const bool grabbed = GrabNextPicture(m_graph, frame, kFrameWait);
         m_graph.SetProcessEnable(processing);
         if (!grabbed) {
             // Not the picture of some earlier moment instead.
