@@ -7,6 +7,7 @@
 #include "app/CSaveAsDlg.h"
 #include "app/CSaveOptionDlg.h"
 #include "app/CommandTable.h"
+#include "capture/GrabPicture.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CPictureSaver.h"
 #include "measure/CShapeHistory.h"
@@ -21,6 +22,10 @@
 #include <QFileInfo>
 
 namespace {
+
+// Long enough for a camera at one frame a second; one that sends nothing for
+// this long has stopped.
+constexpr auto kFrameWait = std::chrono::seconds(2);
 
 SaveOverlay ApplyVariant(SaveOverlay overlay, CMeasureDoc::SaveVariant variant)
 {
@@ -111,15 +116,25 @@ bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, con
 {
     const bool running = m_bLive && m_bPreviewRunning;
     if (running) {
-        // Without burnt-in shapes the frame is taken before the processing
-        // element blends the overlay into it.
+        // Without burnt-in shapes the frame is one the processing element
+        // passed with processing off, so without the overlay. The grabber's
+        // last frame may have passed before the switch: blended, or, right
+        // after such a save, left unprocessed; the next one is waited for.
         int processing = 1;
         m_graph.GetProcessEnable(&processing);
         if (!overlay.measure)
             m_graph.SetProcessEnable(0);
-        if (Snapshot(m_image))
-            m_bHasImage = true;
+        FCObjImage frame;
+        const bool grabbed = GrabNextPicture(m_graph, frame, kFrameWait);
         m_graph.SetProcessEnable(processing);
+        if (!grabbed) {
+            // Not the picture of some earlier moment instead.
+            qCWarning(lcApp) << "no frame from the camera to save as" << path;
+            MessageBox(tr("Save image failed."), tr("Save"), MB_OK | MB_ICONWARNING);
+            return false;
+        }
+        m_image = std::move(frame);
+        m_bHasImage = true;
     }
 
     qCDebug(lcApp) << "save image" << path;

@@ -134,12 +134,14 @@ void CCamProcess::ProcessFrame(
 {
     // The frame lock is taken before the state is read, so that SetOverlay,
     // which waits for it after changing the state, cannot return while a
-    // frame still works with the old pointer.
+    // frame still works with the old pointer. The frame is counted before
+    // the state is read: one that a reader of the count sees coming after a
+    // switch it changed has read the switch as changed.
     std::unique_lock frame(m_frameMutex);
+    m_frames.fetch_add(1);
     const State s = Snapshot();
     m_lastWidth = int(width);
     m_lastHeight = int(height);
-    m_frames.fetch_add(1);
 
     const bool overlay
         = s.enable && s.overlayOn && s.overlayPointer && s.overlayWidth == width && s.overlayHeight == height;

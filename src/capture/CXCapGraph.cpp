@@ -113,6 +113,10 @@ int CXCapGraph::RunGraph()
         m_eosSeen = false;
         m_errorSeen = false;
     }
+    {
+        std::lock_guard lock(m_frameMutex);
+        m_streamFailed = false;
+    }
     m_handlingError = false;
     m_processState->GetStateB(&m_framesAtRun);
     GstState before = GST_STATE_NULL;

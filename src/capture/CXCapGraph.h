@@ -13,6 +13,7 @@
 #include <gst/gst.h>
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -130,6 +131,11 @@ public:
     // frame is copied in, rows bottom-up and unpadded. E_POINTER without a
     // grabber (no preview built, or recording), E_FAIL before the first frame.
     long GetCurrentBuffer(long* size, uchar* buffer);
+    // Waits at most `timeout` until the grabber holds a frame the processing
+    // element counted after `frames` (a GetStateB value): read after changing
+    // a switch, a frame processed with the change. False when none came in
+    // time, at once after the stream failed, and without a grabber.
+    bool WaitGrabbedAfter(int frames, std::chrono::milliseconds timeout);
 
     // Devices.
     void EnumDevices();
@@ -248,7 +254,10 @@ private:
 
     // Grabber.
     std::mutex m_frameMutex;
+    std::condition_variable m_frameCv; // a frame grabbed, or the stream failed
     GstBuffer* m_lastBuffer = nullptr;
+    unsigned m_lastBufferFrame = 0; // the element's count when it was grabbed
+    bool m_streamFailed = false; // since the last run
     unsigned m_grabberWidth = 0;
     unsigned m_grabberHeight = 0;
 

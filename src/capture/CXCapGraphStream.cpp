@@ -65,9 +65,31 @@ GstPadProbeReturn CXCapGraph::GrabberProbe(GstPad*, GstPadProbeInfo* info, gpoin
 {
     auto* graph = static_cast<CXCapGraph*>(self);
     GstBuffer* buffer = GST_PAD_PROBE_INFO_BUFFER(info);
-    std::lock_guard lock(graph->m_frameMutex);
-    gst_buffer_replace(&graph->m_lastBuffer, buffer);
+    // The grabber follows the processing element on its streaming thread,
+    // with no queue between: the element's count is this frame's.
+    int frames = 0;
+    graph->m_processState->GetStateB(&frames);
+    {
+        std::lock_guard lock(graph->m_frameMutex);
+        gst_buffer_replace(&graph->m_lastBuffer, buffer);
+        graph->m_lastBufferFrame = unsigned(frames);
+    }
+    graph->m_frameCv.notify_all();
     return GST_PAD_PROBE_OK;
+}
+
+bool CXCapGraph::WaitGrabbedAfter(int frames, std::chrono::milliseconds timeout)
+{
+    if (!m_grabber)
+        return false;
+    // Counts wrap at 2^31; a frame within half of that ahead is a later one.
+    const auto later = [this, frames] {
+        const unsigned ahead = (m_lastBufferFrame - unsigned(frames)) & 0x7FFFFFFFu;
+        return m_lastBuffer && ahead != 0 && ahead < 0x40000000u;
+    };
+    std::unique_lock lock(m_frameMutex);
+    m_frameCv.wait_for(lock, timeout, [&] { return m_streamFailed || later(); });
+    return !m_streamFailed && later();
 }
 
 long CXCapGraph::GetCurrentBuffer(long* size, uchar* buffer)
@@ -158,6 +180,12 @@ GstBusSyncReply CXCapGraph::BusSync(GstBus*, GstMessage* message, gpointer self)
             graph->m_errorSeen = true;
             graph->m_busCv.notify_all();
         }
+        {
+            // A wait for a frame ends now, not when its time is up.
+            std::lock_guard lock(graph->m_frameMutex);
+            graph->m_streamFailed = true;
+        }
+        graph->m_frameCv.notify_all();
         QMetaObject::invokeMethod(
             graph->m_bridge.get(),
             [graph, text, details, source] { graph->OnStreamError(text, details, source); },

@@ -32,3 +32,11 @@ bool GrabPicture(CXCapGraph& graph, FCObjImage& picture)
     picture = std::move(frame);
     return true;
 }
+
+bool GrabNextPicture(CXCapGraph& graph, FCObjImage& picture, std::chrono::milliseconds timeout)
+{
+    int frames = 0;
+    if (graph.GetStateB(&frames) != S_OK || !graph.WaitGrabbedAfter(frames, timeout))
+        return false;
+    return GrabPicture(graph, picture);
+}

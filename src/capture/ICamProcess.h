@@ -26,7 +26,9 @@ public:
     virtual int GetOperation(ProcessOp op, ProcessSwitches* values) = 0;
     // Width and height of the last frame processed (0, 0 before the first).
     virtual int GetStateA(int* width, int* height) = 0;
-    // Frames processed since the state was created, wrapping at 2^31.
+    // Frames processed since the state was created, wrapping at 2^31. A
+    // frame counted after a call of this that followed a Set call was
+    // processed with what that call set.
     virtual int GetStateB(int* frames) = 0;
 
     // The operations one by one.

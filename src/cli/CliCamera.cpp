@@ -142,9 +142,10 @@ void CliCamera::StartPreview()
 FCObjImage CliCamera::GrabRaw()
 {
     // Unprocessed: the still-picture chain applies the switches afterwards.
+    // A frame processed before the switch may still be the grabber's.
     m_graph.SetProcessEnable(0);
     const int start = Frames();
-    if (!Pump([&] { return Frames() >= start + 2; }, kFirstFramesTimeoutMs))
+    if (!Pump([&] { return m_graph.WaitGrabbedAfter(start, {}); }, kFirstFramesTimeoutMs))
         ThrowFailure(QStringLiteral("camera \"%1\" stopped sending pictures").arg(DeviceName()));
     FCObjImage picture;
     if (!GrabPicture(m_graph, picture))

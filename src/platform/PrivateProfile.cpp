@@ -34,7 +34,13 @@ ReadResult ReadFile(const QString& path, QByteArray& bytes)
         return QFileInfo::exists(path) ? ReadResult::Unreadable : ReadResult::Missing;
     if (file.size() > kMaxFileBytes)
         return ReadResult::Unreadable;
-    bytes = file.read(kMaxFileBytes + 1);
+    // Asking for the most a file may hold allocates that much, for every key
+    // read: ask for what it holds, and read on to the limit only when there
+    // is more (it grew meanwhile, or it is no plain file).
+    const qint64 size = file.size();
+    bytes = file.read(size + 1);
+    if (bytes.size() > size)
+        bytes += file.read(kMaxFileBytes + 1 - bytes.size());
     if (file.error() != QFileDevice::NoError || bytes.size() > kMaxFileBytes)
         return ReadResult::Unreadable;
     return ReadResult::Ok;

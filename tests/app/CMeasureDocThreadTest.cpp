@@ -26,9 +26,8 @@ TEST_F(MeasureFrameTest, ClosingTheLiveDocumentEndsTheWorkerAndWritesItsSettings
     const unsigned drawn = live->OverlaysDrawn();
     ASSERT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= drawn + 3; }, 30000));
 
-    // Undo and redo swap the whole list while the worker draws it. A fixed
-    // number of steps, not a time bound: under the thread checker one step
-    // (history, repaint, command states) takes seconds.
+    // Undo and redo swap the whole list while the worker draws it: a fixed
+    // number of steps, then the worker must draw on.
     const unsigned before = live->OverlaysDrawn();
     for (int step = 0; step < 8; ++step) {
         frame->RouteCommand(step < 4 ? ID_EDIT_UNDO : ID_EDIT_REDO);

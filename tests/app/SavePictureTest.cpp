@@ -6,6 +6,8 @@
 #include "app/CSaveAsDlg.h"
 #include "app/CSaveOptionDlg.h"
 #include "app/CommandTable.h"
+#include "capture/GrabPicture.h"
+#include "capture/SimCameraSource.h"
 #include "image/FCObjImage.h"
 #include "image/PictureXmp.h"
 #include "measure/MeasurementXmp.h"
@@ -32,6 +34,7 @@
 #include <csignal>
 #include <random>
 #include <sys/resource.h>
+#include <thread>
 
 namespace {
 
@@ -104,6 +107,12 @@ private:
 class SavePictureTest : public MeasureFrameTest
 {
 protected:
+    void TearDown() override
+    {
+        MeasureFrameTest::TearDown();
+        ClearSimCameraFaults();
+    }
+
     // The program with one picture document open and active.
     CMeasureDoc* OpenPicture()
     {
@@ -111,6 +120,31 @@ protected:
         CMeasureDoc* doc = ActiveDoc();
         EXPECT_NE(doc, nullptr);
         return doc;
+    }
+
+    // The live video's current frame as the screen shows it (null before the first).
+    static QImage CurrentFrame(CMeasureDoc& live)
+    {
+        FCObjImage picture;
+        return GrabPicture(live.GetGraph(), picture)
+            ? picture.ToQImage().convertToFormat(QImage::Format_RGB32)
+            : QImage();
+    }
+
+    // Turns the camera's drift and noise off and waits until its frames are
+    // all alike, so that saves taken at different moments show one frame.
+    static QImage SteadyFrame(CMeasureDoc& live)
+    {
+        g_object_set(live.GetGraph().DeviceElement(), "drift", FALSE, "noise", FALSE, nullptr);
+        QImage steady;
+        const bool settled = WaitFor(
+            [&] {
+                steady = CurrentFrame(live);
+                QTest::qWait(150);
+                return !steady.isNull() && CurrentFrame(live) == steady;
+            },
+            10000);
+        return settled ? steady : QImage();
     }
 };
 
@@ -287,21 +321,7 @@ TEST_F(SavePictureTest, RescaledSaveScalesTheCalibrationAndKeepsOnlyTheSavedPart
     CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
     ASSERT_NE(live, nullptr);
     ASSERT_EQ(live->QueryImageSize(), QSize(1280, 1024));
-    g_object_set(live->GetGraph().DeviceElement(), "drift", FALSE, "noise", FALSE, nullptr);
-    const auto frameBytes = [live] {
-        long size = 0;
-        live->GetGraph().GetCurrentBuffer(&size, nullptr);
-        QByteArray bytes(qsizetype(std::max(size, 0L)), '\0');
-        live->GetGraph().GetCurrentBuffer(&size, reinterpret_cast<uchar*>(bytes.data()));
-        return bytes;
-    };
-    ASSERT_TRUE(WaitFor(
-        [&] {
-            const QByteArray before = frameBytes();
-            QTest::qWait(150);
-            return !before.isEmpty() && frameBytes() == before;
-        },
-        10000));
+    ASSERT_FALSE(SteadyFrame(*live).isNull());
     live->GetElemMgr().SetUnit({ 0, 1.25, 2.0, 10.0, 10.0 });
     ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
     Drag(ActiveView()->GetOverlayWnd(), QPoint(100, 200), QPoint(500, 200));
@@ -363,6 +383,152 @@ TEST_F(SavePictureTest, RescaledSaveScalesTheCalibrationAndKeepsOnlyTheSavedPart
         }
     EXPECT_EQ(far, 0);
     EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+}
+
+namespace {
+
+// Pixels of two pictures of one size that differ.
+int Differing(const QImage& a, const QImage& b)
+{
+    if (a.size() != b.size())
+        return -1;
+    int n = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x)
+            n += a.pixel(x, y) != b.pixel(x, y);
+    return n;
+}
+
+QImage Saved(const QString& path)
+{
+    return QImage(path).convertToFormat(QImage::Format_RGB32);
+}
+
+} // namespace
+
+// The running video shows the shapes and the processing; a picture saved
+// from it without the shapes burnt in is the camera's frame alone, pixel for
+// pixel, by the save routine and by the "only image" quick save alike. Burnt
+// in, the shapes and the processing are there. Processing stays on.
+TEST_F(SavePictureTest, LiveSaveWithoutShapesIsTheCameraPictureAlone)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_NE(live, nullptr);
+    const QImage camera = SteadyFrame(*live);
+    ASSERT_FALSE(camera.isNull());
+    ASSERT_TRUE(frame->RouteCommand(ID_PROCESS_NEGATIVE));
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(100, 200), QPoint(500, 200));
+    const QRgb white = qRgb(255, 255, 255);
+    const QRgb negated = qRgb(255 - qRed(camera.pixel(50, 50)), 255 - qGreen(camera.pixel(50, 50)),
+        255 - qBlue(camera.pixel(50, 50)));
+    const auto shown = [&] {
+        const QImage now = CurrentFrame(*live);
+        return now.pixel(300, 200) == white && now.pixel(50, 50) == negated;
+    };
+    ASSERT_NE(camera.pixel(300, 200), white);
+    ASSERT_TRUE(WaitFor(shown, 10000)) << "the video shows the line and the negative";
+
+    const QString plain = home.filePath("plain.png");
+    ASSERT_TRUE(live->SaveImage(plain, {}, {}));
+    EXPECT_EQ(Differing(Saved(plain), camera), 0);
+
+    const QString ini = SettingsFile();
+    Write(ini, "Save", "FilePath", home.filePath("pics"));
+    Write(ini, "Save", "bBmp", "1");
+    Write(ini, "Save", "bMeasure", "1");
+    ASSERT_TRUE(frame->RouteCommand(ID_FILE_SAVE_ONLY_IMAGE));
+    EXPECT_EQ(Differing(Saved(home.filePath("pics/0.bmp")), camera), 0);
+
+    const QString burnt = home.filePath("burnt.png");
+    ASSERT_TRUE(live->SaveImage(burnt, { true, false, false, false, false }, {}));
+    const QImage withShapes = Saved(burnt);
+    ASSERT_EQ(withShapes.size(), camera.size());
+    EXPECT_EQ(withShapes.pixel(300, 200), white);
+    EXPECT_EQ(withShapes.pixel(50, 50), negated);
+
+    int processing = 0;
+    live->GetGraph().GetProcessEnable(&processing);
+    EXPECT_EQ(processing, 1);
+    EXPECT_TRUE(WaitFor(shown, 10000));
+    EXPECT_EQ(messages.join('\n'), "Picture has successfully saved to  " + home.filePath("pics/0.bmp"));
+}
+
+// A camera at five frames a second still saves its picture without the
+// shapes. One that stops sending saves nothing and says so; so does one that
+// fails while the save waits, and the failure is told as well. Processing is
+// back on after each.
+TEST_F(SavePictureTest, LiveSaveFromASlowStoppedOrFailingCamera)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_NE(live, nullptr);
+    CXCapGraph& graph = live->GetGraph();
+    const QImage camera = SteadyFrame(*live);
+    ASSERT_FALSE(camera.isNull());
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_LINE));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(100, 200), QPoint(500, 200));
+    ASSERT_TRUE(WaitFor([&] { return CurrentFrame(*live).pixel(300, 200) == qRgb(255, 255, 255); }, 10000));
+    const QString name = graph.DeviceName();
+    const auto processing = [&] {
+        int on = 0;
+        graph.GetProcessEnable(&on);
+        return on;
+    };
+    const auto frames = [&] {
+        int n = 0;
+        graph.GetStateB(&n);
+        return n;
+    };
+
+    // Saved right after a frame came, the next is a fifth of a second away.
+    SetSimCameraFault(name, SimCameraFault { 0, 1, 200 });
+    const int fast = frames();
+    ASSERT_TRUE(WaitFor([&] { return frames() >= fast + 2; }, 10000));
+    const int last = frames();
+    ASSERT_TRUE(WaitFor([&] { return frames() != last; }, 10000));
+    const QString slow = home.filePath("slow.png");
+    ASSERT_TRUE(live->SaveImage(slow, {}, {}));
+    EXPECT_EQ(Differing(Saved(slow), camera), 0);
+    EXPECT_EQ(processing(), 1);
+    EXPECT_EQ(messages.join('\n').toStdString(), "");
+
+    // Every frame half a minute late: once the last one on its way is in,
+    // the camera has stopped.
+    SetSimCameraFault(name, SimCameraFault { 0, 1, 30000 });
+    ASSERT_TRUE(WaitFor(
+        [&] {
+            const int before = frames();
+            QTest::qWait(500);
+            return frames() == before;
+        },
+        10000));
+    const QString stopped = home.filePath("stopped.png");
+    EXPECT_FALSE(live->SaveImage(stopped, {}, {}));
+    EXPECT_FALSE(QFileInfo::exists(stopped));
+    EXPECT_EQ(messages.join('\n').toStdString(), "Save image failed.");
+    EXPECT_EQ(processing(), 1);
+
+    // The read error of a pulled camera arrives while the save waits.
+    messages.clear();
+    GstElement* device = graph.DeviceElement();
+    std::thread pull([device] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        GError* error = g_error_new_literal(
+            GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_READ, "Could not read from resource.");
+        gst_element_post_message(
+            device, gst_message_new_error(GST_OBJECT(device), error, "No such device (19)"));
+        g_error_free(error);
+    });
+    const QString failed = home.filePath("failed.png");
+    const bool saved = live->SaveImage(failed, {}, {});
+    pull.join();
+    EXPECT_FALSE(saved);
+    EXPECT_FALSE(QFileInfo::exists(failed));
+    EXPECT_EQ(processing(), 1);
+    ASSERT_TRUE(WaitFor([&] { return !live->IsPreviewRunning(); }, 10000));
+    EXPECT_EQ(messages.join('\n'), "Save image failed.\n" + CXCapGraph::kCameraLostMessage);
 }
 
 // Save-as: the type is the last checked of the six, an empty folder keeps the
