@@ -19,10 +19,12 @@ GstDeviceMonitor* g_sharedMonitor = nullptr; // under g_mutex
 
 // ---------------------------------------------------------------- V4L2
 
-// GStreamer's V4L2 provider marks its devices so.
+// GStreamer's V4L2 provider marks its devices so. A PipeWire node of a V4L2
+// camera copies "device.api" too, but carries its media class beside it.
 bool IsV4l2Device(GstDevice* device)
 {
-    return DeviceProperty(device, "device.api") == QLatin1String("v4l2");
+    return DeviceProperty(device, "device.api") == QLatin1String("v4l2")
+        && DeviceProperty(device, "media.class").isEmpty();
 }
 
 QString V4l2Node(GstDevice* device)
@@ -45,7 +47,44 @@ QString V4l2Serial(GstDevice* device)
     return QString::fromUtf8(file.readAll()).trimmed();
 }
 
-// ---------------------------------------------------------------- both
+// ---------------------------------------------------------------- PipeWire
+
+// A video source node, as GStreamer's PipeWire provider lists it: a camera
+// of PipeWire's own (libcamera's, a sandbox portal's, a program's) or a V4L2
+// camera PipeWire offers as well.
+bool IsPipeWireCamera(GstDevice* device)
+{
+    return DeviceProperty(device, "media.class") == QLatin1String("Video/Source");
+}
+
+// The V4L2 node behind it, named as V4L2's "device.path" names it.
+QString PipeWireV4l2Node(GstDevice* device)
+{
+    return DeviceProperty(device, "api.v4l2.path");
+}
+
+// The node's serial number changes with every start of the daemon; its name
+// stays ("v4l2_input.pci-..."), as does a device's serial where it has one.
+QString PipeWireStableId(GstDevice* device)
+{
+    for (const char* field : { "device.serial", "node.name" })
+        if (QString id = DeviceProperty(device, field); !id.isEmpty())
+            return id;
+    return {};
+}
+
+// The pipeline keeps frames past the stream (the last picture, a paused
+// graph's): a buffer of the node's own pool held so is one the camera can
+// never fill again, and after a few stops and starts it sends no more.
+GstElement* PipeWireElement(GstDevice* device, const char* name)
+{
+    GstElement* element = gst_device_create_element(device, name);
+    if (element)
+        g_object_set(element, "always-copy", TRUE, nullptr);
+    return element;
+}
+
+// ---------------------------------------------------------------- all
 
 // The device's own provider knows the element and its properties (v4l2src
 // with the device node; the simulated camera with its name and formats).
@@ -54,6 +93,11 @@ GstElement* ProviderElement(GstDevice* device, const char* name)
     return gst_device_create_element(device, name);
 }
 
+// A V4L2 camera PipeWire offers too is taken directly (preference 0 over 1):
+// its controls are reached only through the device node, it offers every
+// format the driver has, and PipeWire releases the device while no stream
+// runs, so the direct open succeeds. Where the program sees no V4L2 node (a
+// sandbox) or the camera has none (libcamera's), PipeWire's entry is the one.
 const CameraSource kCameraSources[] = {
     {
         .name = "v4l2",
@@ -68,12 +112,25 @@ const CameraSource kCameraSources[] = {
         .controls = CameraControlAccess::DeviceNode,
     },
     {
+        .name = "pipewire",
+        .deviceClass = "Video/Source",
+        .claims = IsPipeWireCamera,
+        .listGroup = 0,
+        .cameraNode = PipeWireV4l2Node,
+        .preference = 1,
+        .elementFactory = "pipewiresrc",
+        .makeElement = PipeWireElement,
+        .stableId = PipeWireStableId,
+        // PipeWire 0.3 passes no camera controls to a GStreamer stream.
+        .controls = CameraControlAccess::None,
+    },
+    {
         .name = "simulated",
         .deviceClass = "Video/Source",
         .claims = IsSimDevice,
         .listGroup = 1,
         .cameraNode = nullptr,
-        .preference = 1,
+        .preference = 2,
         .elementFactory = kSimCameraElement,
         .makeElement = ProviderElement,
         .stableId = nullptr,

@@ -7,8 +7,8 @@
 #include <span>
 #include <vector>
 
-// The kinds of camera source the program takes cameras from (V4L2, the
-// simulated camera), one row each. The device list, the capture-device
+// The kinds of camera source the program takes cameras from (V4L2, PipeWire,
+// the simulated camera), one row each. The device list, the capture-device
 // check, the binding, the device watcher, the camera controls and their
 // store all ask the rows; a new kind of source is a new row.
 
@@ -21,7 +21,7 @@ enum class CameraControlAccess {
 
 struct CameraSource
 {
-    // For logs and messages: "v4l2", "simulated".
+    // For logs, messages and oculix-cli's "api": "v4l2", "pipewire", "simulated".
     const char* name;
     // The class the device monitor is asked for.
     const char* deviceClass;
