@@ -161,6 +161,9 @@ public:
     // came back and runs the preview at the size it had.
     bool OnDeviceRemoved(const QString& name);
     int Reconnect();
+    // Whether the last failure of the stream left a finished, playable
+    // recording of the frames so far.
+    bool RecordingFinishedOnError() const { return m_recordingFinishedOnError; }
 
     const std::vector<CaptureFormat>& Formats() const { return m_formats; }
     int SelectedFormat() const { return m_selectedFormat; }
@@ -268,6 +271,7 @@ private:
     bool m_eosSeen = false;
     bool m_errorSeen = false;
     bool m_handlingError = false;
+    bool m_recordingFinishedOnError = false;
     int m_framesAtRun = 0; // frames processed when the graph was last run
     std::function<void(const QString&)> m_errorHandler;
 };

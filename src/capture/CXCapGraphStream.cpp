@@ -218,8 +218,7 @@ void CXCapGraph::OnStreamError(const QString& text, const QString& debug, const 
     m_handlingError = true;
     // The pipeline stays up after an error from the camera: take it down,
     // finishing the record file so the frames so far stay playable.
-    if (IsRecordGraph() && source != QLatin1String("file"))
-        FinishRecording();
+    m_recordingFinishedOnError = IsRecordGraph() && source != QLatin1String("file") && FinishRecording();
     SetNull();
     int frames = 0;
     m_processState->GetStateB(&frames);

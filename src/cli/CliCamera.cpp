@@ -1,5 +1,7 @@
 #include "cli/CliCamera.h"
 
+#include "capture/CDeviceWatcher.h"
+#include "capture/CameraSources.h"
 #include "capture/GrabPicture.h"
 #include "cli/CliInterrupt.h"
 #include "cli/CliOutput.h"
@@ -39,6 +41,7 @@ CliCamera::CliCamera()
 
 CliCamera::~CliCamera()
 {
+    m_watcher.reset();
     m_graph.SetStreamErrorHandler({});
     m_graph.ReleaseAll();
 }
@@ -63,6 +66,8 @@ std::vector<CliCamera::Device> CliCamera::ListDevices()
         Device d;
         d.name = camera.m_graph.DeviceNameAt(i);
         if (camera.m_graph.BindDeviceByIndex(i) == S_OK) {
+            if (const CameraSource* source = CameraSourceOfElement(camera.m_graph.DeviceElement()))
+                d.api = QString::fromLatin1(source->name);
             camera.m_graph.EnumFormats();
             d.formats = camera.m_graph.Formats();
         }
@@ -73,6 +78,9 @@ std::vector<CliCamera::Device> CliCamera::ListDevices()
 
 void CliCamera::Open(const QString& device, const std::optional<FormatRequest>& format)
 {
+    m_watcher = std::make_unique<CDeviceWatcher>();
+    QObject::connect(m_watcher.get(), &CDeviceWatcher::DeviceRemoved,
+        [this](const QString& name) { m_graph.OnDeviceRemoved(name); });
     m_graph.EnumDevices();
     if (m_graph.DeviceCount() == 0)
         ThrowFailure(

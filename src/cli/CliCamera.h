@@ -9,8 +9,10 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
+class CDeviceWatcher;
 class FCObjImage;
 
 // The live document's camera work without a window: the same capture graph,
@@ -37,6 +39,9 @@ public:
     void StartRecording(const QString& file, const ProcessSwitches& switches);
     // Ends the file properly; throws when it could not be written.
     void StopRecording();
+    // After a failure: whether the camera was lost and the file finished
+    // with the frames so far.
+    bool RecordingKept() const { return m_graph.RecordingFinishedOnError(); }
 
     // Runs the event loop until done() holds, the time is up (false), an
     // interrupt arrives (false) or the stream fails (throws).
@@ -50,6 +55,7 @@ public:
     struct Device
     {
         QString name;
+        QString api; // the camera source: "v4l2", "pipewire", "simulated"
         std::vector<CaptureFormat> formats;
     };
     static std::vector<Device> ListDevices();
@@ -61,6 +67,9 @@ private:
     std::vector<MessageBoxRequest> m_messages;
     ScopedMessageBoxHandler m_handler;
     CXCapGraph m_graph;
+    // Reports a camera gone that its stream does not (a PipeWire source waits
+    // for the node to come back); dropped before the graph.
+    std::unique_ptr<CDeviceWatcher> m_watcher;
     QString m_streamError;
     QSize m_size; // asked for by --format
 };

@@ -60,7 +60,8 @@ int RunDevices(const QStringList& arguments)
         QStringLiteral("List the cameras and their formats, each in the form --format takes. Without any "
                        "camera the list is a failure (exit code 1); --json then prints [] and succeeds."));
     parser.AddOption({ QStringLiteral("json"),
-        QStringLiteral("Print a JSON array of objects with \"name\" and \"formats\".") });
+        QStringLiteral("Print a JSON array of objects with \"name\", \"api\" (v4l2, pipewire, simulated) and "
+                       "\"formats\".") });
     parser.AddOption({ QStringLiteral("demo-camera"),
         QStringLiteral("List the simulated camera too (also OCULIX_DEMO_CAMERA=1).") });
     if (!parser.Parse(arguments))
@@ -79,8 +80,8 @@ int RunDevices(const QStringList& arguments)
                     { QStringLiteral("height"), int(f.height) }, { QStringLiteral("fps"), FormatFps(f) },
                     { QStringLiteral("format"), f.fourcc },
                     { QStringLiteral("argument"), FormatSpecText(f) } });
-            list.append(
-                QJsonObject { { QStringLiteral("name"), d.name }, { QStringLiteral("formats"), formats } });
+            list.append(QJsonObject { { QStringLiteral("name"), d.name }, { QStringLiteral("api"), d.api },
+                { QStringLiteral("formats"), formats } });
         }
         PrintOut(QString::fromUtf8(QJsonDocument(list).toJson(QJsonDocument::Indented)));
         return kExitOk;
@@ -201,9 +202,16 @@ int RunRecord(const QStringList& arguments)
                           .arg(double(clock.elapsed()) / 1000, 0, 'f', 1)
                           .arg(camera.DeviceName(), out));
     } catch (CliError& error) {
-        QFile::remove(temporary);
+        // A camera lost on the way leaves the frames so far in a finished
+        // file: it takes its name, and the command still fails.
+        const bool kept = camera.RecordingKept()
+            && std::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(out).constData()) == 0;
+        if (!kept)
+            QFile::remove(temporary);
         if (error.code == kExitFailure && !error.text.startsWith(QLatin1String("cannot write")))
             error.text = QStringLiteral("recording to %1 failed: %2").arg(out, error.text);
+        if (kept)
+            error.text += QStringLiteral(" The frames recorded so far are kept in %1.").arg(out);
         throw;
     }
     return kExitOk;
