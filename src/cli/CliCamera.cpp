@@ -20,6 +20,16 @@ namespace {
 constexpr int kSettleFrames = 5;
 constexpr int kFirstFramesTimeoutMs = 10000;
 
+// The process's device watcher, started once and never stopped: PipeWire's
+// provider (0.3.65) corrupts memory when it stops, and the command ends with
+// the process. Its running monitor also lists the cameras in the program's
+// order, where a probe gives PipeWire's newest first.
+CDeviceWatcher& ProcessWatcher()
+{
+    static CDeviceWatcher* const watcher = new CDeviceWatcher;
+    return *watcher;
+}
+
 QString FirstLine(const QString& text)
 {
     return text.section(QLatin1Char('\n'), 0, 0).trimmed();
@@ -37,11 +47,15 @@ CliCamera::CliCamera()
         if (m_streamError.isEmpty())
             m_streamError = message;
     });
+    // A camera gone from the list is lost, as in the program: a PipeWire
+    // source does not fail but waits for its node to come back.
+    m_removed = QObject::connect(&ProcessWatcher(), &CDeviceWatcher::DeviceRemoved,
+        [this](const QString& name) { m_graph.OnDeviceRemoved(name); });
 }
 
 CliCamera::~CliCamera()
 {
-    m_watcher.reset();
+    QObject::disconnect(m_removed);
     m_graph.SetStreamErrorHandler({});
     m_graph.ReleaseAll();
 }
@@ -78,9 +92,6 @@ std::vector<CliCamera::Device> CliCamera::ListDevices()
 
 void CliCamera::Open(const QString& device, const std::optional<FormatRequest>& format)
 {
-    m_watcher = std::make_unique<CDeviceWatcher>();
-    QObject::connect(m_watcher.get(), &CDeviceWatcher::DeviceRemoved,
-        [this](const QString& name) { m_graph.OnDeviceRemoved(name); });
     m_graph.EnumDevices();
     if (m_graph.DeviceCount() == 0)
         ThrowFailure(

@@ -4,15 +4,14 @@
 #include "cli/CliOptions.h"
 #include "platform/MessageBox.h"
 
+#include <QMetaObject>
 #include <QSize>
 #include <QString>
 #include <QStringList>
 
 #include <functional>
-#include <memory>
 #include <optional>
 
-class CDeviceWatcher;
 class FCObjImage;
 
 // The live document's camera work without a window: the same capture graph,
@@ -67,9 +66,7 @@ private:
     std::vector<MessageBoxRequest> m_messages;
     ScopedMessageBoxHandler m_handler;
     CXCapGraph m_graph;
-    // Reports a camera gone that its stream does not (a PipeWire source waits
-    // for the node to come back); dropped before the graph.
-    std::unique_ptr<CDeviceWatcher> m_watcher;
+    QMetaObject::Connection m_removed;
     QString m_streamError;
     QSize m_size; // asked for by --format
 };
