@@ -210,3 +210,32 @@ TEST_F(CameraSourcesTest, StoredControlsAreKeyedByTheSourcesStableId)
     EXPECT_EQ(CCameraControlStore::CameraKey(QStringLiteral("Cam"), serial), QStringLiteral("Cam #SN1"));
     EXPECT_EQ(CCameraControlStore::CameraKey(QStringLiteral("Cam"), none), QStringLiteral("Cam"));
 }
+
+// A V4L2 camera PipeWire offers too, with the properties both providers
+// report for it, is one entry, taken directly; PipeWire's node is not taken
+// for a V4L2 device for the "device.api" it copies. A camera only PipeWire
+// offers (libcamera's) stays, its controls kept by its node's name.
+TEST_F(CameraSourcesTest, AV4l2CameraPipeWireOffersTooIsListedOnceDirectly)
+{
+    GstDevice* throughPipeWire = fakes.Make(QStringLiteral("HD USB Camera (V4L2)"),
+        { { "media.class", "Video/Source" }, { "device.api", "v4l2" }, { "api.v4l2.path", "/dev/video0" },
+            { "object.path", "v4l2:/dev/video0" }, { "node.name", "v4l2_input.pci-0000_00_14.0-usb-0_2_1.0" },
+            { "object.serial", "41" } });
+    GstDevice* direct = fakes.Make(QStringLiteral("HD USB Camera"),
+        { { "device.api", "v4l2" }, { "device.path", "/dev/video0" }, { "v4l2.device.driver", "uvcvideo" } });
+    GstDevice* libcamera = fakes.Make(QStringLiteral("imx219"),
+        { { "media.class", "Video/Source" }, { "device.api", "libcamera" },
+            { "node.name", "libcamera_input.imx219" }, { "object.serial", "44" } });
+
+    std::vector<GstDevice*> listed = ArrangeCaptureDevices({ throughPipeWire, direct, libcamera });
+    EXPECT_EQ(Text(Names(listed)), Text({ QStringLiteral("HD USB Camera"), QStringLiteral("imx219") }));
+    for (GstDevice* d : listed)
+        gst_object_unref(d);
+    ASSERT_NE(CameraSourceOf(throughPipeWire), nullptr);
+    EXPECT_STREQ(CameraSourceOf(throughPipeWire)->name, "pipewire");
+    EXPECT_STREQ(CameraSourceOf(throughPipeWire)->elementFactory, "pipewiresrc");
+    EXPECT_EQ(CameraSourceOf(throughPipeWire)->controls, CameraControlAccess::None);
+    EXPECT_STREQ(CameraSourceOf(direct)->name, "v4l2");
+    EXPECT_EQ(CCameraControlStore::CameraKey(QStringLiteral("imx219"), libcamera),
+        QStringLiteral("imx219 #libcamera_input.imx219"));
+}
