@@ -1,0 +1,77 @@
+#include "CaptureTestSupport.h"
+#include "PipeWireRig.h"
+#include "RequiredTools.h"
+#include "capture/CDeviceWatcher.h"
+#include "capture/CameraSources.h"
+
+#include <gtest/gtest.h>
+
+// A camera a real PipeWire offers, in the program's capture graph and device
+// watcher: the program's own route for preview, pull and return.
+
+namespace {
+
+const QString kName = QStringLiteral("Rig Live Scope");
+const QString kCaps = QStringLiteral("video/x-raw,format=YUY2,width=320,height=240,framerate=30/1");
+
+class PipeWireCamera : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        // Before this process's first PipeWire connection, which reads the
+        // rig's runtime folder.
+        if (PipeWireRig::MissingTools().isEmpty())
+            s_rig = std::make_unique<PipeWireRig>();
+    }
+    static void TearDownTestSuite() { s_rig.reset(); }
+    void SetUp() override
+    {
+        REQUIRE_TOOL(s_rig, PipeWireRig::MissingTools().join(QStringLiteral(", ")).toStdString());
+        ASSERT_TRUE(s_rig->IsRunning()) << s_rig->Error().toStdString();
+    }
+
+    static inline std::unique_ptr<PipeWireRig> s_rig;
+    SimCameraScope sim { false };
+    MessageCollector messages;
+};
+
+} // namespace
+
+// The node going away does not fail PipeWire's stream: the watcher's removal
+// ends the preview with the pulled camera's message; the node back is
+// reported, and the preview runs again.
+TEST_F(PipeWireCamera, PreviewEndsWhenTheNodeGoesAndRunsAgainWhenItComesBack)
+{
+    const pid_t camera = s_rig->StartCamera(kName, kCaps);
+    ASSERT_NE(camera, 0) << s_rig->Error().toStdString();
+    CDeviceWatcher watcher;
+    ASSERT_TRUE(watcher.IsWatching());
+    QStringList added;
+    QObject::connect(&watcher, &CDeviceWatcher::DeviceAdded, [&](const QString& n) { added << n; });
+    ASSERT_TRUE(PumpUntil([&] { return added.contains(kName); }));
+
+    CXCapGraph graph;
+    QObject::connect(
+        &watcher, &CDeviceWatcher::DeviceRemoved, [&](const QString& n) { graph.OnDeviceRemoved(n); });
+    ASSERT_TRUE(StartPreview(graph, kName)) << Shown(messages);
+    const CameraSource* source = CameraSourceOfElement(graph.DeviceElement());
+    ASSERT_NE(source, nullptr);
+    EXPECT_STREQ(source->name, "pipewire");
+    EXPECT_EQ(VideoSize(graph), QSize(320, 240));
+
+    s_rig->StopCamera(camera);
+    ASSERT_TRUE(PumpUntil([&] { return !messages.Texts().isEmpty(); }, 10000));
+    EXPECT_EQ(messages.Texts(), QStringList { CXCapGraph::kCameraLostMessage });
+
+    const pid_t back = s_rig->StartCamera(kName, kCaps);
+    ASSERT_NE(back, 0) << s_rig->Error().toStdString();
+    ASSERT_TRUE(PumpUntil([&] { return added.count(kName) == 2; }));
+    messages.Clear();
+    ASSERT_EQ(graph.Reconnect(), S_OK) << Shown(messages);
+    EXPECT_TRUE(WaitFreshFrames(graph)) << Shown(messages);
+    EXPECT_TRUE(messages.Texts().isEmpty()) << Shown(messages);
+    graph.StopGraph();
+    graph.ReleaseAll();
+    s_rig->StopCamera(back);
+}
