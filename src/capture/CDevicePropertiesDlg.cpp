@@ -83,7 +83,7 @@ CDevicePropertiesDlg::CDevicePropertiesDlg(
     m_status = new QLabel(this);
     m_status->setWordWrap(true);
     if (!m_controls->IsAvailable())
-        m_status->setText(tr("This camera offers no settings here. %1").arg(m_controls->Error()));
+        m_status->setText(tr("This camera offers no settings here. %1").arg(m_controls->Error()).trimmed());
     else if (m_shown.isEmpty())
         m_status->setText(tr("This camera offers no settings."));
     layout->addWidget(m_status);

@@ -2,8 +2,30 @@
 
 #include "capture/GstInit.h"
 
+#include <cstring>
 #include <memory>
+#include <mutex>
 #include <vector>
+
+namespace {
+
+// PipeWire's provider of Debian 12 (0.3.65) corrupts memory when it stops
+// (its connection is freed twice). A monitor with it runs on unheard, still
+// referenced, until the process ends.
+std::mutex g_parkedMutex;
+std::vector<GstDeviceMonitor*> g_parked; // under g_parkedMutex
+
+bool StopsUnsafely(GstDeviceMonitor* monitor)
+{
+    gchar** names = gst_device_monitor_get_providers(monitor);
+    bool found = false;
+    for (gchar** n = names; n && *n; ++n)
+        found = found || std::strcmp(*n, "pipewiredeviceprovider") == 0;
+    g_strfreev(names);
+    return found;
+}
+
+} // namespace
 
 CDeviceWatcher::CDeviceWatcher(QObject* parent, CameraSourceTable sources)
     : QObject(parent)
@@ -28,6 +50,15 @@ CDeviceWatcher::~CDeviceWatcher()
     if (!m_monitor)
         return;
     ShareDeviceMonitor(nullptr);
+    if (StopsUnsafely(m_monitor)) {
+        GstBus* bus = gst_device_monitor_get_bus(m_monitor);
+        gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
+        gst_bus_set_flushing(bus, TRUE);
+        gst_object_unref(bus);
+        std::lock_guard lock(g_parkedMutex);
+        g_parked.push_back(m_monitor);
+        return;
+    }
     gst_device_monitor_stop(m_monitor);
     GstBus* bus = gst_device_monitor_get_bus(m_monitor);
     gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);

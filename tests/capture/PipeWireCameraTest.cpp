@@ -1,8 +1,11 @@
 #include "CaptureTestSupport.h"
 #include "PipeWireRig.h"
 #include "RequiredTools.h"
+#include "capture/CDevicePropertiesDlg.h"
 #include "capture/CDeviceWatcher.h"
 #include "capture/CameraSources.h"
+
+#include <QLabel>
 
 #include <gtest/gtest.h>
 
@@ -59,6 +62,16 @@ TEST_F(PipeWireCamera, PreviewEndsWhenTheNodeGoesAndRunsAgainWhenItComesBack)
     ASSERT_NE(source, nullptr);
     EXPECT_STREQ(source->name, "pipewire");
     EXPECT_EQ(VideoSize(graph), QSize(320, 240));
+    {
+        // PipeWire passes no controls to the stream: said so, not an empty page.
+        CDevicePropertiesDlg properties(graph.DeviceElement(), nullptr);
+        EXPECT_TRUE(properties.Controls().isEmpty());
+        QStringList labels;
+        for (const QLabel* label : properties.findChildren<QLabel*>())
+            labels << label->text();
+        EXPECT_TRUE(labels.contains(QStringLiteral("This camera offers no settings here.")))
+            << labels.join('|').toStdString();
+    }
 
     s_rig->StopCamera(camera);
     ASSERT_TRUE(PumpUntil([&] { return !messages.Texts().isEmpty(); }, 10000));
