@@ -73,9 +73,9 @@ QString PipeWireStableId(GstDevice* device)
     return {};
 }
 
-// The pipeline keeps frames past the stream (the last picture, a paused
-// graph's): a buffer of the node's own pool held so is one the camera can
-// never fill again, and after a few stops and starts it sends no more.
+// The graph keeps the last frame past the stream (for a picture, a paused
+// preview): a buffer of the node's own few held so is one the camera cannot
+// fill while it is held. Copied, each goes straight back.
 GstElement* PipeWireElement(GstDevice* device, const char* name)
 {
     GstElement* element = gst_device_create_element(device, name);

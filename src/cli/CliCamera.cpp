@@ -20,10 +20,10 @@ namespace {
 constexpr int kSettleFrames = 5;
 constexpr int kFirstFramesTimeoutMs = 10000;
 
-// The process's device watcher, started once and never stopped: PipeWire's
-// provider (0.3.65) corrupts memory when it stops, and the command ends with
-// the process. Its running monitor also lists the cameras in the program's
-// order, where a probe gives PipeWire's newest first.
+// The process's device watcher, made once: one with PipeWire's provider is
+// never stopped anyway (see CDeviceWatcher), and the command ends with the
+// process. Its running monitor also lists the cameras in the program's order,
+// where a probe gives PipeWire's newest first.
 CDeviceWatcher& ProcessWatcher()
 {
     static CDeviceWatcher* const watcher = new CDeviceWatcher;
