@@ -2,6 +2,9 @@
 
 #include "capture/GstInit.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 #include <cstring>
 #include <memory>
 #include <mutex>
@@ -10,10 +13,23 @@
 namespace {
 
 // PipeWire's provider of Debian 12 (0.3.65) corrupts memory when it stops
-// (its connection is freed twice). A monitor with it runs on unheard, still
-// referenced, until the process ends.
+// after it connected (the connection is freed twice). A monitor with it runs
+// on unheard, still referenced, until the process ends. Without a daemon to
+// connect to it stops cleanly, and leaves nothing behind.
 std::mutex g_parkedMutex;
 std::vector<GstDeviceMonitor*> g_parked; // under g_parkedMutex
+
+// Where PipeWire's clients look for the daemon's socket.
+bool PipeWireIsRunning()
+{
+    QString folder = qEnvironmentVariable("PIPEWIRE_RUNTIME_DIR");
+    if (folder.isEmpty())
+        folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    QString name = qEnvironmentVariable("PIPEWIRE_REMOTE");
+    if (name.isEmpty())
+        name = QStringLiteral("pipewire-0");
+    return !folder.isEmpty() && QFileInfo(QDir(folder).filePath(name)).exists();
+}
 
 bool StopsUnsafely(GstDeviceMonitor* monitor)
 {
@@ -22,7 +38,7 @@ bool StopsUnsafely(GstDeviceMonitor* monitor)
     for (gchar** n = names; n && *n; ++n)
         found = found || std::strcmp(*n, "pipewiredeviceprovider") == 0;
     g_strfreev(names);
-    return found;
+    return found && PipeWireIsRunning();
 }
 
 } // namespace
