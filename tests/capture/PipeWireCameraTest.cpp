@@ -10,10 +10,7 @@
 #include <gtest/gtest.h>
 
 // A camera a real PipeWire offers, in the program's capture graph and device
-// watcher: the program's own route for preview, pull and return. PipeWire's
-// GStreamer plugin keeps one connection per process, and a watcher never lets
-// go of it: run these in a process of their own (ctest does), not after other
-// tests that watched devices without the rig.
+// watcher: the program's own route for preview, pull and return.
 
 namespace {
 
