@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
 #include <mutex>
 
 namespace {
@@ -32,11 +33,19 @@ QString V4l2Node(GstDevice* device)
     return DeviceProperty(device, "device.path");
 }
 
+// The first of the fields the device's properties give.
+QString FirstProperty(GstDevice* device, std::initializer_list<const char*> fields)
+{
+    for (const char* field : fields)
+        if (QString value = DeviceProperty(device, field); !value.isEmpty())
+            return value;
+    return {};
+}
+
 QString V4l2Serial(GstDevice* device)
 {
-    for (const char* field : { "device.serial", "serial" })
-        if (QString serial = DeviceProperty(device, field); !serial.isEmpty())
-            return serial;
+    if (QString serial = FirstProperty(device, { "device.serial", "serial" }); !serial.isEmpty())
+        return serial;
     // A USB camera's serial number sits beside its interface in sysfs.
     const QString node = V4l2Node(device);
     if (node.isEmpty())
@@ -67,10 +76,7 @@ QString PipeWireV4l2Node(GstDevice* device)
 // stays ("v4l2_input.pci-..."), as does a device's serial where it has one.
 QString PipeWireStableId(GstDevice* device)
 {
-    for (const char* field : { "device.serial", "node.name" })
-        if (QString id = DeviceProperty(device, field); !id.isEmpty())
-            return id;
-    return {};
+    return FirstProperty(device, { "device.serial", "node.name" });
 }
 
 // The graph keeps the last frame past the stream (for a picture, a paused

@@ -1,6 +1,5 @@
 #include "CaptureTestSupport.h"
-#include "PipeWireRig.h"
-#include "RequiredTools.h"
+#include "PipeWireRigSuite.h"
 #include "capture/CDevicePropertiesDlg.h"
 #include "capture/CDeviceWatcher.h"
 #include "capture/CameraSources.h"
@@ -17,24 +16,9 @@ namespace {
 const QString kName = QStringLiteral("Rig Live Scope");
 const QString kCaps = QStringLiteral("video/x-raw,format=YUY2,width=320,height=240,framerate=30/1");
 
-class PipeWireCamera : public ::testing::Test
+class PipeWireCamera : public PipeWireRigSuite<::testing::Test>
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        // Before this process's first PipeWire connection, which reads the
-        // rig's runtime folder.
-        if (PipeWireRig::MissingTools().isEmpty())
-            s_rig = std::make_unique<PipeWireRig>();
-    }
-    static void TearDownTestSuite() { s_rig.reset(); }
-    void SetUp() override
-    {
-        REQUIRE_TOOL(s_rig, PipeWireRig::MissingTools().join(QStringLiteral(", ")).toStdString());
-        ASSERT_TRUE(s_rig->IsRunning()) << s_rig->Error().toStdString();
-    }
-
-    static inline std::unique_ptr<PipeWireRig> s_rig;
     SimCameraScope sim { false };
     MessageCollector messages;
 };

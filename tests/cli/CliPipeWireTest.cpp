@@ -1,5 +1,5 @@
 #include "CliSupport.h"
-#include "PipeWireRig.h"
+#include "PipeWireRigSuite.h"
 #include "RequiredTools.h"
 #include "TestFiles.h"
 
@@ -17,21 +17,9 @@ namespace {
 
 const QString kCaps640 = QStringLiteral("video/x-raw,format=YUY2,width=640,height=480,framerate=30/1");
 
-class CliPipeWire : public CliFixture
+class CliPipeWire : public PipeWireRigSuite<CliFixture>
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        if (PipeWireRig::MissingTools().isEmpty())
-            s_rig = std::make_unique<PipeWireRig>();
-    }
-    static void TearDownTestSuite() { s_rig.reset(); }
-
-    void SetUp() override
-    {
-        REQUIRE_TOOL(s_rig, PipeWireRig::MissingTools().join(QStringLiteral(", ")).toStdString());
-        ASSERT_TRUE(s_rig->IsRunning()) << s_rig->Error().toStdString();
-    }
     void TearDown() override
     {
         for (pid_t pid : m_cameras)
@@ -52,7 +40,6 @@ protected:
         m_cameras.erase(std::remove(m_cameras.begin(), m_cameras.end(), pid), m_cameras.end());
     }
 
-    static inline std::unique_ptr<PipeWireRig> s_rig;
     std::vector<pid_t> m_cameras;
 };
 
