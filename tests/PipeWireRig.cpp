@@ -9,20 +9,13 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace {
 
 constexpr int kStartTimeoutMs = 10000;
-
-bool Alive(pid_t pid)
-{
-    return ::kill(pid, 0) == 0;
-}
 
 } // namespace
 
@@ -51,20 +44,25 @@ PipeWireRig::PipeWireRig()
     SetEnv("PIPEWIRE_RUNTIME_DIR", {});
     SetEnv("PIPEWIRE_REMOTE", {});
 
-    QProcess bus;
-    bus.start(QStringLiteral("dbus-daemon"),
-        { QStringLiteral("--session"), QStringLiteral("--fork"), QStringLiteral("--print-address=1"),
-            QStringLiteral("--print-pid=1"),
-            QStringLiteral("--address=unix:path=%1/bus").arg(m_dir.path()) });
-    const bool busStarted = bus.waitForFinished(kStartTimeoutMs) && bus.exitCode() == 0;
-    const QStringList printed = QString::fromUtf8(bus.readAllStandardOutput()).split(QLatin1Char('\n'));
-    if (!busStarted || printed.size() < 2) {
-        m_error
-            = QStringLiteral("dbus-daemon did not start: ") + QString::fromUtf8(bus.readAllStandardError());
+    // Our child like the others, so that it dies with this process too.
+    m_bus = Spawn(QStringLiteral("dbus-daemon"),
+        { QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1"),
+            QStringLiteral("--address=unix:path=%1/bus").arg(m_dir.path()) },
+        QStringLiteral("bus.address"));
+    QFile printed(m_dir.filePath(QStringLiteral("bus.address")));
+    QByteArray address;
+    for (QDeadlineTimer deadline(kStartTimeoutMs); m_bus && !deadline.hasExpired(); QThread::msleep(10))
+        if (printed.open(QIODevice::ReadOnly)) {
+            address = printed.readLine().trimmed();
+            printed.close();
+            if (!address.isEmpty())
+                break;
+        }
+    if (address.isEmpty()) {
+        m_error = QStringLiteral("dbus-daemon did not start");
         return;
     }
-    m_bus = pid_t(printed[1].trimmed().toInt());
-    SetEnv("DBUS_SESSION_BUS_ADDRESS", printed[0].trimmed().toUtf8());
+    SetEnv("DBUS_SESSION_BUS_ADDRESS", address);
 
     m_pipewire = Spawn(QStringLiteral("pipewire"), {}, QStringLiteral("pipewire.log"));
     const QString socket = m_dir.filePath(QStringLiteral("pipewire-0"));
@@ -85,12 +83,7 @@ PipeWireRig::~PipeWireRig()
         Stop(pid);
     Stop(m_wireplumber);
     Stop(m_pipewire);
-    if (m_bus > 0) {
-        // Forked away, so not a child: waited for by looking.
-        ::kill(m_bus, SIGTERM);
-        for (QDeadlineTimer deadline(2000); Alive(m_bus) && !deadline.hasExpired();)
-            QThread::msleep(5);
-    }
+    Stop(m_bus);
     for (const auto& [name, value] : m_savedEnv)
         if (value)
             qputenv(name.constData(), *value);
@@ -111,24 +104,35 @@ void PipeWireRig::SetEnv(const char* name, const QByteArray& value)
 
 pid_t PipeWireRig::Spawn(const QString& program, const QStringList& arguments, const QString& log)
 {
+    const QByteArray path = QFile::encodeName(QStandardPaths::findExecutable(program));
     const QByteArray logPath = QFile::encodeName(m_dir.filePath(log));
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(
-        &actions, STDOUT_FILENO, logPath.constData(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-    std::vector<QByteArray> storage { program.toLocal8Bit() };
+    if (path.isEmpty())
+        return 0;
+    std::vector<QByteArray> storage { path };
     for (const QString& a : arguments)
         storage.push_back(a.toLocal8Bit());
     std::vector<char*> argv;
     for (QByteArray& a : storage)
         argv.push_back(a.data());
     argv.push_back(nullptr);
-    pid_t pid = 0;
-    const int failed = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    return failed ? 0 : pid;
+    const pid_t parent = ::getpid();
+    const pid_t pid = ::fork();
+    if (pid != 0)
+        return pid < 0 ? 0 : pid;
+    // The child, until exec: only calls that are safe after fork. A test
+    // that crashes takes its daemons and cameras with it.
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (::getppid() != parent)
+        ::_exit(127);
+    const int in = ::open("/dev/null", O_RDONLY);
+    const int out = ::open(logPath.constData(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    if (in < 0 || out < 0)
+        ::_exit(127);
+    ::dup2(in, STDIN_FILENO);
+    ::dup2(out, STDOUT_FILENO);
+    ::dup2(out, STDERR_FILENO);
+    ::execv(argv[0], argv.data());
+    ::_exit(127);
 }
 
 void PipeWireRig::Stop(pid_t pid)
