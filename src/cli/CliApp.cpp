@@ -23,6 +23,7 @@ const std::map<QString, Command>& Commands()
         { QStringLiteral("measure"),
             { &RunMeasure, "Export the measurements kept in saved pictures as CSV." } },
         { QStringLiteral("calibrate"), { &RunCalibrate, "Calibrate from a picture of a stage micrometer." } },
+        { QStringLiteral("particles"), { &RunParticles, "Count and size the particles of a picture." } },
     };
     return commands;
 }

@@ -102,6 +102,18 @@ void CGVLPolygon::UpdateElem()
     InvalidateWithAreaLabel(GdiRect::Around(m_arCoord).With(m_ptRubber));
 }
 
+void CGVLPolygon::SetOutline(const std::vector<QPoint>& vertices)
+{
+    if (vertices.size() < 3)
+        return;
+    m_arCoord = vertices;
+    m_nClick = int(vertices.size());
+    m_bClosed = true;
+    m_bDown = false;
+    m_nHit = -1;
+    UpdateElem();
+}
+
 int CGVLPolygon::GetHit() const
 {
     return m_nHit;

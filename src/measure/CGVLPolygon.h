@@ -34,6 +34,9 @@ public:
     virtual int HitVertex(const QPoint& point) const;
 
     bool IsClosed() const { return m_bClosed; }
+    // Takes the vertices of a finished outline at once (a particle's), as
+    // if clicked and closed; fewer than 3 leave it open and empty.
+    void SetOutline(const std::vector<QPoint>& vertices);
     // Releases taken with the polygon tool.
     int UpCount() const { return m_nClick; }
 

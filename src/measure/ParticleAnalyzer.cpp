@@ -1,6 +1,8 @@
 #include "measure/ParticleAnalyzer.h"
 
 #include "image/BinaryWatershed.h"
+#include "measure/CGVLElemMgr.h"
+#include "measure/CGVLPolygon.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,6 +27,7 @@ struct Labels
 // Follows the pixel edges around a particle from the top-left corner of its
 // first pixel, keeping it on the right; a diagonal neighbour is turned to, so
 // the outline is that of the 8-connected particle. Only corners are kept.
+// The first two corners found are the ends of the top row's first run.
 std::vector<QPoint> TraceOutline(const Labels& labels, std::int32_t label, QPoint start)
 {
     // Right, down, left, up: turning right is the next one.
@@ -49,9 +52,10 @@ std::vector<QPoint> TraceOutline(const Labels& labels, std::int32_t label, QPoin
             corners.push_back(at);
         dir = next;
     } while (at != start || dir != 0);
-    // The start is a corner too: close the list on it.
-    if (!corners.empty() && corners.back() == start)
-        std::rotate(corners.rbegin(), corners.rbegin() + 1, corners.rend());
+    // ImageJ's list starts after the top row's right end, where its tracer
+    // begins; the corners cut along a staircase depend on where it starts.
+    if (corners.size() > 2)
+        std::rotate(corners.begin(), corners.begin() + 1, corners.end());
     return corners;
 }
 
@@ -158,20 +162,27 @@ ParticleResult AnalyzeParticles(
     const double w = unit ? unit->m_dcxPerPixel : 1.0;
     const double h = unit ? unit->m_dcyPerPixel : 1.0;
 
-    // Components are numbered in the order a row-by-row scan first meets
-    // them, which is ImageJ's order too; with holes included, a particle
-    // inside another's hole belongs to that one.
+    // OpenCV numbers components by blocks of two rows; ImageJ lists them in
+    // the order a row-by-row scan first meets them. With holes included, a
+    // particle inside another's hole belongs to that one.
+    std::vector<std::size_t> first(std::size_t(count), mask.size());
+    for (std::size_t i = 0; i < mask.size(); ++i)
+        if (const std::int32_t label = labels.data[i]; label > 0 && first[std::size_t(label)] == mask.size())
+            first[std::size_t(label)] = i;
+    std::vector<int> order;
+    for (int label = 1; label < count; ++label)
+        order.push_back(label);
+    std::sort(order.begin(), order.end(),
+        [&first](int a, int b) { return first[std::size_t(a)] < first[std::size_t(b)]; });
     std::vector<std::uint8_t> covered;
     if (options.includeHoles)
         covered.assign(mask.size(), 0);
-    for (int label = 1; label < count; ++label) {
+    for (const int label : order) {
         const QRect bounds(stats.at<int>(label, cv::CC_STAT_LEFT), stats.at<int>(label, cv::CC_STAT_TOP),
             stats.at<int>(label, cv::CC_STAT_WIDTH), stats.at<int>(label, cv::CC_STAT_HEIGHT));
-        // The component's first pixel in scan order lies in its top row.
-        QPoint start(bounds.left(), bounds.top());
-        while (!labels.Is(start.x(), start.y(), label))
-            start.rx()++;
-        if (options.includeHoles && covered[std::size_t(start.y()) * width + start.x()])
+        const std::size_t at = first[std::size_t(label)];
+        const QPoint start(int(at % std::size_t(width)), int(at / std::size_t(width)));
+        if (options.includeHoles && covered[at])
             continue;
         Particle particle;
         particle.outline = TraceOutline(labels, label, start);
@@ -204,4 +215,20 @@ ParticleResult AnalyzeParticles(
         result.particles.push_back(std::move(particle));
     }
     return result;
+}
+
+std::size_t AddOutlineShapes(CGVLElemMgr& mgr, const std::vector<Particle>& particles)
+{
+    const auto lock = mgr.Lock();
+    std::size_t added = 0;
+    for (const Particle& particle : particles) {
+        if (particle.outline.size() < 3)
+            continue;
+        auto* polygon = dynamic_cast<CGVLPolygon*>(mgr.CreateShape(ShapeType::Polygon));
+        if (!polygon)
+            continue;
+        polygon->SetOutline(particle.outline);
+        ++added;
+    }
+    return added;
 }

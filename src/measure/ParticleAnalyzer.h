@@ -7,6 +7,7 @@
 #include <QPoint>
 #include <QRect>
 
+#include <cstddef>
 #include <limits>
 #include <optional>
 #include <vector>
@@ -63,8 +64,15 @@ struct ParticleResult
     std::vector<Particle> particles;
 };
 
+class CGVLElemMgr;
+
 // Finds the 8-connected particles of a picture's gray levels ((R+G+B)/3) in
 // the threshold range, measures them with the calibration (null: pixels) and
 // keeps those the options allow. A null picture gives none.
 ParticleResult AnalyzeParticles(
     const QImage& picture, const ParticleOptions& options, const CalibrationRecord* unit = nullptr);
+
+// Appends each particle's outline to the manager as a closed polygon shape,
+// in the particles' order, so they are numbered, exported, kept and deleted
+// as drawn ones. Returns how many were added.
+std::size_t AddOutlineShapes(CGVLElemMgr& mgr, const std::vector<Particle>& particles);

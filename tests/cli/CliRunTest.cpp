@@ -56,7 +56,8 @@ TEST_F(CliUsage, HelpForTheToolAndEachCommand)
 {
     const CliRun main = Run({ "--help" });
     EXPECT_EQ(main.code, 0);
-    for (const char* command : { "devices", "snapshot", "record", "timelapse", "measure", "calibrate" }) {
+    for (const char* command :
+        { "devices", "snapshot", "record", "timelapse", "measure", "calibrate", "particles" }) {
         EXPECT_TRUE(main.out.contains(QString::fromLatin1(command))) << command;
         for (const QStringList& args :
             { QStringList { command, "--help" }, QStringList { "help", command } }) {
@@ -100,6 +101,11 @@ TEST_F(CliUsage, BadUsageIsExitTwoWithOneLine)
         { { "calibrate", out }, "calibrate needs --division" },
         { { "calibrate", "--division", "0.01", out }, "bad --division \"0.01\"" },
         { { "calibrate", "--division", "10um", out, out }, "one PICTURE only" },
+        { { "particles", "--threshold", "otsu" }, "PICTURE is missing" },
+        { { "particles", "--threshold", "otsu", "--precision", "6", out },
+            "--precision takes a whole number" },
+        { { "particles", "--threshold", "otsu", "--min-circularity", "2", out },
+            "--min-circularity takes a number" },
     };
     for (const Case& c : cases) {
         const CliRun run = Run(c.args);

@@ -55,13 +55,17 @@ TEST(ParticleAnalyzer, ParticlesAreEightConnectedAndListedInScanOrder)
     Fill(picture, QRect(13, 13, 3, 3)); // touches the first at a corner only
     Fill(picture, QRect(30, 5, 2, 2)); // one column of background from the next
     Fill(picture, QRect(33, 5, 4, 1));
+    picture.setPixel(40, 20, qRgb(255, 255, 255)); // a row above the next, further right
+    picture.setPixel(5, 21, qRgb(255, 255, 255));
     const ParticleResult result = AnalyzeParticles(picture, Bright());
     // Scan order: the 2x2 and the 4x1 start in row 5, the joined squares in row 10.
-    EXPECT_EQ(Pixels(result), (std::vector<qint64> { 4, 4, 18 }));
-    // The diagonal pair's outline goes round both squares through the shared corner.
+    EXPECT_EQ(Pixels(result), (std::vector<qint64> { 4, 4, 18, 1, 1 }));
+    EXPECT_EQ(result.particles[3].bounds.topLeft(), QPoint(40, 20));
+    // The diagonal pair's outline goes round both squares through the shared
+    // corner, from where ImageJ's tracer starts: below the top row's right end.
     EXPECT_EQ(result.particles[2].outline,
-        (std::vector<QPoint> { { 10, 10 }, { 13, 10 }, { 13, 13 }, { 16, 13 }, { 16, 16 }, { 13, 16 },
-            { 13, 13 }, { 10, 13 } }));
+        (std::vector<QPoint> { { 13, 13 }, { 16, 13 }, { 16, 16 }, { 13, 16 }, { 13, 13 }, { 10, 13 },
+            { 10, 10 }, { 13, 10 } }));
 }
 
 TEST(ParticleAnalyzer, MeasuresInTheCalibratedUnitAsImageJDoes)
@@ -77,7 +81,7 @@ TEST(ParticleAnalyzer, MeasuresInTheCalibratedUnitAsImageJDoes)
     EXPECT_NEAR(dot.perimeter, 0.5 * (4 - 2 * (2 - std::sqrt(2.0))), 1e-12);
     EXPECT_DOUBLE_EQ(dot.circularity, 1.0); // capped
     const Particle& square = result.particles[1];
-    EXPECT_EQ(square.outline, (std::vector<QPoint> { { 20, 30 }, { 30, 30 }, { 30, 40 }, { 20, 40 } }));
+    EXPECT_EQ(square.outline, (std::vector<QPoint> { { 30, 40 }, { 20, 40 }, { 20, 30 }, { 30, 30 } }));
     EXPECT_EQ(square.pixels, 100);
     EXPECT_DOUBLE_EQ(square.area, 25.0);
     // 40 edges of 0.5, four corners each cut by 1 - sqrt(0.5).
