@@ -77,6 +77,10 @@ int RunMeasure(const QStringList& arguments)
         QStringLiteral("Write the table to this file instead of stdout."), QStringLiteral("OUT") });
     parser.AddOption({ QStringLiteral("semicolon"),
         QStringLiteral("Separate the fields by semicolons, as the French interface exports them.") });
+    parser.AddOption({ QStringLiteral("precision"),
+        QStringLiteral("Decimals of the results, 1 to 5, as the precision setting gives them (default: the "
+                       "setting)."),
+        QStringLiteral("N") });
     parser.AddPositional(
         QStringLiteral("PICTURE"), QStringLiteral("Pictures saved by Oculix."), QStringLiteral("PICTURE..."));
     if (!parser.Parse(arguments))
@@ -85,6 +89,9 @@ int RunMeasure(const QStringList& arguments)
     if (pictures.isEmpty())
         ThrowUsage(QStringLiteral("PICTURE is missing"));
     const bool semicolon = parser.IsSet(QStringLiteral("semicolon"));
+    SettingsKeys::DocumentSettings settings
+        = SettingsKeys::ReadDocumentSettings(CurrentAppPaths().m_settingsFile);
+    settings.m_precision = parser.Integer(QStringLiteral("precision"), 1, 5, settings.m_precision);
     const QString out = parser.Value(QStringLiteral("csv"));
     if (parser.IsSet(QStringLiteral("csv")))
         CheckOutputFolder(out);
@@ -92,8 +99,6 @@ int RunMeasure(const QStringList& arguments)
         if (!QFileInfo(picture).isFile() || !QFileInfo(picture).isReadable())
             ThrowFailure(QStringLiteral("cannot read %1: no such file, or not readable").arg(picture));
 
-    const SettingsKeys::DocumentSettings settings
-        = SettingsKeys::ReadDocumentSettings(CurrentAppPaths().m_settingsFile);
     const char separator = semicolon ? ';' : ',';
     QByteArray table;
     int measured = 0;

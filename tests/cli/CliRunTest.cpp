@@ -98,6 +98,7 @@ TEST_F(CliUsage, BadUsageIsExitTwoWithOneLine)
         { { "devices", "extra" }, "devices takes no arguments" },
         { { "snapshot", "--title", "t", out }, "--title applies to .jpg pictures only" },
         { { "measure", "--semicolon" }, "PICTURE is missing" },
+        { { "measure", "--precision", "0", out }, "--precision takes a whole number from 1 to 5" },
         { { "calibrate", out }, "calibrate needs --division" },
         { { "calibrate", "--division", "0.01", out }, "bad --division \"0.01\"" },
         { { "calibrate", "--division", "10um", out, out }, "one PICTURE only" },
@@ -464,6 +465,12 @@ TEST_F(CliMeasure, ReproducesTheProgramsExportPerPicture)
     ASSERT_EQ(toFile.code, 0) << toFile.err.toStdString();
     EXPECT_TRUE(toFile.out.isEmpty());
     EXPECT_EQ(Read(Path("b.csv")).toStdString(), b.semicolon.toStdString());
+
+    // --precision over the setting: the line of 250 um with five decimals.
+    const CliRun precise = Run({ "measure", "--precision", "5", Path("a.jpg") }, false);
+    ASSERT_EQ(precise.code, 0) << precise.err.toStdString();
+    EXPECT_TRUE(precise.out.startsWith("No.,Type,Result,Unit\n1,Line distance,250.00000, um\n"))
+        << precise.out.toStdString();
 
     const CliRun several = Run(
         { "measure", Path("a.jpg"), Path("plain.bmp"), Path("b.png"), "--csv", Path("all.csv") }, false);
