@@ -241,3 +241,52 @@ TEST_F(CliParticles, AgreesWithImageJ)
         }
     }
 }
+
+// Touching pairs of discs of random sizes overlapping by up to a fifth of the
+// smaller diameter: --watershed splits them as ImageJ's binary "Watershed" does.
+TEST_F(CliParticles, WatershedSplitsTouchingPairsAsImageJDoes)
+{
+    const QString jar = ImageJJar();
+    REQUIRE_TOOL(!jar.isEmpty() && HaveProgram("xvfb-run") && HaveProgram("java"), "ImageJ (imagej, xvfb)");
+    std::mt19937 rng(3);
+    std::uniform_real_distribution<double> radius(6, 14), overlap(0, 0.2), turn(0, kPi);
+    std::vector<Disc> discs;
+    constexpr int kPairs = 40;
+    for (int k = 0; k < kPairs; ++k) {
+        const double r1 = radius(rng), r2 = radius(rng);
+        const double d = r1 + r2 - overlap(rng) * 2 * std::min(r1, r2);
+        const double a = turn(rng);
+        const double cx = (k % 8) * 100 + 50, cy = (k / 8) * 120 + 60;
+        discs.push_back({ cx - d / 2 * std::cos(a), cy - d / 2 * std::sin(a), r1 });
+        discs.push_back({ cx + d / 2 * std::cos(a), cy + d / 2 * std::sin(a), r2 });
+    }
+    const QString pairs = Path("pairs.png");
+    ASSERT_TRUE(Discs(800, 600, discs, 40, 200, 0).save(pairs));
+    QFile file(Path("split.ijm"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(
+        QStringLiteral("open(\"%1\"); run(\"8-bit\"); setThreshold(128, 255); run(\"Convert to Mask\");\n"
+                       "run(\"Watershed\"); setThreshold(255, 255);\n"
+                       "run(\"Analyze Particles...\", \"display clear\"); print(\"IJ \" + nResults);\n")
+            .arg(pairs)
+            .toUtf8());
+    file.close();
+    QProcess imagej;
+    imagej.start(QStringLiteral("xvfb-run"), { "-a", "java", "-jar", jar, "-batch", file.fileName() });
+    ASSERT_TRUE(imagej.waitForFinished(120000));
+    const QRegularExpressionMatch m
+        = QRegularExpression(R"(IJ (\d+))").match(QString::fromUtf8(imagej.readAllStandardOutput()));
+    ASSERT_TRUE(m.hasMatch());
+    const int theirs = m.captured(1).toInt();
+
+    const CliRun run = Run({ "particles", pairs, "--threshold", "128:255", "--watershed" }, false);
+    ASSERT_EQ(run.code, 0) << run.err.toStdString();
+    const int ours = int(run.out.count(QLatin1Char('\n'))) - 1;
+    const CliRun whole = Run({ "particles", pairs, "--threshold", "128:255" }, false);
+    EXPECT_EQ(int(whole.out.count(QLatin1Char('\n'))) - 1, kPairs) << "the pairs touch";
+    std::printf("[ figures  ] %d touching pairs: %d particles after our split, %d after ImageJ's\n", kPairs,
+        ours, theirs);
+    EXPECT_GE(ours, int(std::ceil(0.95 * 2 * kPairs)));
+    EXPECT_LE(ours, 2 * kPairs);
+    EXPECT_NEAR(ours, theirs, 2);
+}
