@@ -244,7 +244,7 @@
         <translation>没有文件管理器可以显示 %1。</translation>
     </message>
     <message>
-        <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
+        <source>Camera connected: %1. "New Preview" shows its video.</source>
         <translation>相机已连接：%1。“新建预览”可显示其视频。</translation>
     </message>
 </context>
@@ -336,7 +336,7 @@ Background</source>
         <translation>导出</translation>
     </message>
     <message>
-        <source>The camera &quot;%1&quot; is not connected. Plug it in again to go on with the live video.</source>
+        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
         <translation>相机“%1”未连接。请重新插入以继续实时视频。</translation>
     </message>
     <message>
@@ -362,6 +362,124 @@ Background</source>
     <message>
         <source>Failed to write JPEG file Summary information!</source>
         <translation>写入 JPEG 文件摘要信息失败！</translation>
+    </message>
+    <message>
+        <source>No picture from the camera to analyze.</source>
+        <translation>没有可分析的相机图像。</translation>
+    </message>
+    <message>
+        <source>Analyze Particles</source>
+        <translation>颗粒分析</translation>
+    </message>
+</context>
+<context>
+    <name>CParticleResultsDlg</name>
+    <message>
+        <source>Particles</source>
+        <translation>颗粒</translation>
+    </message>
+    <message>
+        <source>No.</source>
+        <translation>序号</translation>
+    </message>
+    <message>
+        <source>Area (%1)</source>
+        <translation>面积 (%1)</translation>
+    </message>
+    <message>
+        <source>Perimeter (%1)</source>
+        <translation>周长 (%1)</translation>
+    </message>
+    <message>
+        <source>Diameter (%1)</source>
+        <translation>直径 (%1)</translation>
+    </message>
+    <message>
+        <source>Circularity</source>
+        <translation>圆度</translation>
+    </message>
+    <message>
+        <source>X (%1)</source>
+        <translation>X (%1)</translation>
+    </message>
+    <message>
+        <source>Y (%1)</source>
+        <translation>Y (%1)</translation>
+    </message>
+    <message>
+        <source>%1 particles, mean area %2 %3 (standard deviation %4), total %5 %3, %6 % of the picture</source>
+        <translation>%1 个颗粒，平均面积 %2 %3（标准差 %4），总面积 %5 %3，占图像 %6 %</translation>
+    </message>
+    <message>
+        <source>Export CSV...</source>
+        <translation>导出 CSV...</translation>
+    </message>
+    <message>
+        <source>Cannot write %1: %2</source>
+        <translation>无法写入 %1：%2</translation>
+    </message>
+    <message>
+        <source>Export CSV</source>
+        <translation>导出 CSV</translation>
+    </message>
+    <message>
+        <source>CSV (*.csv)</source>
+        <translation>CSV (*.csv)</translation>
+    </message>
+</context>
+<context>
+    <name>CParticlesDlg</name>
+    <message>
+        <source>Analyze Particles</source>
+        <translation>颗粒分析</translation>
+    </message>
+    <message>
+        <source>Gray levels from-to</source>
+        <translation>灰度范围</translation>
+    </message>
+    <message>
+        <source>Automatic (Otsu)</source>
+        <translation>自动（Otsu）</translation>
+    </message>
+    <message>
+        <source>Automatic (ImageJ default)</source>
+        <translation>自动（ImageJ 默认）</translation>
+    </message>
+    <message>
+        <source>Automatic (Triangle)</source>
+        <translation>自动（三角法）</translation>
+    </message>
+    <message>
+        <source>Dark particles on a light background</source>
+        <translation>亮背景上的暗颗粒</translation>
+    </message>
+    <message>
+        <source>Exclude particles on the edges</source>
+        <translation>排除边缘上的颗粒</translation>
+    </message>
+    <message>
+        <source>Include holes</source>
+        <translation>包含孔洞</translation>
+    </message>
+    <message>
+        <source>Split touching particles</source>
+        <translation>分离相互接触的颗粒</translation>
+    </message>
+    <message>
+        <source>Threshold:</source>
+        <translation>阈值：</translation>
+    </message>
+    <message>
+        <source>Gray levels:</source>
+        <translation>灰度：</translation>
+    </message>
+    <message>
+        <source>Area (pixels):</source>
+        <translation>面积（像素）：</translation>
+    </message>
+    <message>
+        <source>Circularity:</source>
+        <translation>圆度：</translation>
     </message>
 </context>
 <context>
@@ -1087,7 +1205,7 @@ Background</source>
         <translation>打开图片文件夹(&amp;P)</translation>
     </message>
     <message>
-        <source>Open pictures&apos; saved folder</source>
+        <source>Open pictures' saved folder</source>
         <translation>打开已保存图片的文件夹</translation>
     </message>
     <message>
@@ -1202,6 +1320,14 @@ Background</source>
         <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
         <translation>将直线的端点和圆周放到图像上最近的边缘</translation>
     </message>
+    <message>
+        <source>Analyze &amp;Particles...</source>
+        <translation>颗粒分析(&amp;P)...</translation>
+    </message>
+    <message>
+        <source>Count and size the particles of the picture</source>
+        <translation>统计并测量图像中的颗粒</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1214,7 +1340,7 @@ Background</source>
         <translation>显示此帮助。</translation>
     </message>
     <message>
-        <source>Measure on a microscope camera&apos;s live picture.</source>
+        <source>Measure on a microscope camera's live picture.</source>
         <translation>在显微镜相机的实时画面上测量。</translation>
     </message>
     <message>

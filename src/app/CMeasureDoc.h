@@ -7,6 +7,8 @@
 #include "capture/ILiveDocument.h"
 #include "image/FCObjImage.h"
 #include "image/ProcessSwitches.h"
+#include "measure/ParticleAnalyzer.h"
+#include "ui/CParticleResultsDlg.h"
 #include "ui/IMeasureDocument.h"
 
 #include <QByteArray>
@@ -137,6 +139,13 @@ public:
     // PNG and TIFF files, and gives ".jpg" files the summary texts. Failures
     // are told in message boxes; true when the picture was written.
     bool SaveImage(const QString& path, const SaveOverlay& overlay, const SaveTexts& texts);
+    // "Analyze &Particles...": counts and sizes the particles of the picture
+    // (the live one's next frame without the shapes), adds each outline as a
+    // polygon shape, one undo step for all, and shows the results window.
+    // Returns how many were found; -1 when there was no picture.
+    int AnalyzeParticles(const ParticleOptions& options);
+    // The results window of the last analysis while it is open.
+    CParticleResultsDlg* GetParticleResults() const { return m_particleResults; }
     // "&Save": the name comes from the "Save" section; tells where the
     // picture went, then advances "Suffix". Returns the path.
     QString QuickSave(SaveVariant variant = SaveVariant::Settings);
@@ -179,6 +188,9 @@ private:
     void ReadSettings();
     void MapSaveCommands();
     void MapSnapCommand();
+    void MapParticlesCommand();
+    // The live document's next frame, with or without the shapes blended in.
+    bool GrabLiveFrame(FCObjImage& frame, bool withShapes);
     void ReadMeasurementXmp(const QString& path);
     void WriteSettings() const;
     void MapCommands();
@@ -222,6 +234,7 @@ private:
     std::unique_ptr<CGVLElemMgr> m_pElemMgr;
     // Its steps copy the manager's shapes; it goes before the manager.
     std::unique_ptr<CShapeHistory> m_pHistory;
+    QPointer<CParticleResultsDlg> m_particleResults;
     CXCapGraph m_graph;
     QString m_settingsFile;
     QPointer<QWidget> m_videoOwner;

@@ -112,22 +112,27 @@ void CMeasureDoc::SaveAs(SaveVariant variant)
     dialog.exec();
 }
 
+bool CMeasureDoc::GrabLiveFrame(FCObjImage& frame, bool withShapes)
+{
+    // Without the shapes the frame is one the processing element passed with
+    // processing off, so without the overlay. The grabber's last frame may
+    // have passed before the switch: blended, or, right after such a grab,
+    // left unprocessed; the next one is waited for.
+    int processing = 1;
+    m_graph.GetProcessEnable(&processing);
+    if (!withShapes)
+        m_graph.SetProcessEnable(0);
+    const bool grabbed = GrabNextPicture(m_graph, frame, kFrameWait);
+    m_graph.SetProcessEnable(processing);
+    return grabbed;
+}
+
 bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, const SaveTexts& texts)
 {
     const bool running = m_bLive && m_bPreviewRunning;
     if (running) {
-        // Without burnt-in shapes the frame is one the processing element
-        // passed with processing off, so without the overlay. The grabber's
-        // last frame may have passed before the switch: blended, or, right
-        // after such a save, left unprocessed; the next one is waited for.
-        int processing = 1;
-        m_graph.GetProcessEnable(&processing);
-        if (!overlay.measure)
-            m_graph.SetProcessEnable(0);
         FCObjImage frame;
-        const bool grabbed = GrabNextPicture(m_graph, frame, kFrameWait);
-        m_graph.SetProcessEnable(processing);
-        if (!grabbed) {
+        if (!GrabLiveFrame(frame, overlay.measure)) {
             // Not the picture of some earlier moment instead.
             qCWarning(lcApp) << "no frame from the camera to save as" << path;
             MessageBox(tr("Save image failed."), tr("Save"), MB_OK | MB_ICONWARNING);

@@ -94,6 +94,8 @@ constexpr int ID_MEASURE_ARROW = 32924;
 constexpr int ID_MEASURE_TEXT = 32925;
 // Lines and circles put their points on the picture's edges.
 constexpr int ID_MEASURE_SNAP_EDGES = 32995;
+// Counts and sizes the particles of the picture.
+constexpr int ID_MEASURE_PARTICLES = 32996;
 
 // The separator in menu and toolbar layouts.
 constexpr int ID_SEPARATOR = 0;

@@ -11,7 +11,6 @@
 #include "measure/MeasurementXmp.h"
 #include "measure/ParticleAnalyzer.h"
 #include "platform/AppPaths.h"
-#include "platform/NumberText.h"
 #include "platform/SettingsKeys.h"
 
 #include <QFileInfo>
@@ -44,19 +43,6 @@ double CircularityOption(const CliParser& parser, const QString& name, double fa
         ThrowUsage(
             QStringLiteral("--%1 takes a number from 0 to 1, not \"%2\"").arg(name, parser.Value(name)));
     return value;
-}
-
-QByteArray ParticleCsv(const std::vector<Particle>& particles, const QString& unit, int precision)
-{
-    QByteArray csv = "No.,Area,Perimeter,Diameter,Circularity,X,Y,Unit\n";
-    const auto number = [precision](double value) { return NumberText::FormatC("%.*f", precision, value); };
-    int no = 0;
-    for (const Particle& p : particles) {
-        const QStringList fields { QString::number(++no), number(p.area), number(p.perimeter),
-            number(p.diameter), number(p.circularity), number(p.x), number(p.y), unit };
-        csv += fields.join(QLatin1Char(',')).toUtf8() + '\n';
-    }
-    return csv;
 }
 
 } // namespace

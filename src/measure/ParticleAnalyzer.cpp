@@ -3,6 +3,9 @@
 #include "image/BinaryWatershed.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLPolygon.h"
+#include "platform/NumberText.h"
+
+#include <QStringList>
 
 #include <algorithm>
 #include <cmath>
@@ -231,4 +234,36 @@ std::size_t AddOutlineShapes(CGVLElemMgr& mgr, const std::vector<Particle>& part
         ++added;
     }
     return added;
+}
+
+QByteArray ParticleCsv(const std::vector<Particle>& particles, const QString& unit, int precision)
+{
+    QByteArray csv = "No.,Area,Perimeter,Diameter,Circularity,X,Y,Unit\n";
+    const auto number = [precision](double value) { return NumberText::FormatC("%.*f", precision, value); };
+    int no = 0;
+    for (const Particle& p : particles) {
+        const QStringList fields { QString::number(++no), number(p.area), number(p.perimeter),
+            number(p.diameter), number(p.circularity), number(p.x), number(p.y), unit };
+        csv += fields.join(QLatin1Char(',')).toUtf8() + '\n';
+    }
+    return csv;
+}
+
+ParticleSummary Summarize(const std::vector<Particle>& particles, double pictureArea)
+{
+    ParticleSummary summary;
+    summary.count = particles.size();
+    if (particles.empty())
+        return summary;
+    for (const Particle& p : particles)
+        summary.totalArea += p.area;
+    summary.meanArea = summary.totalArea / double(particles.size());
+    if (particles.size() > 1) {
+        double squares = 0.0;
+        for (const Particle& p : particles)
+            squares += (p.area - summary.meanArea) * (p.area - summary.meanArea);
+        summary.areaDeviation = std::sqrt(squares / double(particles.size() - 1));
+    }
+    summary.areaFraction = pictureArea > 0.0 ? summary.totalArea / pictureArea : 0.0;
+    return summary;
 }

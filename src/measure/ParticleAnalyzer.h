@@ -3,9 +3,11 @@
 #include "calibration/CalibrationRecord.h"
 #include "image/GrayThreshold.h"
 
+#include <QByteArray>
 #include <QImage>
 #include <QPoint>
 #include <QRect>
+#include <QString>
 
 #include <cstddef>
 #include <limits>
@@ -76,3 +78,20 @@ ParticleResult AnalyzeParticles(
 // in the particles' order, so they are numbered, exported, kept and deleted
 // as drawn ones. Returns how many were added.
 std::size_t AddOutlineShapes(CGVLElemMgr& mgr, const std::vector<Particle>& particles);
+
+// The table of particles: "No.,Area,Perimeter,Diameter,Circularity,X,Y,Unit"
+// and a row each, numbers with `precision` decimals in the C locale.
+QByteArray ParticleCsv(const std::vector<Particle>& particles, const QString& unit, int precision);
+
+// What the results window sums up: the count, the mean area and its standard
+// deviation (of the sample; 0 for fewer than two), the total area and the
+// share of the picture's area the particles cover.
+struct ParticleSummary
+{
+    std::size_t count = 0;
+    double meanArea = 0.0;
+    double areaDeviation = 0.0;
+    double totalArea = 0.0;
+    double areaFraction = 0.0;
+};
+ParticleSummary Summarize(const std::vector<Particle>& particles, double pictureArea);

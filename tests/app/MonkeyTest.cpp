@@ -646,6 +646,7 @@ TEST_F(Monkey, EveryCommandOfTheTableHasItsEffect)
         { ID_MEASURE_DELETE_ALL, makes([&] { return ShapeTypes(*live) == std::vector<int> { 9 }; }) },
         { ID_MEASURE_CALIBRATION, flips([&] { return live->GetCalibrationDialog()->isVisible(); }) },
         { ID_MEASURE_SETTING, shows("CMeasureColorDlg") },
+        { ID_MEASURE_PARTICLES, shows("CParticlesDlg") },
         { ID_LANGUAGE_FRENCH, ends },
         { ID_LANGUAGE_CHINESE, ends },
         { ID_LANGUAGE_ENGLISH, ends },
