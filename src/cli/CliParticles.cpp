@@ -123,12 +123,7 @@ int RunParticles(const QStringList& arguments)
         CheckOutputFolder(annotate);
     }
 
-    FCObjImage picture;
-    if (!QFileInfo(path).isFile() || !picture.Load(path))
-        ThrowFailure(
-            QStringLiteral("cannot read %1: %2")
-                .arg(
-                    path, QFileInfo(path).isFile() ? picture.ErrorString() : QStringLiteral("no such file")));
+    const FCObjImage picture = LoadPicture(path);
     const MeasurementXmp::Stored stored = MeasurementXmp::Read(path);
     const ParticleResult result
         = AnalyzeParticles(picture.ToQImage(), options, stored.unit ? &*stored.unit : nullptr);

@@ -1,7 +1,7 @@
 // oculix-cli particles end to end, and its agreement with ImageJ itself.
 
 #include "CliSupport.h"
-#include "RequiredTools.h"
+#include "ImageJSupport.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/MeasurementXmp.h"
 #include "platform/PrivateProfile.h"
@@ -86,14 +86,6 @@ std::vector<Row> ParseRows(const QString& text, const QRegularExpression& patter
 }
 
 using CliParticles = CliFixture;
-
-QString ImageJJar()
-{
-    for (const char* jar : { "/usr/share/java/ij.jar", "/usr/share/imagej/ij.jar" })
-        if (QFile::exists(QString::fromLatin1(jar)))
-            return QString::fromLatin1(jar);
-    return {};
-}
 
 } // namespace
 
@@ -184,8 +176,7 @@ TEST_F(CliParticles, ExitCodesAndNothingHalfWritten)
 // and centres exactly, perimeters to 0.5 %.
 TEST_F(CliParticles, AgreesWithImageJ)
 {
-    const QString jar = ImageJJar();
-    REQUIRE_TOOL(!jar.isEmpty() && HaveProgram("xvfb-run") && HaveProgram("java"), "ImageJ (imagej, xvfb)");
+    REQUIRE_TOOL(HaveImageJ(), "ImageJ (imagej, xvfb)");
     const QString specimen = Path("specimen.png");
     ASSERT_TRUE(Specimen().save(specimen));
 
@@ -206,25 +197,18 @@ TEST_F(CliParticles, AgreesWithImageJ)
     const QRegularExpression ours(R"(^\d+,([\d.]+),([\d.]+),[\d.]+,[\d.]+,([\d.]+),([\d.]+),px$)");
     const QRegularExpression theirs(R"(^IJ ([\d.]+) ([\d.]+) ([\d.]+) ([\d.]+)$)");
     for (const Case& c : cases) {
-        const QString macro = Path("analyse.ijm");
-        QFile file(macro);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(
-            QStringLiteral("open(\"%1\"); run(\"8-bit\"); %2\n"
-                           "run(\"Set Measurements...\", \"area perimeter centroid redirect=None "
-                           "decimal=4\");\n"
-                           "run(\"Analyze Particles...\", \"%3 display clear\");\n"
-                           "for (i = 0; i < nResults; i++) print(\"IJ \" + d2s(getResult(\"Area\", i), 4) + "
-                           "\" \" + d2s(getResult(\"Perim.\", i), 4) + \" \" + d2s(getResult(\"X\", i), 4) + "
-                           "\" \" + d2s(getResult(\"Y\", i), 4));\n")
-                .arg(specimen, c.threshold, c.options)
-                .toUtf8());
-        file.close();
-        QProcess imagej;
-        imagej.start(QStringLiteral("xvfb-run"), { "-a", "java", "-jar", jar, "-batch", macro });
-        ASSERT_TRUE(imagej.waitForFinished(120000));
-        const std::vector<Row> reference
-            = ParseRows(QString::fromUtf8(imagej.readAllStandardOutput()), theirs);
+        const std::vector<Row> reference = ParseRows(
+            RunImageJ(
+                QStringLiteral(
+                    "open(\"%1\"); run(\"8-bit\"); %2\n"
+                    "run(\"Set Measurements...\", \"area perimeter centroid redirect=None decimal=4\");\n"
+                    "run(\"Analyze Particles...\", \"%3 display clear\");\n"
+                    "for (i = 0; i < nResults; i++) print(\"IJ \" + d2s(getResult(\"Area\", i), 4) + \" \" + "
+                    "d2s(getResult(\"Perim.\", i), 4) + \" \" + d2s(getResult(\"X\", i), 4) + \" \" + "
+                    "d2s(getResult(\"Y\", i), 4));\n")
+                    .arg(specimen, c.threshold, c.options),
+                Path("analyse.ijm")),
+            theirs);
         ASSERT_GT(reference.size(), 10U) << c.threshold.toStdString();
 
         const CliRun run = Run(QStringList { "particles", specimen, "--precision", "4" } + c.ours, false);
@@ -246,8 +230,7 @@ TEST_F(CliParticles, AgreesWithImageJ)
 // smaller diameter: --watershed splits them as ImageJ's binary "Watershed" does.
 TEST_F(CliParticles, WatershedSplitsTouchingPairsAsImageJDoes)
 {
-    const QString jar = ImageJJar();
-    REQUIRE_TOOL(!jar.isEmpty() && HaveProgram("xvfb-run") && HaveProgram("java"), "ImageJ (imagej, xvfb)");
+    REQUIRE_TOOL(HaveImageJ(), "ImageJ (imagej, xvfb)");
     std::mt19937 rng(3);
     std::uniform_real_distribution<double> radius(6, 14), overlap(0, 0.2), turn(0, kPi);
     std::vector<Disc> discs;
@@ -262,20 +245,16 @@ TEST_F(CliParticles, WatershedSplitsTouchingPairsAsImageJDoes)
     }
     const QString pairs = Path("pairs.png");
     ASSERT_TRUE(Discs(800, 600, discs, 40, 200, 0).save(pairs));
-    QFile file(Path("split.ijm"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(
-        QStringLiteral("open(\"%1\"); run(\"8-bit\"); setThreshold(128, 255); run(\"Convert to Mask\");\n"
-                       "run(\"Watershed\"); setThreshold(255, 255);\n"
-                       "run(\"Analyze Particles...\", \"display clear\"); print(\"IJ \" + nResults);\n")
-            .arg(pairs)
-            .toUtf8());
-    file.close();
-    QProcess imagej;
-    imagej.start(QStringLiteral("xvfb-run"), { "-a", "java", "-jar", jar, "-batch", file.fileName() });
-    ASSERT_TRUE(imagej.waitForFinished(120000));
     const QRegularExpressionMatch m
-        = QRegularExpression(R"(IJ (\d+))").match(QString::fromUtf8(imagej.readAllStandardOutput()));
+        = QRegularExpression(R"(IJ (\d+))")
+              .match(RunImageJ(QStringLiteral("open(\"%1\"); run(\"8-bit\"); "
+                                              "setThreshold(128, 255); run(\"Convert to "
+                                              "Mask\");\nrun(\"Watershed\"); "
+                                              "setThreshold(255, 255);\nrun(\"Analyze "
+                                              "Particles...\", \"display clear\"); "
+                                              "print(\"IJ \" + nResults);\n")
+                                   .arg(pairs),
+                  Path("split.ijm")));
     ASSERT_TRUE(m.hasMatch());
     const int theirs = m.captured(1).toInt();
 

@@ -2,7 +2,7 @@
 // it writes, and making ROIs Oculix reads.
 
 #include "CliSupport.h"
-#include "RequiredTools.h"
+#include "ImageJSupport.h"
 #include "measure/CGVLAngle.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/ImageJRois.h"
@@ -26,36 +26,11 @@ constexpr char kShapes[]
       R"({"points":[[20,220]],"text":["Grain 7"],"type":14}])";
 constexpr double kPixel = 0.5; // um
 
-QString ImageJJar()
-{
-    for (const char* jar : { "/usr/share/java/ij.jar", "/usr/share/imagej/ij.jar" })
-        if (QFile::exists(QString::fromLatin1(jar)))
-            return QString::fromLatin1(jar);
-    return {};
-}
-
-bool HaveImageJ()
-{
-    return !ImageJJar().isEmpty() && HaveProgram("xvfb-run") && HaveProgram("java");
-}
-
 class CliRois : public CliFixture
 {
 protected:
-    // ImageJ's printed lines for a macro, run headless under a virtual display.
-    QString RunImageJ(const QString& macro)
-    {
-        const QString path = Path("macro.ijm");
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(macro.toUtf8());
-        file.close();
-        QProcess imagej;
-        imagej.start(QStringLiteral("xvfb-run"), { "-a", "java", "-jar", ImageJJar(), "-batch", path });
-        EXPECT_TRUE(imagej.waitForFinished(120000));
-        QFile::remove(path);
-        return QString::fromUtf8(imagej.readAllStandardOutput());
-    }
+    // ImageJ's printed lines for a macro.
+    QString RunImageJ(const QString& macro) { return ::RunImageJ(macro, Path("macro.ijm")); }
 
     void SaveWithShapes(const QString& name, CGVLElemMgr& mgr)
     {
