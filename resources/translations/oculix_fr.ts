@@ -371,6 +371,46 @@ texte</translation>
         <source>Analyze Particles</source>
         <translation>Analyser les particules</translation>
     </message>
+    <message>
+        <source>Export ImageJ ROIs</source>
+        <translation>Exporter les ROI ImageJ</translation>
+    </message>
+    <message>
+        <source>ImageJ ROI set (*.zip)</source>
+        <translation>Ensemble de ROI ImageJ (*.zip)</translation>
+    </message>
+    <message>
+        <source>Import ImageJ ROIs</source>
+        <translation>Importer des ROI ImageJ</translation>
+    </message>
+    <message>
+        <source>ImageJ ROIs (*.zip *.roi)</source>
+        <translation>ROI ImageJ (*.zip *.roi)</translation>
+    </message>
+    <message>
+        <source>There are no shapes to export.</source>
+        <translation>Il n'y a aucune forme à exporter.</translation>
+    </message>
+    <message>
+        <source>Cannot write %1:
+%2</source>
+        <translation>Impossible d'écrire %1 :
+%2</translation>
+    </message>
+    <message>
+        <source>The file is too large for ROIs.</source>
+        <translation>Le fichier est trop grand pour des ROI.</translation>
+    </message>
+    <message>
+        <source>Cannot import %1:
+%2</source>
+        <translation>Impossible d'importer %1 :
+%2</translation>
+    </message>
+    <message>
+        <source>%1 of the %2 ROIs have no kind of shape here (ellipses, open lines, composite shapes) and were left out.</source>
+        <translation>%1 des %2 ROI n'ont pas de forme correspondante ici (ellipses, lignes ouvertes, formes composées) et ont été ignorées.</translation>
+    </message>
 </context>
 <context>
     <name>CParticleResultsDlg</name>
@@ -1327,6 +1367,22 @@ texte</translation>
     <message>
         <source>Count and size the particles of the picture</source>
         <translation>Compter et mesurer les particules de l'image</translation>
+    </message>
+    <message>
+        <source>Export ImageJ &amp;ROIs...</source>
+        <translation>Exporter les &amp;ROI ImageJ...</translation>
+    </message>
+    <message>
+        <source>Save the shapes as a ROI set that ImageJ opens and measures</source>
+        <translation>Enregistrer les formes comme ensemble de ROI qu'ImageJ ouvre et mesure</translation>
+    </message>
+    <message>
+        <source>&amp;Import ImageJ ROIs...</source>
+        <translation>&amp;Importer des ROI ImageJ...</translation>
+    </message>
+    <message>
+        <source>Add the ROIs of an ImageJ ROI set or .roi file</source>
+        <translation>Ajouter les ROI d'un ensemble de ROI ImageJ ou d'un fichier .roi</translation>
     </message>
 </context>
 <context>

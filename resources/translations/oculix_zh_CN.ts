@@ -371,6 +371,46 @@ Background</source>
         <source>Analyze Particles</source>
         <translation>颗粒分析</translation>
     </message>
+    <message>
+        <source>Export ImageJ ROIs</source>
+        <translation>导出 ImageJ ROI</translation>
+    </message>
+    <message>
+        <source>ImageJ ROI set (*.zip)</source>
+        <translation>ImageJ ROI 集 (*.zip)</translation>
+    </message>
+    <message>
+        <source>Import ImageJ ROIs</source>
+        <translation>导入 ImageJ ROI</translation>
+    </message>
+    <message>
+        <source>ImageJ ROIs (*.zip *.roi)</source>
+        <translation>ImageJ ROI (*.zip *.roi)</translation>
+    </message>
+    <message>
+        <source>There are no shapes to export.</source>
+        <translation>没有可导出的图形。</translation>
+    </message>
+    <message>
+        <source>Cannot write %1:
+%2</source>
+        <translation>无法写入 %1：
+%2</translation>
+    </message>
+    <message>
+        <source>The file is too large for ROIs.</source>
+        <translation>文件过大，不是 ROI 文件。</translation>
+    </message>
+    <message>
+        <source>Cannot import %1:
+%2</source>
+        <translation>无法导入 %1：
+%2</translation>
+    </message>
+    <message>
+        <source>%1 of the %2 ROIs have no kind of shape here (ellipses, open lines, composite shapes) and were left out.</source>
+        <translation>%2 个 ROI 中有 %1 个在此没有对应的图形（椭圆、开放折线、组合图形），已被略过。</translation>
+    </message>
 </context>
 <context>
     <name>CParticleResultsDlg</name>
@@ -1327,6 +1367,22 @@ Background</source>
     <message>
         <source>Count and size the particles of the picture</source>
         <translation>统计并测量图像中的颗粒</translation>
+    </message>
+    <message>
+        <source>Export ImageJ &amp;ROIs...</source>
+        <translation>导出 ImageJ ROI(&amp;R)...</translation>
+    </message>
+    <message>
+        <source>Save the shapes as a ROI set that ImageJ opens and measures</source>
+        <translation>将图形保存为 ImageJ 可打开并测量的 ROI 集</translation>
+    </message>
+    <message>
+        <source>&amp;Import ImageJ ROIs...</source>
+        <translation>导入 ImageJ ROI(&amp;I)...</translation>
+    </message>
+    <message>
+        <source>Add the ROIs of an ImageJ ROI set or .roi file</source>
+        <translation>添加 ImageJ ROI 集或 .roi 文件中的 ROI</translation>
     </message>
 </context>
 <context>

@@ -144,6 +144,13 @@ public:
     // polygon shape, one undo step for all, and shows the results window.
     // Returns how many were found; -1 when there was no picture.
     int AnalyzeParticles(const ParticleOptions& options);
+    // The shapes as an ImageJ ROI set (or one .roi); false, told in a
+    // message box, when there is none or the file cannot be written.
+    bool ExportRois(const QString& path);
+    // Adds the ROIs of an ImageJ ROI set or .roi file as shapes, one undo
+    // step; what Oculix has no shape for is told. Returns how many shapes
+    // were made, -1 (told) for a file that is no ROI file.
+    int ImportRois(const QString& path);
     // The results window of the last analysis while it is open.
     CParticleResultsDlg* GetParticleResults() const { return m_particleResults; }
     // "&Save": the name comes from the "Save" section; tells where the
