@@ -466,6 +466,10 @@ texte</translation>
         <source>CSV (*.csv)</source>
         <translation>CSV (*.csv)</translation>
     </message>
+    <message>
+        <source>Area %1 to %2 %3, %4 classes</source>
+        <translation>Aire de %1 à %2 %3, %4 classes</translation>
+    </message>
 </context>
 <context>
     <name>CParticlesDlg</name>

@@ -466,6 +466,10 @@ Background</source>
         <source>CSV (*.csv)</source>
         <translation>CSV (*.csv)</translation>
     </message>
+    <message>
+        <source>Area %1 to %2 %3, %4 classes</source>
+        <translation>面积 %1 至 %2 %3，共 %4 组</translation>
+    </message>
 </context>
 <context>
     <name>CParticlesDlg</name>

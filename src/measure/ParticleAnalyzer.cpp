@@ -267,3 +267,21 @@ ParticleSummary Summarize(const std::vector<Particle>& particles, double picture
     summary.areaFraction = pictureArea > 0.0 ? summary.totalArea / pictureArea : 0.0;
     return summary;
 }
+
+AreaHistogram HistogramOfAreas(const std::vector<Particle>& particles, int classes)
+{
+    AreaHistogram histogram;
+    if (particles.empty() || classes < 1)
+        return histogram;
+    const auto [low, high] = std::minmax_element(particles.begin(), particles.end(),
+        [](const Particle& a, const Particle& b) { return a.area < b.area; });
+    histogram.from = low->area;
+    // All of one size: one class holds them.
+    histogram.classWidth = high->area > low->area ? (high->area - low->area) / classes : 1.0;
+    histogram.counts.assign(std::size_t(classes), 0);
+    for (const Particle& p : particles) {
+        const int c = int((p.area - histogram.from) / histogram.classWidth);
+        ++histogram.counts[std::size_t(std::clamp(c, 0, classes - 1))];
+    }
+    return histogram;
+}

@@ -95,3 +95,13 @@ struct ParticleSummary
     double areaFraction = 0.0;
 };
 ParticleSummary Summarize(const std::vector<Particle>& particles, double pictureArea);
+
+// The particles counted by area in equal classes from the smallest area to
+// the largest (which falls in the last); empty without particles.
+struct AreaHistogram
+{
+    double from = 0.0;
+    double classWidth = 0.0;
+    std::vector<int> counts;
+};
+AreaHistogram HistogramOfAreas(const std::vector<Particle>& particles, int classes);

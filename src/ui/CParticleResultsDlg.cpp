@@ -8,9 +8,13 @@
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -29,6 +33,43 @@ public:
     {
         return data(Qt::UserRole).toDouble() < other.data(Qt::UserRole).toDouble();
     }
+};
+
+// The size histogram: a bar per class of area, the range written under it.
+class HistogramView : public QWidget
+{
+public:
+    HistogramView(AreaHistogram histogram, QString range, QWidget* parent)
+        : QWidget(parent)
+        , m_histogram(std::move(histogram))
+        , m_range(std::move(range))
+    {
+        setMinimumHeight(110);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        const int text = fontMetrics().height() + 4;
+        const QRect plot = rect().adjusted(4, 4, -4, -text);
+        painter.drawLine(plot.bottomLeft(), plot.bottomRight());
+        painter.drawText(rect().adjusted(4, 0, -4, 0), Qt::AlignBottom | Qt::AlignHCenter, m_range);
+        const std::vector<int>& counts = m_histogram.counts;
+        if (counts.empty())
+            return;
+        const int most = std::max(1, *std::max_element(counts.begin(), counts.end()));
+        const double width = double(plot.width()) / double(counts.size());
+        for (std::size_t i = 0; i < counts.size(); ++i) {
+            const int height = int(std::lround(double(plot.height()) * counts[i] / most));
+            const QRectF bar(plot.left() + width * double(i) + 1, plot.bottom() - height, width - 2, height);
+            painter.fillRect(bar, palette().highlight());
+        }
+    }
+
+private:
+    AreaHistogram m_histogram;
+    QString m_range;
 };
 
 } // namespace
@@ -69,12 +110,21 @@ CParticleResultsDlg::CParticleResultsDlg(
                              NumberText::FormatC("%.*f", precision, 100.0 * s.areaFraction)),
             this);
     m_summary->setWordWrap(true);
+    constexpr int kClasses = 20;
+    AreaHistogram histogram = HistogramOfAreas(m_particles, kClasses);
+    const QString range = histogram.counts.empty()
+        ? QString()
+        : tr("Area %1 to %2 %3, %4 classes")
+              .arg(text(histogram.from), text(histogram.from + histogram.classWidth * kClasses), square)
+              .arg(kClasses);
+    m_histogram = new HistogramView(std::move(histogram), range, this);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     QPushButton* exportButton = buttons->addButton(tr("Export CSV..."), QDialogButtonBox::ActionRole);
     connect(exportButton, &QPushButton::clicked, this, &CParticleResultsDlg::OnExport);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_summary);
+    layout->addWidget(m_histogram);
     layout->addWidget(m_table);
     layout->addWidget(buttons);
     resize(640, 420);

@@ -9,8 +9,8 @@ class QLabel;
 class QTableWidget;
 
 // The particles found: a sortable table of their measures, a summary (count,
-// mean area and its deviation, total area, area fraction) and the table's
-// export as CSV. It closes by itself and deletes itself when closed.
+// mean area and its deviation, total area, area fraction), a histogram of
+// their areas and the table's export as CSV. It closes by itself and deletes itself when closed.
 class CParticleResultsDlg : public QDialog
 {
     Q_OBJECT
@@ -33,4 +33,5 @@ private:
     int m_precision;
     QTableWidget* m_table;
     QLabel* m_summary;
+    QWidget* m_histogram;
 };

@@ -227,3 +227,26 @@ TEST(ParticleAnalyzer, WatershedNeedsMoreThanHalfAPixelOfNeckAndIgnoresRoughRims
     options.watershed = true;
     EXPECT_EQ(AnalyzeParticles(picture, options).particles.size(), 3U);
 }
+
+TEST(ParticleAnalyzer, SummaryAndHistogramOfAreas)
+{
+    std::vector<Particle> particles(5);
+    const double areas[] = { 2, 4, 4, 10, 30 };
+    for (std::size_t i = 0; i < particles.size(); ++i)
+        particles[i].area = areas[i];
+    const ParticleSummary s = Summarize(particles, 500);
+    EXPECT_EQ(s.count, 5U);
+    EXPECT_DOUBLE_EQ(s.totalArea, 50);
+    EXPECT_DOUBLE_EQ(s.meanArea, 10);
+    // Squares 64 + 36 + 36 + 0 + 400 = 536 over 4.
+    EXPECT_DOUBLE_EQ(s.areaDeviation, std::sqrt(134.0));
+    EXPECT_DOUBLE_EQ(s.areaFraction, 0.1);
+    // Classes of 7 from 2: [2, 9) holds three, [9, 16) one, the largest the last.
+    const AreaHistogram h = HistogramOfAreas(particles, 4);
+    EXPECT_DOUBLE_EQ(h.from, 2);
+    EXPECT_DOUBLE_EQ(h.classWidth, 7);
+    EXPECT_EQ(h.counts, (std::vector<int> { 3, 1, 0, 1 }));
+    EXPECT_EQ(HistogramOfAreas({ particles[1], particles[2] }, 3).counts, (std::vector<int> { 2, 0, 0 }));
+    EXPECT_TRUE(HistogramOfAreas({}, 3).counts.empty());
+    EXPECT_EQ(Summarize({}, 10).count, 0U);
+}
