@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImageIOHandler>
+#include <QString>
 
 // ZSoft PCX pictures: reads 1, 2, 4 and 8 bits in one plane, 1 bit in four
 // planes (16 colours), 8 bits in three or four planes (RGB, RGBA), RLE or
@@ -18,4 +19,12 @@ public:
 
     // True when device (left where it was) starts with a usable PCX header.
     static bool canRead(QIODevice* device);
+
+    // Why the last read failed, in words for the user.
+    QString errorString() const { return m_error; }
+
+private:
+    bool Fail(const QString& why);
+
+    QString m_error;
 };
