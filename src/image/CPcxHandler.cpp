@@ -143,6 +143,31 @@ bool Translucent(const QImage& image)
     return false;
 }
 
+// Readers show a 1-bit PCX as black (0) and white (1) whatever its header's
+// palette says, so a two-colour picture is written as 1-bit only when its
+// colours are black and white; its bits then become those colours' bits.
+// False, leaving image alone, for any other pair.
+bool BlackAndWhite(QImage& image)
+{
+    QImage mono = image.convertToFormat(QImage::Format_Mono);
+    const QVector<QRgb> table = mono.colorTable();
+    int bit[2] = { 0, 1 };
+    for (int i = 0; i < 2; ++i) {
+        const QRgb c = (i < table.size() ? table[i] : table.value(0)) & 0xFFFFFF;
+        if (c != 0 && c != 0xFFFFFF)
+            return false;
+        bit[i] = c != 0;
+    }
+    for (int y = 0; y < mono.height(); ++y) {
+        uchar* line = mono.scanLine(y);
+        for (int k = 0; k < mono.bytesPerLine(); ++k)
+            line[k] = uchar((bit[0] ? ~line[k] : 0) & 0xFF) | uchar((bit[1] ? line[k] : 0) & 0xFF);
+    }
+    mono.setColorTable({ qRgb(0, 0, 0), qRgb(255, 255, 255) });
+    image = mono;
+    return true;
+}
+
 } // namespace
 
 bool CPcxHandler::canRead(QIODevice* device)
@@ -287,16 +312,15 @@ bool CPcxHandler::write(const QImage& source)
     QImage image = source;
     int planes = 1;
     int bits = 8;
-    if (image.depth() == 1) {
-        image = image.convertToFormat(QImage::Format_Mono);
-        bits = 1;
-    } else if (image.format() == QImage::Format_Indexed8 || image.format() == QImage::Format_Grayscale8) {
-        image = image.convertToFormat(QImage::Format_Indexed8);
-    } else if (Translucent(image)) {
-        // A fourth plane keeps the alpha the reader takes from one; opaque
-        // pictures stay three planes, as every reader takes them.
+    if (Translucent(image)) {
+        // A fourth plane keeps the alpha the reader takes from one, paletted
+        // pictures' too; opaque pictures keep the forms every reader takes.
         image = image.convertToFormat(QImage::Format_RGBA8888);
         planes = 4;
+    } else if (image.depth() == 1 && BlackAndWhite(image)) {
+        bits = 1;
+    } else if (image.depth() <= 8) {
+        image = image.convertToFormat(QImage::Format_Indexed8);
     } else {
         image = image.convertToFormat(QImage::Format_RGB888);
         planes = 3;
@@ -314,15 +338,8 @@ bool CPcxHandler::write(const QImage& source)
     const int dpi = image.dotsPerMeterX() > 0 ? qRound(image.dotsPerMeterX() * 0.0254) : 96;
     qToLittleEndian(quint16(dpi), header + 12);
     qToLittleEndian(quint16(dpi), header + 14);
-    if (bits == 1) {
-        const QVector<QRgb> table = image.colorTable();
-        for (int i = 0; i < 2; ++i) {
-            const QRgb c = i < table.size() ? table[i] : (i ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
-            header[16 + 3 * i] = uchar(qRed(c));
-            header[17 + 3 * i] = uchar(qGreen(c));
-            header[18 + 3 * i] = uchar(qBlue(c));
-        }
-    }
+    if (bits == 1)
+        std::memset(header + 19, 255, 3); // black and white, as readers show 1-bit
     header[65] = uchar(planes);
     qToLittleEndian(quint16(bytesPerLine), header + 66);
     qToLittleEndian(quint16(1), header + 68);

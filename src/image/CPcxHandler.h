@@ -5,9 +5,11 @@
 
 // ZSoft PCX pictures: reads 1, 2, 4 and 8 bits in one plane, 1 bit in four
 // planes (16 colours), 8 bits in three or four planes (RGB, RGBA), RLE or
-// raw; writes 1 bit (two colours), 8 bits with the 256-colour palette at the
-// end, or 24 bits as three planes (four, RGBA, when some pixel is not
-// opaque), always RLE.
+// raw; a file too short for its header's size is refused before any pixel
+// memory is taken. Writes black-and-white pictures as 1 bit, other paletted
+// ones as 8 bits with the 256-colour palette at the end, deeper ones as 24
+// bits in three planes; four planes (RGBA) when some pixel is not opaque,
+// paletted or not. Always RLE.
 class CPcxHandler : public QImageIOHandler
 {
 public:

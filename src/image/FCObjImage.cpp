@@ -14,6 +14,7 @@
 #include <QImageWriter>
 #include <QtPlugin>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <new>
@@ -185,6 +186,13 @@ void FCObjImage::Destroy()
     m_palette.clear();
     m_width = m_height = m_colorBits = m_pitch = 0;
     m_hasAlpha = false;
+}
+
+bool FCObjImage::HasAlpha() const
+{
+    if (m_colorBits > 8)
+        return m_hasAlpha;
+    return std::any_of(m_palette.cbegin(), m_palette.cend(), [](QRgb c) { return qAlpha(c) != 255; });
 }
 
 uchar* FCObjImage::GetBits(int x, int y)

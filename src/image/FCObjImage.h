@@ -34,7 +34,9 @@ public:
     int Width() const { return m_width; }
     int Height() const { return m_height; }
     int ColorBits() const { return m_colorBits; }
-    bool HasAlpha() const { return m_hasAlpha; } // 32 bits only: the fourth byte is alpha
+    // 32 bits: the fourth byte is alpha (SetHasAlpha). Up to 8 bits: some
+    // palette entry is not opaque, as files with a transparent index give.
+    bool HasAlpha() const;
     void SetHasAlpha(bool alpha) { m_hasAlpha = alpha && m_colorBits == 32; }
 
     // Bytes per row, DibStride(width, bits).
