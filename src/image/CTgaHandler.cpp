@@ -330,7 +330,11 @@ bool CTgaHandler::write(const QImage& source)
     QIODevice* dev = device();
     if (dev == nullptr || source.isNull() || source.width() > 65535 || source.height() > 65535)
         return false;
-    const bool mapped = source.depth() <= 8;
+    // A translucent palette goes as 32-bit true colour, which every reader
+    // takes; 32-bit colour maps are beyond some (Pillow).
+    const QVector<QRgb> sourceTable = source.colorTable();
+    const bool mapped = source.depth() <= 8
+        && std::all_of(sourceTable.cbegin(), sourceTable.cend(), [](QRgb c) { return qAlpha(c) == 255; });
     const QImage image = mapped
         ? source.convertToFormat(QImage::Format_Indexed8)
         : source.convertToFormat(source.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32);
@@ -342,37 +346,29 @@ bool CTgaHandler::write(const QImage& source)
         if (table.isEmpty())
             table.append(qRgb(0, 0, 0));
     }
-    // A colour map keeps its entries' alpha only in 32-bit entries (a
-    // transparent palette read from a file must come back transparent);
-    // opaque maps stay 24-bit, as every reader takes them.
-    const bool alpha = mapped
-        ? std::any_of(table.cbegin(), table.cend(), [](QRgb c) { return qAlpha(c) != 255; })
-        : image.hasAlphaChannel();
+    const bool alpha = !mapped && image.hasAlphaChannel();
     // A gray picture with alpha takes two bytes a pixel, gray then alpha.
-    const bool grayAlpha = !mapped && alpha && IsGray(image);
+    const bool grayAlpha = alpha && IsGray(image);
     const int bytes = mapped ? 1 : grayAlpha ? 2 : alpha ? 4 : 3;
-    const int entryBytes = alpha ? 4 : 3;
-
     uchar header[kHeaderSize] = {};
     if (mapped) {
         header[1] = 1;
         header[2] = 1;
         qToLittleEndian(quint16(table.size()), header + 5);
-        header[7] = uchar(entryBytes * 8);
+        header[7] = 24;
     } else {
         header[2] = grayAlpha ? 3 : 2;
     }
     qToLittleEndian(quint16(w), header + 12);
     qToLittleEndian(quint16(hgt), header + 14);
     header[16] = uchar(bytes * 8);
-    // Bottom-up rows, left to right; eight alpha bits, in the pixels or in
-    // the map's entries.
+    // Bottom-up rows, left to right; eight alpha bits in the pixels.
     header[17] = alpha ? 8 : 0;
 
     QByteArray out(reinterpret_cast<const char*>(header), kHeaderSize);
     for (const QRgb c : table) {
-        const char entry[4] = { char(qBlue(c)), char(qGreen(c)), char(qRed(c)), char(qAlpha(c)) };
-        out.append(entry, entryBytes);
+        const char entry[3] = { char(qBlue(c)), char(qGreen(c)), char(qRed(c)) };
+        out.append(entry, 3);
     }
     QByteArray line(w * bytes, 0);
     for (int y = hgt - 1; y >= 0; --y) {

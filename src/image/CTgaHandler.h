@@ -8,8 +8,9 @@
 // alpha) pictures, raw or RLE, any origin; alpha only where the descriptor
 // counts alpha bits and a TGA 2 extension area does not deny them.
 // Writes uncompressed true-colour (24 bits, 32 with alpha; gray pictures with
-// alpha as 16-bit gray) or colour-mapped (8 bits; 24-bit map entries, 32 when
-// the palette has alpha) pictures with the TGA 2 footer. A file too short
+// alpha as 16-bit gray) or colour-mapped (8 bits, 24-bit map entries; a
+// translucent palette goes as 32-bit true colour) pictures with the TGA 2
+// footer. A file too short
 // for its header's size is refused before any pixel memory is taken.
 class CTgaHandler : public QImageIOHandler
 {

@@ -1,4 +1,5 @@
 #include "ImageRoundTrip.h"
+#include "PillowAgrees.h"
 #include "RequiredTools.h"
 #include "TestFiles.h"
 #include "image/CGifHandler.h"
@@ -41,12 +42,6 @@ FCObjImage Paletted(int w, int h)
     return img;
 }
 
-bool Near(QRgb p, QRgb q, int tolerance)
-{
-    return std::abs(qRed(p) - qRed(q)) <= tolerance && std::abs(qGreen(p) - qGreen(q)) <= tolerance
-        && std::abs(qBlue(p) - qBlue(q)) <= tolerance;
-}
-
 bool SameColours(const FCObjImage& a, const FCObjImage& b, int tolerance = 0)
 {
     if (a.Width() != b.Width() || a.Height() != b.Height())
@@ -56,46 +51,6 @@ bool SameColours(const FCObjImage& a, const FCObjImage& b, int tolerance = 0)
             if (!Near(a.GetPixelColor(x, y), b.GetPixelColor(x, y), tolerance))
                 return false;
     return true;
-}
-
-// Python with Pillow, Debian's outside reader and writer of every format here.
-// Runs setup in Pillow, then compares each named file there, pixel by pixel,
-// with our reading of it; only JPEG decoders may round differently. Returns
-// the format names Pillow found.
-QStringList PillowAgrees(const QTemporaryDir& dir, const QStringList& names, const QString& setup = {})
-{
-    const QString script = QStringLiteral("from PIL import Image\nd = '%1'\n%2\nfor n in ['%3']:\n"
-                                          "    im = Image.open(d + '/' + n)\n"
-                                          "    print(n, im.format, im.size[0], ' '.join('%d,%d,%d' % c for c "
-                                          "in im.convert('RGB').getdata()))\n")
-                               .arg(dir.path(), setup, names.join("', '"));
-    QProcess python;
-    python.start(QStandardPaths::findExecutable("python3", { "/usr/bin", "/bin" }), { "-c", script });
-    python.waitForFinished(60000);
-    const QStringList lines
-        = QString::fromUtf8(python.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
-    EXPECT_EQ(lines.size(), names.size()) << python.readAllStandardError().toStdString();
-    QStringList formats;
-    for (const QString& line : lines) {
-        const QStringList parts = line.split(' ');
-        formats << parts[1];
-        FCObjImage ours;
-        if (!ours.Load(dir.filePath(parts[0]))) {
-            ADD_FAILURE() << parts[0].toStdString() << " " << ours.ErrorString().toStdString();
-            continue;
-        }
-        EXPECT_EQ(parts[2].toInt(), ours.Width()) << parts[0].toStdString();
-        EXPECT_EQ(parts.size() - 3, ours.Width() * ours.Height()) << parts[0].toStdString();
-        const int tolerance = parts[1] == "JPEG" ? 3 : 0;
-        int wrong = 0;
-        for (int i = 3; i < parts.size(); ++i) {
-            const QStringList c = parts[i].split(',');
-            const QRgb got = ours.GetPixelColor((i - 3) % ours.Width(), (i - 3) / ours.Width());
-            wrong += !Near(got, qRgb(c[0].toInt(), c[1].toInt(), c[2].toInt()), tolerance);
-        }
-        EXPECT_EQ(wrong, 0) << parts[0].toStdString();
-    }
-    return formats;
 }
 
 std::string RoundTripFault(const QString& path)
@@ -217,7 +172,8 @@ TEST(PictureFiles, TgaMapAlphaOnlyWhereTheDescriptorDeclaresIt)
         EXPECT_EQ(PillowAgrees(dir, { "finding.tga" }), QStringList { "TGA" });
     }
 
-    // A translucent map of ours declares its eight alpha bits and keeps them.
+    // A translucent palette goes as 32-bit true colour declaring its eight
+    // alpha bits: some readers (Pillow) take no 32-bit colour map.
     QImage translucent(5, 2, QImage::Format_Indexed8);
     translucent.setColorTable({ qRgba(10, 20, 30, 0), qRgba(200, 100, 50, 128), qRgb(1, 2, 3) });
     for (int i = 0; i < 10; ++i)
@@ -226,7 +182,8 @@ TEST(PictureFiles, TgaMapAlphaOnlyWhereTheDescriptorDeclaresIt)
     out.open(QIODevice::ReadWrite);
     writer.setDevice(&out);
     ASSERT_TRUE(writer.write(translucent));
-    EXPECT_EQ(out.data().at(7), 32);
+    EXPECT_EQ(out.data().at(2), 2);
+    EXPECT_EQ(out.data().at(16), 32);
     EXPECT_EQ(out.data().at(17) & 0x0F, 8);
     EXPECT_EQ(RoundTripFault<CTgaHandler>(out.data()), "");
     out.seek(0);
