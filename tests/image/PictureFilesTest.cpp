@@ -16,6 +16,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
+#include <cmath>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -413,5 +414,108 @@ TEST(PictureFiles, HugePicturesAreRefusedFromTheHeader)
         FCObjImage img;
         EXPECT_FALSE(img.Load(dir.filePath(name))) << name;
         EXPECT_FALSE(img.ErrorString().isEmpty());
+    }
+}
+
+// GIF keeps a picture of up to 256 colours exactly, with its own colours and
+// its transparency; one with more gets a palette fitted to its colours.
+TEST(PictureFiles, GifKeepsFewColoursExactlyAndFitsThePaletteToMany)
+{
+    QTemporaryDir dir;
+    // 30 colours with fully clear pixels, the form a GIF with a transparent
+    // index reads as; then a flat gray with an alpha channel.
+    QImage few(64, 40, QImage::Format_ARGB32);
+    for (int y = 0; y < few.height(); ++y)
+        for (int x = 0; x < few.width(); ++x)
+            few.setPixel(
+                x, y, (x + y) % 31 == 30 ? qRgba(0, 0, 0, 0) : qRgb(7 * ((x + y) % 31), 100, 3 * (y % 2)));
+    QImage flat(64, 40, QImage::Format_ARGB32);
+    flat.fill(qRgba(128, 128, 128, 255));
+    const QStringList names = { "few.gif", "flat.gif", "many.gif" };
+    // Smooth shades of some 20,000 colours, as a photograph has.
+    FCObjImage many(320, 240, 24);
+    for (int y = 0; y < many.Height(); ++y)
+        for (int x = 0; x < many.Width(); ++x)
+            many.SetPixelColor(x, y,
+                qRgb(100 + x / 4, 60 + y / 3 + int(20 * std::sin(x / 17.0)),
+                    90 + int(40 * std::cos((x + y) / 40.0))));
+    for (int i = 0; i < 3; ++i) {
+        FCObjImage picture;
+        if (i < 2)
+            ASSERT_TRUE(picture.FromQImage(i == 0 ? few : flat));
+        else
+            picture = many;
+        ASSERT_TRUE(picture.Save(dir.filePath(names[i])));
+        FCObjImage back;
+        ASSERT_TRUE(back.Load(dir.filePath(names[i]))) << back.ErrorString().toStdString();
+        ASSERT_EQ(back.Width(), picture.Width());
+        int wrong = 0, worst = 0;
+        qint64 error = 0;
+        for (int y = 0; y < picture.Height(); ++y)
+            for (int x = 0; x < picture.Width(); ++x) {
+                const QRgb a = picture.GetPixelColor(x, y), b = back.GetPixelColor(x, y);
+                wrong += qAlpha(a) == 0 ? qAlpha(b) != 0 : a != b;
+                const int d = std::max({ std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
+                    std::abs(qBlue(a) - qBlue(b)) });
+                worst = std::max(worst, d);
+                error += d;
+            }
+        if (i < 2) {
+            EXPECT_EQ(wrong, 0) << names[i].toStdString();
+            EXPECT_EQ(back.HasAlpha(), i == 0) << names[i].toStdString();
+        } else {
+            // A fixed 216-colour cube is off by 19 levels on average here (27
+            // dithered); a palette fitted to the colours by a few.
+            EXPECT_LT(double(error) / (picture.Width() * picture.Height()), 5.0);
+            EXPECT_LE(worst, 16);
+        }
+    }
+    if (HavePillow()) {
+        EXPECT_EQ(PillowAgrees(dir, names, {}, true), QStringList({ "GIF", "GIF", "GIF" }));
+    }
+}
+
+// Readers show a 1-bit PCX as black and white whatever its header says: a
+// white-on-black picture keeps 1 bit with its bits turned, another pair of
+// colours goes as 8 bits with its palette, a translucent palette as RGBA.
+TEST(PictureFiles, PcxWritesWhatReadersShowAsThePictureItself)
+{
+    QTemporaryDir dir;
+    struct
+    {
+        const char* name;
+        QRgb zero, one;
+        int bits, planes;
+    } cases[] = { { "inverse.pcx", qRgb(255, 255, 255), qRgb(0, 0, 0), 1, 1 },
+        { "plain.pcx", qRgb(0, 0, 0), qRgb(255, 255, 255), 1, 1 },
+        { "colours.pcx", qRgb(200, 10, 10), qRgb(10, 10, 200), 8, 1 },
+        { "clear.pcx", qRgba(0, 0, 0, 0), qRgb(255, 255, 255), 8, 4 } };
+    QStringList forPillow;
+    for (const auto& c : cases) {
+        FCObjImage mono(21, 3, 1);
+        mono.SetPaletteColor(0, c.zero);
+        mono.SetPaletteColor(1, c.one);
+        for (int x = 0; x < 21; ++x)
+            mono.SetPixelData(x, x % 3, 1);
+        ASSERT_TRUE(mono.Save(dir.filePath(c.name)));
+        const QByteArray written = ReadAll(dir.filePath(c.name));
+        EXPECT_EQ(int(written.at(3)), c.bits) << c.name;
+        EXPECT_EQ(int(written.at(65)), c.planes) << c.name;
+        FCObjImage back;
+        ASSERT_TRUE(back.Load(dir.filePath(c.name)));
+        for (int i = 0; i < 63; ++i)
+            EXPECT_EQ(back.GetPixelColor(i % 21, i / 21), mono.GetPixelColor(i % 21, i / 21))
+                << c.name << " " << i;
+        if (c.planes != 4)
+            forPillow << c.name;
+    }
+    // 32 bits without alpha: three planes, as every reader takes them.
+    FCObjImage unused(9, 2, 32);
+    unused.SetPixelData(3, 1, 0x00102030);
+    ASSERT_TRUE(unused.Save(dir.filePath("rgb.pcx")));
+    EXPECT_EQ(int(ReadAll(dir.filePath("rgb.pcx")).at(65)), 3);
+    forPillow << "rgb.pcx";
+    if (HavePillow()) {
+        EXPECT_EQ(PillowAgrees(dir, forPillow, {}, true).size(), forPillow.size());
     }
 }
