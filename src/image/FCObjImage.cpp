@@ -3,6 +3,7 @@
 #include "image/BmpFile.h"
 #include "image/CPcxHandler.h"
 #include "image/CTgaHandler.h"
+#include "image/GifCheck.h"
 #include "image/ImageProcess.h"
 #include "platform/AtomicFileWrite.h"
 
@@ -123,6 +124,10 @@ bool ReadPicture(QFile& file, const QByteArray& byExtension, QImage& image, QStr
         case BmpOutcome::LeaveToQt:
             break;
         }
+    } else if (format == "gif") {
+        file.seek(0);
+        if (!GifFrameComplete(file.readAll(), why))
+            return false;
     }
     if (format != "tga" && format != "pcx") {
         file.seek(0);

@@ -305,6 +305,60 @@ put('bmp24.bmp', bmp(24, 0, rows), opaque)
 put('bmp24-cut.bmp', bmp(24, 0, rows)[:-17], refused('the file is truncated (1 of 3 rows)'))
 put('bmp24-height30000.bmp', bmp(24, 0, rows, h=30000), refused('the file is truncated (3 of 30000 rows)'))
 
+
+# ---- GIF (read by Qt's reader after our check) ----------------------------
+def lzw_literals(indices, min_code=8, end=True):
+    """Codes that only name colours, a clear before every 254 of them, so
+    that the code width never grows."""
+    clear = 1 << min_code
+    codes = []
+    for k, v in enumerate(indices):
+        if k % 254 == 0:
+            codes.append(clear)
+        codes.append(v)
+    if end:
+        codes.append(clear + 1)
+    acc, nbits, out = 0, 0, b''
+    for c in codes:
+        acc |= c << nbits
+        nbits += min_code + 1
+        while nbits >= 8:
+            out += bytes([acc & 255])
+            acc >>= 8
+            nbits -= 8
+    if nbits:
+        out += bytes([acc & 255])
+    blocks = b''.join(bytes([len(out[i:i + 255])]) + out[i:i + 255] for i in range(0, len(out), 255))
+    return bytes([min_code]) + blocks + b'\0'
+
+
+def gif(indices, palette, transparent=None, w=W, h=H, screen=None, data=None):
+    sw, sh = screen or (w, h)
+    table = b''.join(bytes(c) for c in palette).ljust(3 * 256, b'\0')
+    out = b'GIF89a' + struct.pack('<HHBBB', sw, sh, 0xF7, 0, 0) + table
+    if transparent is not None:
+        out += bytes([0x21, 0xF9, 4, 1, 0, 0, transparent, 0])
+    out += b'\x2c' + struct.pack('<HHHHB', 0, 0, w, h, 0)
+    return out + (data if data is not None else lzw_literals(indices)) + b'\x3b'
+
+
+gif_palette = [(20 * i, 200 - 10 * i, 7 * i) for i in range(12)]
+
+
+def gidx(x, y):
+    return (x + 3 * y) % 12
+
+
+indices = [gidx(x, y) for y in range(H) for x in range(W)]
+put('gif-few.gif', gif(indices, gif_palette), pixels(W, H, lambda x, y: argb(*gif_palette[gidx(x, y)])))
+put('gif-transparent.gif', gif(indices, gif_palette, transparent=4),
+    pixels(W, H, lambda x, y: argb(*gif_palette[gidx(x, y)], 0 if gidx(x, y) == 4 else 255)))
+put('gif-short-data.gif', gif(indices, gif_palette, data=lzw_literals(indices[:2 * W + 1])),
+    refused('the file is truncated (2 of 3 rows)'))
+put('gif-cut.gif', gif(indices, gif_palette)[:-9], refused('the file is truncated (2 of 3 rows)'))
+put('gif-frame-32767.gif', gif(indices, gif_palette, w=32767), refused('the file is truncated (0 of 3 rows)'))
+put('gif-screen-32767.gif', gif(indices, gif_palette, screen=(32767, 32767)), refused('Unable to read image data'))
+
 with open(os.path.join(HERE, 'expected.txt'), 'w') as f:
     f.write('# Written by make_corpus.py: file, then "pixels WxH 0xAARRGGBB..." (rows top to bottom)\n'
             '# or "refused <words of the reason>".\n')
