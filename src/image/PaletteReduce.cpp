@@ -114,9 +114,8 @@ QVector<QRgb> MedianCut(std::vector<Bin>& bins, int colours, std::vector<int>& b
         boxes[pick] = MakeBox(bins, box.first, cut);
         boxes.push_back(MakeBox(bins, cut, box.last));
     }
-    // Each box's mean starts a few rounds of moving every bin to its nearest
-    // entry and every entry to the mean of its bins (Lloyd), which the cut's
-    // straight planes leave room for.
+    // Each box's mean is an entry; every bin then takes its nearest entry,
+    // which may lie across the cut's straight planes.
     std::vector<std::array<double, 3>> means(boxes.size());
     for (std::size_t b = 0; b < boxes.size(); ++b) {
         std::array<qint64, 3> sum {};
@@ -126,44 +125,24 @@ QVector<QRgb> MedianCut(std::vector<Bin>& bins, int colours, std::vector<int>& b
         for (int c = 0; c < 3; ++c)
             means[b][std::size_t(c)] = double(sum[std::size_t(c)]) / double(boxes[b].pixels);
     }
-    std::vector<int> nearest(bins.size());
-    const auto assign = [&bins, &means, &nearest] {
-        for (std::size_t i = 0; i < bins.size(); ++i) {
-            const double n = double(bins[i].count);
-            double best = 1e300;
-            for (std::size_t e = 0; e < means.size(); ++e) {
-                double d = 0;
-                for (int c = 0; c < 3; ++c) {
-                    const double v = double(bins[i].sum[c]) / n - means[e][std::size_t(c)];
-                    d += v * v;
-                }
-                if (d < best) {
-                    best = d;
-                    nearest[i] = int(e);
-                }
+    for (const Bin& bin : bins) {
+        const double n = double(bin.count);
+        double best = 1e300;
+        for (std::size_t e = 0; e < means.size(); ++e) {
+            double d = 0;
+            for (int c = 0; c < 3; ++c) {
+                const double v = double(bin.sum[c]) / n - means[e][std::size_t(c)];
+                d += v * v;
+            }
+            if (d < best) {
+                best = d;
+                binEntry[bin.key] = int(e);
             }
         }
-    };
-    for (int round = 0; round < 4; ++round) {
-        assign();
-        std::vector<std::array<double, 4>> next(means.size(), { 0, 0, 0, 0 });
-        for (std::size_t i = 0; i < bins.size(); ++i) {
-            auto& acc = next[std::size_t(nearest[i])];
-            for (int c = 0; c < 3; ++c)
-                acc[std::size_t(c)] += double(bins[i].sum[c]);
-            acc[3] += double(bins[i].count);
-        }
-        for (std::size_t e = 0; e < means.size(); ++e)
-            if (next[e][3] > 0)
-                for (int c = 0; c < 3; ++c)
-                    means[e][std::size_t(c)] = next[e][std::size_t(c)] / next[e][3];
     }
-    assign();
     QVector<QRgb> palette;
     for (const auto& m : means)
         palette.append(qRgb(qRound(m[0]), qRound(m[1]), qRound(m[2])));
-    for (std::size_t i = 0; i < bins.size(); ++i)
-        binEntry[bins[i].key] = nearest[i];
     return palette;
 }
 
