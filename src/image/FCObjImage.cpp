@@ -129,7 +129,7 @@ bool ReadPicture(QFile& file, const QByteArray& byExtension, QImage& image, QStr
         if (!GifFrameComplete(file.readAll(), why))
             return false;
     }
-    if (format != "tga" && format != "pcx") {
+    if (!format.isEmpty() && format != "tga" && format != "pcx") {
         file.seek(0);
         QImageReader reader(&file, format);
         if (ReadChecked(reader, image, why))
@@ -144,8 +144,12 @@ bool ReadPicture(QFile& file, const QByteArray& byExtension, QImage& image, QStr
     const QByteArray found = byContent.format();
     if (found.isEmpty() || found == "tga" || found == "pcx" || found == format)
         return false;
-    QString ignored;
-    return ReadChecked(byContent, image, ignored);
+    QString other;
+    if (ReadChecked(byContent, image, other))
+        return true;
+    if (why.isEmpty())
+        why = other;
+    return false;
 }
 
 } // namespace
