@@ -99,8 +99,13 @@ BmpOutcome ReadBmpFile(const QByteArray& file, QImage& image, QString& why)
         }
         return BmpOutcome::LeaveToQt;
     }
-    if (!((compression == kRle8 && bits == 8) || (compression == kRle4 && bits == 4)) || height < 0)
+    if (compression != kRle8 && compression != kRle4)
         return BmpOutcome::LeaveToQt;
+    // Qt would decode these too, into memory it never clears.
+    if (bits != (compression == kRle8 ? 8 : 4) || height < 0) {
+        why = QStringLiteral("the run-length encoding does not fit the picture's depth or row order");
+        return BmpOutcome::Refused;
+    }
 
     const qint64 tableAt = kFileHeaderSize + infoSize;
     const qint64 used = qFromLittleEndian<quint32>(p + 46);

@@ -303,6 +303,7 @@ put('bmp8-rle-noend.bmp', bmp(8, 1, bytes([5, 1, 0, 0, 5, 2, 0, 0, 5, 3, 0, 0]),
 rows = b''.join((b''.join(px24(x, y) for x in range(W))).ljust(16, b'\0') for y in range(H - 1, -1, -1))
 put('bmp24.bmp', bmp(24, 0, rows), opaque)
 put('bmp24-cut.bmp', bmp(24, 0, rows)[:-17], refused('the file is truncated (1 of 3 rows)'))
+put('bmp8-rle-topdown.bmp', bmp(8, 1, rle8, h=-H, colours=table, used=16), refused('depth or row order'))
 put('bmp24-height30000.bmp', bmp(24, 0, rows, h=30000), refused('the file is truncated (3 of 30000 rows)'))
 
 
