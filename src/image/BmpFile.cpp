@@ -1,6 +1,7 @@
 #include "image/BmpFile.h"
 
 #include "image/FCObjImage.h"
+#include "image/ReadFailure.h"
 
 #include <QtEndian>
 
@@ -10,11 +11,6 @@ namespace {
 
 constexpr int kFileHeaderSize = 14;
 constexpr int kRgb = 0, kRle8 = 1, kRle4 = 2, kBitFields = 3, kAlphaBitFields = 6;
-
-QString Truncated(qint64 rows, qint64 height)
-{
-    return QStringLiteral("the file is truncated (%1 of %2 rows)").arg(rows).arg(height);
-}
 
 // Decodes a run-length stream of 8 or 4 bits into image (bottom row first).
 // Runs past a row's end and moves past the picture are cut to it.
@@ -57,7 +53,7 @@ BmpOutcome DecodeRle(const uchar* in, qint64 size, int bits, QImage& image, QStr
         if (y >= h) // every row is there; an end marker may be missing
             return BmpOutcome::Read;
     }
-    why = Truncated(y, h);
+    why = TruncatedText(y, h);
     return BmpOutcome::Refused;
 }
 
@@ -94,7 +90,7 @@ BmpOutcome ReadBmpFile(const QByteArray& file, QImage& image, QString& why)
         const qint64 stride = (width * bits + 31) / 32 * 4;
         const qint64 present = std::max<qint64>(0, size - dataAt) / stride;
         if (present < rows) {
-            why = Truncated(present, rows);
+            why = TruncatedText(present, rows);
             return BmpOutcome::Refused;
         }
         return BmpOutcome::LeaveToQt;

@@ -1,6 +1,7 @@
 #include "image/CPcxHandler.h"
 
 #include "image/FCObjImage.h"
+#include "image/ReadFailure.h"
 
 #include <QIODevice>
 #include <QImage>
@@ -245,9 +246,7 @@ bool CPcxHandler::read(QImage* image)
 
     const qint64 present = h.encoding == 1 ? RleBytesPresent(in, inSize, qint64(total)) : inSize;
     if (present < qint64(total))
-        return Fail(QStringLiteral("the file is truncated (%1 of %2 rows)")
-                        .arg(present / qint64(lineBytes))
-                        .arg(h.height));
+        return Fail(TruncatedText(present / qint64(lineBytes), h.height));
 
     std::vector<uchar> pixels;
     try {

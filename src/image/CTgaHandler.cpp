@@ -1,6 +1,7 @@
 #include "image/CTgaHandler.h"
 
 #include "image/FCObjImage.h"
+#include "image/ReadFailure.h"
 
 #include <QIODevice>
 #include <QImage>
@@ -247,15 +248,14 @@ bool CTgaHandler::read(QImage* image)
     const Footer footer = FindFooter(rest, pixelStart);
     const qint64 end = footer.dataEnd;
     if (pixelStart > end)
-        return Fail(h.mapType == 1 ? QStringLiteral("the colour map is truncated")
-                                   : QStringLiteral("the file is truncated (0 of %1 rows)").arg(h.height));
+        return Fail(
+            h.mapType == 1 ? QStringLiteral("the colour map is truncated") : TruncatedText(0, h.height));
     const qint64 pixels = qint64(h.width) * h.height;
     const qint64 available = end - pixelStart;
     const qint64 present
         = h.Rle() ? RlePixelsPresent(in + pixelStart, available, bytes, pixels) : available / bytes;
     if (present < pixels)
-        return Fail(
-            QStringLiteral("the file is truncated (%1 of %2 rows)").arg(present / h.width).arg(h.height));
+        return Fail(TruncatedText(present / h.width, h.height));
 
     // Alpha only where the descriptor counts alpha bits and, in a TGA 2 file,
     // the extension area does not say the bits are something else.

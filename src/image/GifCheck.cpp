@@ -1,5 +1,7 @@
 #include "image/GifCheck.h"
 
+#include "image/ReadFailure.h"
+
 #include <QtEndian>
 
 #include <vector>
@@ -86,7 +88,7 @@ bool GifFrameComplete(const QByteArray& file, QString& why)
             if (flags & 0x80)
                 at += 3 << ((flags & 7) + 1);
             if (at >= size) {
-                why = QStringLiteral("%1 (0 of %2 rows)").arg(cut).arg(height);
+                why = TruncatedText(0, height);
                 return false;
             }
             const int minCodeSize = p[at++];
@@ -97,10 +99,7 @@ bool GifFrameComplete(const QByteArray& file, QString& why)
             const qint64 want = qint64(width) * height;
             const qint64 got = LzwPixels(data, minCodeSize, want);
             if (got < want) {
-                why = QStringLiteral("%1 (%2 of %3 rows)")
-                          .arg(cut)
-                          .arg(width > 0 ? got / width : 0)
-                          .arg(height);
+                why = TruncatedText(width > 0 ? got / width : 0, height);
                 return false;
             }
             return true;
