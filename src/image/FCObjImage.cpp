@@ -142,7 +142,15 @@ bool ReadPicture(QFile& file, const QByteArray& byExtension, QImage& image, QStr
     QImageReader byContent(&file);
     byContent.setDecideFormatFromContent(true);
     const QByteArray found = byContent.format();
-    if (found.isEmpty() || found == "tga" || found == "pcx" || found == format)
+    if (found == "tga" || found == "pcx") {
+        // Qt's readers claim what ours refuse; ours say why.
+        if (why.isEmpty() && found == "tga")
+            ReadOwn<CTgaHandler>(file, image, why);
+        else if (why.isEmpty())
+            ReadOwn<CPcxHandler>(file, image, why);
+        return false;
+    }
+    if (!found.isEmpty() && found == format)
         return false;
     QString other;
     if (ReadChecked(byContent, image, other))
@@ -563,7 +571,7 @@ bool FCObjImage::Load(const QString& path)
     else if (ReadPicture(file, FormatForPath(path), image, why))
         why.clear();
     else if (why.isEmpty())
-        why = QCoreApplication::translate("FCObjImage", "Unable to read image data");
+        why = QStringLiteral("the file is not a picture");
     if (!why.isEmpty()) {
         m_error = QStringLiteral("%1: %2").arg(path, why);
         return false;
