@@ -21,7 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // Large declared sizes cost only their allocation; they are skipped so
     // that the time goes to parsing.
     if (size >= 26
-        && qint64(qAbs(qFromLittleEndian<qint32>(data + 18))) * qAbs(qFromLittleEndian<qint32>(data + 22))
+        && std::abs(qint64(qFromLittleEndian<qint32>(data + 18)))
+                * std::abs(qint64(qFromLittleEndian<qint32>(data + 22)))
             > (1 << 22))
         return 0;
     QImage image;
