@@ -1,8 +1,9 @@
-// The checks that BMP and GIF files pass before (or instead of) Qt's readers:
+// The checks that BMP, GIF and JPEG files pass before (or instead of) Qt's readers:
 // any bytes give a picture whose every index is in its table, a refusal with
 // a reason, or leave the file to Qt.
 #include "image/BmpFile.h"
 #include "image/GifCheck.h"
+#include "image/JpegCheck.h"
 
 #include <QtEndian>
 
@@ -43,8 +44,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     case BmpOutcome::LeaveToQt:
         break;
     }
-    QString gifWhy;
+    QString gifWhy, jpegWhy;
     if (!GifFrameComplete(bytes, gifWhy) && gifWhy.isEmpty())
+        std::abort();
+    if (!JpegComplete(bytes, jpegWhy) && jpegWhy.isEmpty())
         std::abort();
     return 0;
 }

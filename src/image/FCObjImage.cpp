@@ -5,6 +5,7 @@
 #include "image/CTgaHandler.h"
 #include "image/GifCheck.h"
 #include "image/ImageProcess.h"
+#include "image/JpegCheck.h"
 #include "platform/AtomicFileWrite.h"
 
 #include <QBuffer>
@@ -124,9 +125,10 @@ bool ReadPicture(QFile& file, const QByteArray& byExtension, QImage& image, QStr
         case BmpOutcome::LeaveToQt:
             break;
         }
-    } else if (format == "gif") {
+    } else if (format == "gif" || format == "jpeg") {
         file.seek(0);
-        if (!GifFrameComplete(file.readAll(), why))
+        const QByteArray bytes = file.readAll();
+        if (format == "gif" ? !GifFrameComplete(bytes, why) : !JpegComplete(bytes, why))
             return false;
     }
     if (!format.isEmpty() && format != "tga" && format != "pcx") {

@@ -360,6 +360,16 @@ put('gif-cut.gif', gif(indices, gif_palette)[:-9], refused('the file is truncate
 put('gif-frame-32767.gif', gif(indices, gif_palette, w=32767), refused('the file is truncated (0 of 3 rows)'))
 put('gif-screen-32767.gif', gif(indices, gif_palette, screen=(32767, 32767)), refused('Unable to read image data'))
 
+
+# ---- JPEG (read by Qt's reader after our check) ---------------------------
+# Only a refusal: a lossy decoder's pixels are not for this list. Pillow
+# writes the whole file; cut, it lacks its end-of-image marker.
+import io
+from PIL import Image
+jpeg = io.BytesIO()
+Image.new('RGB', (16, 8), (200, 30, 60)).save(jpeg, 'JPEG', quality=90, progressive=True)
+put('jpeg-cut.jpg', jpeg.getvalue()[:-40], refused('the file is truncated'))
+
 with open(os.path.join(HERE, 'expected.txt'), 'w') as f:
     f.write('# Written by make_corpus.py: file, then "pixels WxH 0xAARRGGBB..." (rows top to bottom)\n'
             '# or "refused <words of the reason>".\n')
