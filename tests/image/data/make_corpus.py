@@ -367,8 +367,12 @@ put('gif-screen-32767.gif', gif(indices, gif_palette, screen=(32767, 32767)), re
 import io
 from PIL import Image
 jpeg = io.BytesIO()
-Image.new('RGB', (16, 8), (200, 30, 60)).save(jpeg, 'JPEG', quality=90)
-put('jpeg-cut.jpg', jpeg.getvalue()[:-40], refused('the file is truncated'))
+picture = Image.new('RGB', (48, 32))
+picture.putdata([(5 * x, 7 * y, 100) for y in range(32) for x in range(48)])
+picture.save(jpeg, 'JPEG', quality=90)
+jpeg = jpeg.getvalue()
+scan = jpeg.find(b'\xff\xda')
+put('jpeg-cut.jpg', jpeg[:scan + (len(jpeg) - scan) // 2], refused('the file is truncated'))
 
 with open(os.path.join(HERE, 'expected.txt'), 'w') as f:
     f.write('# Written by make_corpus.py: file, then "pixels WxH 0xAARRGGBB..." (rows top to bottom)\n'
