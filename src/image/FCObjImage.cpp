@@ -6,6 +6,8 @@
 #include "image/GifCheck.h"
 #include "image/ImageProcess.h"
 #include "image/JpegCheck.h"
+#include "image/PngCheck.h"
+#include "image/ReadFailure.h"
 #include "platform/AtomicFileWrite.h"
 
 #include <QBuffer>
@@ -136,6 +138,8 @@ bool ReadPicture(QFile& file, const QByteArray& byExtension, QImage& image, QStr
         QImageReader reader(&file, format);
         if (ReadChecked(reader, image, why))
             return true;
+        if (sniffed == "png" && file.seek(0) && PngTruncated(file.readAll()))
+            why = TruncatedFileText();
         if (!sniffed.isEmpty())
             return false;
     }

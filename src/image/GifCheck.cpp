@@ -52,7 +52,7 @@ bool GifFrameComplete(const QByteArray& file, QString& why)
 {
     const auto* p = reinterpret_cast<const uchar*>(file.constData());
     const qint64 size = file.size();
-    const QString cut = QStringLiteral("the file is truncated");
+    const QString cut = TruncatedFileText();
     if (size < 13)
         return true; // not a GIF we can judge; Qt's reader refuses it
     qint64 at = 13;

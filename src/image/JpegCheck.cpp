@@ -1,5 +1,7 @@
 #include "image/JpegCheck.h"
 
+#include "image/ReadFailure.h"
+
 #include <QtEndian>
 
 namespace {
@@ -46,6 +48,6 @@ bool JpegComplete(const QByteArray& file, QString& why)
                 break;
         }
     }
-    why = QStringLiteral("the file is truncated");
+    why = TruncatedFileText();
     return false;
 }

@@ -81,8 +81,9 @@ std::string Differences(
 TEST(PictureCorpus, EachFileGivesItsPixelsOrItsReadersReason)
 {
     const std::vector<Expected> corpus = Corpus();
-    const QStringList files = QDir(QStringLiteral(OCULIX_TEST_DATA_DIR))
-                                  .entryList({ "*.tga", "*.pcx", "*.bmp", "*.gif", "*.jpg" }, QDir::Files);
+    const QStringList files
+        = QDir(QStringLiteral(OCULIX_TEST_DATA_DIR))
+              .entryList({ "*.tga", "*.pcx", "*.bmp", "*.gif", "*.jpg", "*.png" }, QDir::Files);
     EXPECT_EQ(files.size(), int(corpus.size())) << "every picture in the corpus has its expectation";
     for (const Expected& e : corpus) {
         SCOPED_TRACE(e.name.toStdString());

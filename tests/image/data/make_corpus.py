@@ -361,7 +361,7 @@ put('gif-frame-32767.gif', gif(indices, gif_palette, w=32767), refused('the file
 put('gif-screen-32767.gif', gif(indices, gif_palette, screen=(32767, 32767)), refused('Unable to read image data'))
 
 
-# ---- JPEG (read by Qt's reader after our check) ---------------------------
+# ---- JPEG and PNG (read by Qt's readers, JPEG after our check) ------------
 # Only a refusal: a lossy decoder's pixels are not for this list. Pillow
 # writes the whole file; cut, it lacks its end-of-image marker.
 import io
@@ -372,6 +372,9 @@ picture.putdata([(5 * x, 7 * y, 100) for y in range(32) for x in range(48)])
 picture.save(jpeg, 'JPEG', quality=90)
 jpeg = jpeg.getvalue()
 scan = jpeg.find(b'\xff\xda')
+png = io.BytesIO()
+picture.save(png, 'PNG')
+put('png-cut.png', png.getvalue()[:len(png.getvalue()) // 2], refused('the file is truncated'))
 put('jpeg-cut.jpg', jpeg[:scan + (len(jpeg) - scan) // 2], refused('the file is truncated'))
 
 with open(os.path.join(HERE, 'expected.txt'), 'w') as f:
