@@ -1,9 +1,11 @@
-// The checks that BMP, GIF and JPEG files pass before (or instead of) Qt's readers:
-// any bytes give a picture whose every index is in its table, a refusal with
-// a reason, or leave the file to Qt.
+// The checks that BMP, GIF, JPEG and PNG files pass before (or instead of)
+// Qt's readers: any bytes give a picture whose every index is in its table,
+// a refusal with a reason, or leave the file to Qt; a PNG is complete only
+// with its IEND.
 #include "image/BmpFile.h"
 #include "image/GifCheck.h"
 #include "image/JpegCheck.h"
+#include "image/PngCheck.h"
 
 #include <QtEndian>
 
@@ -48,6 +50,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!GifFrameComplete(bytes, gifWhy) && gifWhy.isEmpty())
         std::abort();
     if (!JpegComplete(bytes, jpegWhy) && jpegWhy.isEmpty())
+        std::abort();
+    // Complete only where an IEND chunk was found.
+    if (!bytes.contains("IEND") && !PngTruncated(bytes))
         std::abort();
     return 0;
 }
