@@ -95,6 +95,13 @@ TEST(FCObjImage, PixelColoursGoThroughPaletteAndFiveBitChannels)
     pal.SetPixelColor(1, 0, qRgb(190, 10, 5)); // nearest entry
     EXPECT_EQ(pal.GetPixelData(1, 0), 3u);
     EXPECT_EQ(pal.GetPixelColor(1, 0), qRgb(200, 0, 0));
+    // A palette's alpha is the picture's: GetPixelColor and HasAlpha agree.
+    EXPECT_FALSE(pal.HasAlpha());
+    pal.SetPaletteColor(5, qRgba(9, 9, 9, 0));
+    pal.SetPixelData(2, 0, 5);
+    EXPECT_TRUE(pal.HasAlpha());
+    EXPECT_EQ(pal.GetPixelColor(2, 0), qRgba(9, 9, 9, 0));
+    EXPECT_TRUE(pal.CopyRect(QRect(0, 0, 1, 1)).HasAlpha()) << "the palette goes with the copy";
 
     FCObjImage hi(1, 1, 16);
     hi.SetPixelData(0, 0, 0x7FFF);
