@@ -52,6 +52,9 @@ int CGVLNo::OnMouseMove(unsigned, const QPoint& point, int)
 
 int CGVLNo::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
+    // Every marker hears every release: one it leaves as it is is not repainted.
+    if (!m_bDown && m_nHit == -1 && !(m_bSelected && tool == kToolCounting))
+        return -1;
     UpdateElem();
     m_bDown = false;
     m_nHit = -1;
