@@ -532,8 +532,18 @@ void CGVLElemMgr::DrawAll(QPainter& dc, int width, int height)
     const Call call(*this);
     if (m_bShowRuler && !m_arShape.empty())
         m_arShape.front()->Draw(dc, m_bHide, 0);
-    for (std::size_t i = 1; i < m_arShape.size(); ++i)
-        m_arShape[i]->Draw(dc, m_bHide, 0);
+    // A repaint of part of the window passes by the elements that cannot
+    // reach it: thousands of them cost little when one changes.
+    const QRect area = dc.hasClipping() ? dc.clipBoundingRect().toAlignedRect() : QRect();
+    for (std::size_t i = 1; i < m_arShape.size(); ++i) {
+        CGVLShape& shape = *m_arShape[i];
+        if (!area.isNull()) {
+            const QRect bounds = shape.DrawnBounds();
+            if (!bounds.isNull() && !bounds.intersects(area))
+                continue;
+        }
+        shape.Draw(dc, m_bHide, 0);
+    }
     DrawCrossLines(dc, width, height);
 }
 

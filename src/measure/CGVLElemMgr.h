@@ -100,6 +100,8 @@ public:
     // elements around them stay as they are.
     void ReplaceShapes(std::size_t first, std::size_t count, const std::vector<const CGVLShape*>& shapes);
 
+    // With a clip on the painter, elements whose DrawnBounds lie outside it
+    // are passed by.
     void DrawAll(QPainter& dc, int width, int height);
     // The live overlay: a bottom-up 24-bit buffer, rows padded to 4 bytes
     // (DibStride(width) bytes each), filled with 1 before drawing, so 1,1,1 marks pixels no element covers.
