@@ -15,8 +15,8 @@ struct Row
     Operation operation;
 };
 
-// The ruler, one element of most kinds, all placed and none selected, and a
-// counting marker at (100, 100).
+// The ruler, one element of every other kind, all placed and none selected,
+// and a counting marker at (100, 100).
 struct Scene
 {
     Scene()
@@ -33,7 +33,12 @@ struct Scene
         Drag(mgr, 6, { 60, 180 }, { { 61, 180 }, { 90, 180 } });
         Clicks(mgr, 3, { { 200, 200 }, { 260, 200 }, { 230, 150 } });
         Click(mgr, 205, { 30, 220 });
-        EXPECT_EQ(mgr.m_arShape.size(), 7u);
+        Click(mgr, 1, { 280, 120 });
+        Drag(mgr, 203, { 250, 10 }, { { 251, 11 }, { 300, 60 } });
+        Clicks(mgr, 7, { { 100, 150 }, { 140, 150 }, { 120, 190 } });
+        Clicks(mgr, 5, { { 160, 200 }, { 220, 200 }, { 200, 230 } });
+        RightClick(mgr, 5, { 200, 230 });
+        EXPECT_EQ(mgr.m_arShape.size(), 11u);
     }
     ~Scene() { mgr.SetWindow(nullptr, {}); }
     QObject window;
@@ -181,14 +186,14 @@ TEST(ChangeCount, StaysForWhatChangesNothingDrawn)
         { "the ruler kept", [](auto& m) { m.DeleteShape(m.m_arShape.front().get()); } },
         { "the mouse passing over elements",
             [](auto& m) {
-                for (const int tool : { 0, 2, 3, 4, 6, 9, 200, 202, 205 })
+                for (const int tool : { 0, 1, 2, 3, 4, 5, 6, 7, 9, 200, 202, 203, 205 })
                     for (const QPoint p :
                         { QPoint(100, 100), QPoint(70, 25), QPoint(230, 190), QPoint(5, 5) })
                         m.OnMouseMove(0, p, tool);
             } },
         { "a release with nothing held",
             [](auto& m) {
-                for (const int tool : { 0, 2, 3, 4, 6, 9, 202, 205 })
+                for (const int tool : { 0, 1, 2, 3, 4, 5, 6, 7, 9, 202, 203, 205 })
                     m.OnLButtonUp(0, { 100, 100 }, tool);
             } },
         { "a press of the ignore tool",
