@@ -157,6 +157,8 @@ public:
     static int RunningOverlayWorkers() { return COverlayWorker::Running(); }
     // How many overlays the worker has published (tests, diagnostics).
     unsigned OverlaysDrawn() const { return m_overlay.OverlaysDrawn(); }
+    // How many passes the worker has made, drawn or not (tests).
+    unsigned OverlayPasses() const { return m_overlay.Passes(); }
 
     // Asks for the CSV path with the proposed name (no extension); empty
     // cancels. Replaceable as a whole (tests); returns the previous one.

@@ -92,6 +92,11 @@ public:
     virtual void SetRefPoint(const QPoint& point);
     virtual bool IsRefPoint(const QPoint& point) const;
 
+    // A rectangle that holds every pixel Draw paints, found without drawing,
+    // so a repaint of another area can pass the element by; null when the
+    // element cannot tell, and is then always drawn.
+    virtual QRect DrawnBounds() const { return {}; }
+
     int CoordCount() const { return int(m_arCoord.size()); }
     // Every point still sits where "Snap to edges" placed it.
     bool IsSnapped() const;

@@ -177,6 +177,12 @@ const ShapeKind* FindShapeKind(int type)
     return type >= 0 && std::size_t(type) < kTypeLimit ? kByType[std::size_t(type)] : nullptr;
 }
 
+std::unique_ptr<CGVLShape> CopyShape(const CGVLShape& shape)
+{
+    const ShapeKind* kind = FindShapeKind(shape.GetType());
+    return kind ? kind->factory.copy(shape) : nullptr;
+}
+
 const ShapeKind* ShapeKindForTool(int tool)
 {
     if (tool == int(ToolCode::None))

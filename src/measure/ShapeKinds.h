@@ -122,6 +122,9 @@ struct ShapeKind
 std::span<const ShapeKind> ShapeKinds();
 // The kind of a type id, or null for a number that is no kind.
 const ShapeKind* FindShapeKind(int type);
+// A copy as the class the element's type id names (its kind's
+// factory.copy), or null.
+std::unique_ptr<CGVLShape> CopyShape(const CGVLShape& shape);
 // The kind a tool draws, or null for the other tools.
 const ShapeKind* ShapeKindForTool(int tool);
 // The drawing cursor: the drawing kinds' tools and the press-last tool.
