@@ -86,7 +86,7 @@ TEST(ShapeKinds, EveryKeptKindReplaysToItself)
     QJsonArray entries;
     std::vector<int> kept;
     for (const ShapeKind& kind : ShapeKinds()) {
-        if (kind.storage.gesture == ShapeStorage::Gesture::NotKept)
+        if (!kind.storage.kept)
             continue;
         const int i = int(kept.size());
         const QPoint centre(150 + 250 * (i % 4), 150 + 250 * (i / 4));
