@@ -455,41 +455,60 @@ bool FCObjImage::FromQImage(const QImage& source)
 
 bool FCObjImage::Load(const QString& path)
 {
-    RegisterFormats();
     if (!QFileInfo(path).isFile()) {
         m_error = QStringLiteral("%1: no such file").arg(path);
         return false;
     }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_error = QStringLiteral("%1: %2").arg(path, file.errorString());
+        return false;
+    }
+    return LoadFrom(file, path);
+}
+
+bool FCObjImage::LoadBytes(const QByteArray& bytes, const QString& name)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return LoadFrom(buffer, name);
+}
+
+bool FCObjImage::LoadFrom(QIODevice& device, const QString& name)
+{
+    RegisterFormats();
     QImage image;
     QString why;
-    const QByteArray format = FormatForPath(path);
+    const QByteArray format = FormatForPath(name);
     bool read = false;
     if (format == "tga") {
         // Qt's own TGA reader comes first in QImageReader's list and reads
         // fewer kinds of TGA than ours.
-        QFile file(path);
         CTgaHandler handler;
-        handler.setDevice(&file);
-        read = file.open(QIODevice::ReadOnly) && handler.canRead() && handler.read(&image);
+        handler.setDevice(&device);
+        read = handler.canRead() && handler.read(&image);
     }
     if (!read) {
-        QImageReader reader(path, format);
+        device.seek(0);
+        QImageReader reader(&device, format);
         read = ReadChecked(reader, image, why);
     }
     if (!read) {
         // The extension may lie; let the content decide.
-        QImageReader byContent(path);
+        device.seek(0);
+        QImageReader byContent(&device);
         byContent.setDecideFormatFromContent(true);
         QString ignored;
         read = ReadChecked(byContent, image, ignored);
     }
     if (!read) {
-        m_error = QStringLiteral("%1: %2").arg(path, why);
+        m_error = QStringLiteral("%1: %2").arg(name, why);
         return false;
     }
     FCObjImage loaded;
     if (!loaded.FromQImage(image)) {
-        m_error = QStringLiteral("%1: %2").arg(path, loaded.m_error);
+        m_error = QStringLiteral("%1: %2").arg(name, loaded.m_error);
         return false;
     }
     *this = std::move(loaded);
