@@ -71,7 +71,8 @@ Stored FromProperties(const PictureXmp::Properties& properties)
     const int unitIndex = properties.value(kXmpUnit).toInt(&ok);
     double x = 0;
     double y = 0;
-    const bool sizes = size(kXmpXPerPixel, x) & size(kXmpYPerPixel, y);
+    const bool xSize = size(kXmpXPerPixel, x);
+    const bool sizes = size(kXmpYPerPixel, y) && xSize;
     if (ok && unitIndex >= 0 && unitIndex <= 4 && sizes) {
         CalibrationRecord unit;
         unit.m_rtUnit = unitIndex;
