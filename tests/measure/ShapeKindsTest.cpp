@@ -79,9 +79,9 @@ TEST(ShapeKinds, ToolsReachTheirKindAndTheOtherToolsNone)
     }
 }
 
-// Every kind a picture keeps comes back from its JSON through its own tool
-// and gesture as one finished element that writes the same JSON again.
-TEST(ShapeKinds, EveryKeptKindReplaysToItself)
+// Every kind a picture keeps comes back from its JSON through its row as one
+// finished element that writes the same JSON again.
+TEST(ShapeKinds, EveryKeptKindComesBackAsItself)
 {
     QJsonArray entries;
     std::vector<int> kept;
