@@ -64,6 +64,36 @@ bool ReadChecked(QImageReader& reader, QImage& image, QString& why)
     return false;
 }
 
+// A PNG chunk other than the picture data that claims more bytes than the
+// file holds: libpng allocates and clears such a chunk whole before reading
+// it, so 400 bytes claiming 1.7 GB took seconds and the memory. Empty for a
+// file that is no PNG or has no such chunk.
+QString PngDamage(QIODevice& device)
+{
+    static const QByteArray kSignature("\x89PNG\r\n\x1a\n", 8);
+    if (!device.seek(0) || device.read(8) != kSignature)
+        return {};
+    const qint64 size = device.size();
+    qint64 pos = 8;
+    while (pos + 12 <= size && device.seek(pos)) {
+        const QByteArray header = device.read(8);
+        if (header.size() != 8)
+            break;
+        const auto* h = reinterpret_cast<const uchar*>(header.constData());
+        const qint64 length = (qint64(h[0]) << 24) | (h[1] << 16) | (h[2] << 8) | h[3];
+        const QByteArray type = header.mid(4);
+        if (type == "IEND")
+            break;
+        if (type != "IDAT" && length > size - pos - 12)
+            return QStringLiteral(
+                "the PNG data is damaged: its %1 chunk claims %2 bytes, more than the file holds")
+                .arg(QString::fromLatin1(type))
+                .arg(length);
+        pos += 12 + length;
+    }
+    return {};
+}
+
 } // namespace
 
 void FCObjImage::RegisterFormats()
@@ -481,6 +511,10 @@ bool FCObjImage::LoadFrom(QIODevice& device, const QString& name)
     QImage image;
     QString why;
     const QByteArray format = FormatForPath(name);
+    if (const QString damage = PngDamage(device); !damage.isEmpty()) {
+        m_error = QStringLiteral("%1: %2").arg(name, damage);
+        return false;
+    }
     bool read = false;
     if (format == "tga") {
         // Qt's own TGA reader comes first in QImageReader's list and reads
