@@ -519,6 +519,7 @@ bool FCObjImage::LoadFrom(QIODevice& device, const QString& name)
     if (format == "tga") {
         // Qt's own TGA reader comes first in QImageReader's list and reads
         // fewer kinds of TGA than ours.
+        device.seek(0);
         CTgaHandler handler;
         handler.setDevice(&device);
         read = handler.canRead() && handler.read(&image);
