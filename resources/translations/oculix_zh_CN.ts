@@ -244,8 +244,16 @@
         <translation>没有文件管理器可以显示 %1。</translation>
     </message>
     <message>
-        <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
+        <source>Camera connected: %1. "New Preview" shows its video.</source>
         <translation>相机已连接：%1。“新建预览”可显示其视频。</translation>
+    </message>
+    <message>
+        <source>Oculix is already running but does not answer. Close it, or end it if it hangs, then start Oculix again.</source>
+        <translation>Oculix 已在运行，但没有响应。请关闭它（如果它已挂起，请结束它），然后重新启动 Oculix。</translation>
+    </message>
+    <message>
+        <source>Oculix</source>
+        <translation>Oculix</translation>
     </message>
 </context>
 <context>
@@ -336,7 +344,7 @@ Background</source>
         <translation>导出</translation>
     </message>
     <message>
-        <source>The camera &quot;%1&quot; is not connected. Plug it in again to go on with the live video.</source>
+        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
         <translation>相机“%1”未连接。请重新插入以继续实时视频。</translation>
     </message>
     <message>
@@ -362,6 +370,18 @@ Background</source>
     <message>
         <source>Failed to write JPEG file Summary information!</source>
         <translation>写入 JPEG 文件摘要信息失败！</translation>
+    </message>
+    <message>
+        <source>the picture was saved but its measurements could not be kept: %1</source>
+        <translation>图片已保存，但无法保留其测量数据：%1</translation>
+    </message>
+    <message>
+        <source>this picture's calibration is not valid; the current calibration is used</source>
+        <translation>此图片的校准无效；将使用当前校准</translation>
+    </message>
+    <message>
+        <source>Some measurements of this picture are not shown: %1</source>
+        <translation>此图片的部分测量未显示：%1</translation>
     </message>
 </context>
 <context>
@@ -1087,7 +1107,7 @@ Background</source>
         <translation>打开图片文件夹(&amp;P)</translation>
     </message>
     <message>
-        <source>Open pictures&apos; saved folder</source>
+        <source>Open pictures' saved folder</source>
         <translation>打开已保存图片的文件夹</translation>
     </message>
     <message>
@@ -1214,7 +1234,7 @@ Background</source>
         <translation>显示此帮助。</translation>
     </message>
     <message>
-        <source>Measure on a microscope camera&apos;s live picture.</source>
+        <source>Measure on a microscope camera's live picture.</source>
         <translation>在显微镜相机的实时画面上测量。</translation>
     </message>
     <message>

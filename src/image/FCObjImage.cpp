@@ -107,8 +107,9 @@ template <typename Handler> bool ReadOwn(QIODevice& file, QImage& image, QString
 // Reads file as the format its content shows, else as its extension says.
 // PCX and TGA are read by our handlers alone: what they refuse stays refused,
 // with their reason, as no other reader then makes up pixels.
-bool ReadPicture(QFile& file, const QByteArray& byExtension, QImage& image, QString& why)
+bool ReadPicture(QIODevice& file, const QByteArray& byExtension, QImage& image, QString& why)
 {
+    file.seek(0);
     const QByteArray sniffed = SniffFormat(file);
     const QByteArray format = sniffed.isEmpty() ? byExtension : sniffed;
     if (format == "tga" || format == "pcx") {
@@ -164,6 +165,36 @@ bool ReadPicture(QFile& file, const QByteArray& byExtension, QImage& image, QStr
     if (why.isEmpty())
         why = other;
     return false;
+}
+
+// A PNG chunk other than the picture data that claims more bytes than the
+// file holds: libpng allocates and clears such a chunk whole before reading
+// it, so 400 bytes claiming 1.7 GB took seconds and the memory. Empty for a
+// file that is no PNG or has no such chunk.
+QString PngDamage(QIODevice& device)
+{
+    static const QByteArray kSignature("\x89PNG\r\n\x1a\n", 8);
+    if (!device.seek(0) || device.read(8) != kSignature)
+        return {};
+    const qint64 size = device.size();
+    qint64 pos = 8;
+    while (pos + 12 <= size && device.seek(pos)) {
+        const QByteArray header = device.read(8);
+        if (header.size() != 8)
+            break;
+        const auto* h = reinterpret_cast<const uchar*>(header.constData());
+        const qint64 length = (qint64(h[0]) << 24) | (h[1] << 16) | (h[2] << 8) | h[3];
+        const QByteArray type = header.mid(4);
+        if (type == "IEND")
+            break;
+        if (type != "IDAT" && length > size - pos - 12)
+            return QStringLiteral(
+                "the PNG data is damaged: its %1 chunk claims %2 bytes, more than the file holds")
+                .arg(QString::fromLatin1(type))
+                .arg(length);
+        pos += 12 + length;
+    }
+    return {};
 }
 
 } // namespace
@@ -564,27 +595,44 @@ bool FCObjImage::FromQImage(const QImage& source)
 
 bool FCObjImage::Load(const QString& path)
 {
-    RegisterFormats();
     if (!QFileInfo(path).isFile()) {
         m_error = QStringLiteral("%1: no such file").arg(path);
         return false;
     }
     QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_error = QStringLiteral("%1: %2").arg(path, file.errorString());
+        return false;
+    }
+    return LoadFrom(file, path);
+}
+
+bool FCObjImage::LoadBytes(const QByteArray& bytes, const QString& name)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return LoadFrom(buffer, name);
+}
+
+bool FCObjImage::LoadFrom(QIODevice& device, const QString& name)
+{
+    RegisterFormats();
     QImage image;
-    QString why;
-    if (!file.open(QIODevice::ReadOnly))
-        why = file.errorString();
-    else if (ReadPicture(file, FormatForPath(path), image, why))
-        why.clear();
-    else if (why.isEmpty())
-        why = QStringLiteral("the file is not a picture");
+    QString why = PngDamage(device);
+    if (why.isEmpty()) {
+        if (ReadPicture(device, FormatForPath(name), image, why))
+            why.clear();
+        else if (why.isEmpty())
+            why = QStringLiteral("the file is not a picture");
+    }
     if (!why.isEmpty()) {
-        m_error = QStringLiteral("%1: %2").arg(path, why);
+        m_error = QStringLiteral("%1: %2").arg(name, why);
         return false;
     }
     FCObjImage loaded;
     if (!loaded.FromQImage(image)) {
-        m_error = QStringLiteral("%1: %2").arg(path, loaded.m_error);
+        m_error = QStringLiteral("%1: %2").arg(name, loaded.m_error);
         return false;
     }
     *this = std::move(loaded);

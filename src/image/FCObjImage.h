@@ -7,6 +7,8 @@
 
 #include <vector>
 
+class QIODevice;
+
 // The in-memory picture: a device-independent bitmap of 1, 4, 8, 16 (5-5-5),
 // 24 (blue, green, red) or 32 (blue, green, red, alpha or unused) bits per
 // pixel, rows stored bottom-up and padded to 4 bytes, with a palette for the
@@ -87,6 +89,8 @@ public:
     // unchanged and ErrorString() says why: the path, then the reader's own
     // reason ("the file is truncated (2 of 8 rows)").
     bool Load(const QString& path);
+    // The same from a file's bytes, `name` standing for its path.
+    bool LoadBytes(const QByteArray& bytes, const QString& name);
     bool Save(const QString& path) const;
     QString ErrorString() const { return m_error; }
 
@@ -95,6 +99,7 @@ public:
     static void RegisterFormats();
 
 private:
+    bool LoadFrom(QIODevice& device, const QString& name);
     const uchar* Row(int y) const { return m_bits.data() + std::size_t(m_height - 1 - y) * m_pitch; }
     uchar* Row(int y) { return m_bits.data() + std::size_t(m_height - 1 - y) * m_pitch; }
     bool Inside(int x, int y) const { return x >= 0 && y >= 0 && x < m_width && y < m_height; }

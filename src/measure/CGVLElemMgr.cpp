@@ -221,6 +221,22 @@ CGVLShape* CGVLElemMgr::CreateShape(ShapeType type)
     return CreateShape(int(type));
 }
 
+void CGVLElemMgr::AppendShapes(std::vector<std::unique_ptr<CGVLShape>> shapes)
+{
+    const Call call(*this);
+    NoteChange();
+    m_arShape.reserve(m_arShape.size() + shapes.size());
+    for (std::unique_ptr<CGVLShape>& shape : shapes) {
+        if (!shape)
+            continue;
+        if (auto* marker = dynamic_cast<CGVLNo*>(shape.get()))
+            marker->SetNumber(++m_nCount);
+        shape->SetRefPoint(m_ptOrigin);
+        m_arShape.push_back(std::move(shape));
+    }
+    InvalidateWindow(m_hWnd);
+}
+
 CGVLShape* CGVLElemMgr::Append(int type)
 {
     const ShapeKind* kind = FindShapeKind(type);

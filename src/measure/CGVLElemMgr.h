@@ -63,6 +63,10 @@ public:
     // appended) for a number that is no kind (ShapeKinds).
     CGVLShape* CreateShape(int type);
     CGVLShape* CreateShape(ShapeType type);
+    // Appends finished elements made by this manager's factories (a
+    // picture's stored ones) in one step: counting markers are numbered on
+    // from the count, every element takes the origin as its reference point.
+    void AppendShapes(std::vector<std::unique_ptr<CGVLShape>> shapes);
 
     // With the text tool the press is followed by the text question (see
     // SetWindow), run without the lock held; do not call it while holding

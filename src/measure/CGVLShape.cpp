@@ -482,3 +482,14 @@ Gdi::Pen CGVLShape::StrokePen(bool dotted, int width) const
 {
     return Gdi::Pen { RulerColor(), width, dotted ? Gdi::PenStyle::Dot : Gdi::PenStyle::Solid };
 }
+
+bool CGVLShape::IsDegenerate() const
+{
+    return false;
+}
+
+bool CGVLShape::TakeStoredPoints(std::vector<QPoint> points)
+{
+    m_arCoord = std::move(points);
+    return !IsDegenerate();
+}

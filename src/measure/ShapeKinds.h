@@ -72,24 +72,15 @@ struct CsvRow
     double (*value)(const CGVLShape& shape);
 };
 
-// How a picture keeps an element: its type and points (ShapesJson), brought
-// back by replaying the input that made it.
+// How a picture keeps an element: its type and points (ShapesJson), from
+// which it is rebuilt directly (CGVLShape::TakeStoredPoints).
 struct ShapeStorage
 {
-    enum class Gesture {
-        NotKept, // belongs to the view, not to the picture
-        Click, // one click on point 0
-        Drag, // a drag from point `from` to point `to`
-        Clicks, // one click on each point
-        ClicksThenRightPress, // one click on each point, a right press on the last
-        Text, // a click on point 0, answered with the kept lines of text
-    };
-    Gesture gesture;
-    // The points the gesture needs: exactly so many, or at least so many for
-    // ClicksThenRightPress.
+    // False for the kinds that belong to the view, not to the picture.
+    bool kept = false;
+    // The points it needs: exactly so many, or at least so many with orMore.
     std::size_t points = 0;
-    std::size_t from = 0;
-    std::size_t to = 0;
+    bool orMore = false;
 };
 
 // Makes the elements of one class: `make` a new one in a manager, with the

@@ -114,6 +114,7 @@ TEST(ChangeCount, MovesForEveryChangeToWhatIsDrawn)
             } },
         { "another window", [](auto& m) { m.SetWindow(nullptr, {}); } },
         { "the list put back", [](auto& m) { m.ReplaceShapes(m.CopyShapes()); } },
+        { "shapes appended as read from a file", [](auto& m) { m.AppendShapes(m.CopyShapes()); } },
         { "an element coloured through itself",
             [](auto& m) {
                 ColorRecord c = m.GetAppearance().color;
