@@ -247,6 +247,14 @@
         <source>Camera connected: %1. "New Preview" shows its video.</source>
         <translation>Caméra connectée : %1. « Nouvel aperçu » affiche sa vidéo.</translation>
     </message>
+    <message>
+        <source>Oculix is already running but does not answer. Close it, or end it if it hangs, then start Oculix again.</source>
+        <translation>Oculix est déjà en cours d'exécution mais ne répond pas. Fermez-le, ou arrêtez-le s'il est bloqué, puis relancez Oculix.</translation>
+    </message>
+    <message>
+        <source>Oculix</source>
+        <translation>Oculix</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -362,6 +370,18 @@ texte</translation>
     <message>
         <source>Failed to write JPEG file Summary information!</source>
         <translation>Impossible d’écrire le résumé du fichier JPEG !</translation>
+    </message>
+    <message>
+        <source>the picture was saved but its measurements could not be kept: %1</source>
+        <translation>l'image a été enregistrée, mais ses mesures n'ont pas pu être conservées : %1</translation>
+    </message>
+    <message>
+        <source>this picture's calibration is not valid; the current calibration is used</source>
+        <translation>l'étalonnage de cette image n'est pas valide ; l'étalonnage actuel est utilisé</translation>
+    </message>
+    <message>
+        <source>Some measurements of this picture are not shown: %1</source>
+        <translation>Certaines mesures de cette image ne sont pas affichées : %1</translation>
     </message>
     <message>
         <source>No picture from the camera to analyze.</source>

@@ -247,6 +247,14 @@
         <source>Camera connected: %1. "New Preview" shows its video.</source>
         <translation>相机已连接：%1。“新建预览”可显示其视频。</translation>
     </message>
+    <message>
+        <source>Oculix is already running but does not answer. Close it, or end it if it hangs, then start Oculix again.</source>
+        <translation>Oculix 已在运行，但没有响应。请关闭它（如果它已挂起，请结束它），然后重新启动 Oculix。</translation>
+    </message>
+    <message>
+        <source>Oculix</source>
+        <translation>Oculix</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -362,6 +370,18 @@ Background</source>
     <message>
         <source>Failed to write JPEG file Summary information!</source>
         <translation>写入 JPEG 文件摘要信息失败！</translation>
+    </message>
+    <message>
+        <source>the picture was saved but its measurements could not be kept: %1</source>
+        <translation>图片已保存，但无法保留其测量数据：%1</translation>
+    </message>
+    <message>
+        <source>this picture's calibration is not valid; the current calibration is used</source>
+        <translation>此图片的校准无效；将使用当前校准</translation>
+    </message>
+    <message>
+        <source>Some measurements of this picture are not shown: %1</source>
+        <translation>此图片的部分测量未显示：%1</translation>
     </message>
     <message>
         <source>No picture from the camera to analyze.</source>

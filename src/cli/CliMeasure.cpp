@@ -41,6 +41,10 @@ QByteArray CsvField(const QString& text, char separator)
 QByteArray PictureCsv(const QString& path, const SettingsKeys::DocumentSettings& settings, bool semicolon)
 {
     const MeasurementXmp::Stored stored = MeasurementXmp::Read(path);
+    if (stored.invalidUnit)
+        PrintError(QStringLiteral("oculix-cli: %1: this picture's calibration is not valid; the current "
+                                  "calibration is used\n")
+                       .arg(path));
     CGVLElemMgr mgr;
     // As a document opens a picture: the settings first, then what the file keeps.
     CalibrationRecord unit { settings.m_rtUnit, settings.m_dcxPerPixel, settings.m_dcyPerPixel,
@@ -51,7 +55,12 @@ QByteArray PictureCsv(const QString& path, const SettingsKeys::DocumentSettings&
     look.precision = settings.m_precision;
     mgr.SetAppearance(look);
     mgr.CreateShape(ShapeType::Ruler);
-    if (stored.shapes.isEmpty() || ShapesFromJson(mgr, stored.shapes) == 0)
+    if (stored.shapes.isEmpty())
+        return {};
+    const ShapesRead read = ReadShapesJson(mgr, stored.shapes);
+    if (const QString note = read.Note(); !note.isEmpty())
+        PrintError(QStringLiteral("oculix-cli: %1: %2\n").arg(path, note));
+    if (read.made == 0)
         return {};
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);

@@ -27,6 +27,9 @@ public:
     int OnLButtonUp(unsigned flags, const QPoint& point, int tool) override;
     int OnMouseMove(unsigned flags, const QPoint& point, int tool) override;
     void UpdateElem() override;
+    bool IsDegenerate() const override;
+    // Closed, as every polygon a picture keeps.
+    bool TakeStoredPoints(std::vector<QPoint> points) override;
 
     virtual int GetHit() const;
     // 1 when the point lies within 10 pixels (both ways) of a vertex of a
@@ -34,9 +37,6 @@ public:
     virtual int HitVertex(const QPoint& point) const;
 
     bool IsClosed() const { return m_bClosed; }
-    // Takes the vertices of a finished outline at once (a particle's), as
-    // if clicked and closed; fewer than 3 leave it open and empty.
-    void SetOutline(const std::vector<QPoint>& vertices);
     // Releases taken with the polygon tool.
     int UpCount() const { return m_nClick; }
 

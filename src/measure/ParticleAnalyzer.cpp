@@ -2,7 +2,8 @@
 
 #include "image/BinaryWatershed.h"
 #include "measure/CGVLElemMgr.h"
-#include "measure/CGVLPolygon.h"
+#include "measure/CGVLShape.h"
+#include "measure/ShapeKinds.h"
 #include "platform/NumberText.h"
 
 #include <QStringList>
@@ -222,17 +223,17 @@ ParticleResult AnalyzeParticles(
 
 std::size_t AddOutlineShapes(CGVLElemMgr& mgr, const std::vector<Particle>& particles)
 {
-    const auto lock = mgr.Lock();
-    std::size_t added = 0;
+    const ShapeKind* polygonKind = FindShapeKind(int(ShapeType::Polygon));
+    std::vector<std::unique_ptr<CGVLShape>> outlines;
+    outlines.reserve(particles.size());
     for (const Particle& particle : particles) {
-        if (particle.outline.size() < 3)
-            continue;
-        auto* polygon = dynamic_cast<CGVLPolygon*>(mgr.CreateShape(ShapeType::Polygon));
-        if (!polygon)
-            continue;
-        polygon->SetOutline(particle.outline);
-        ++added;
+        std::unique_ptr<CGVLShape> polygon = polygonKind->factory.make(mgr);
+        if (polygon->TakeStoredPoints(particle.outline))
+            outlines.push_back(std::move(polygon));
     }
+    const std::size_t added = outlines.size();
+    // All at once: thousands of outlines cost one change and one repaint.
+    mgr.AppendShapes(std::move(outlines));
     return added;
 }
 

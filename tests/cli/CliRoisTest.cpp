@@ -149,17 +149,13 @@ TEST_F(CliRois, ImageJMadeRoisBecomeShapes)
         const int made = ImageJRois::ToShapes(mgr, *rois, &skipped);
         if (QLatin1String(name) == QLatin1String("one.roi")) {
             EXPECT_EQ(made, 1);
-            EXPECT_EQ(ShapesToJson(mgr), QByteArray(R"([{"points":[[5,5],[25,5],[25,25]],"type":5}])"));
+            EXPECT_EQ(ShapesToJson(mgr), QByteArray("[[5,5,5,25,5,25,25]]"));
             continue;
         }
         EXPECT_EQ(made, 6);
         EXPECT_EQ(skipped, 1) << "the ellipse";
         EXPECT_EQ(ShapesToJson(mgr),
-            QByteArray(
-                R"([{"points":[[10,20],[110,20]],"type":2},)"
-                R"({"points":[[20,30],[60,30],[20,80],[60,80]],"type":4},)"
-                R"({"points":[[100,100],[160,100],[130,150]],"type":5},)"
-                R"({"points":[[230,80],[260,80]],"type":6},)"
-                R"({"points":[[10,150],[60,150],[10,100]],"type":3},{"points":[[250,180]],"type":1}])"));
+            QByteArray("[[2,10,20,110,20],[4,20,30,60,30,20,80,60,80],[5,100,100,160,100,130,150],"
+                       "[6,230,80,260,80],[3,10,150,60,150,10,100],[1,250,180]]"));
     }
 }

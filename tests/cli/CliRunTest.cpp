@@ -6,6 +6,7 @@
 #include "TestFiles.h"
 #include "calibration/SvrFile.h"
 #include "capture/CSimScene.h"
+#include "image/PictureXmp.h"
 #include "image/ProcessChain.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/MeasurementXmp.h"
@@ -495,6 +496,43 @@ TEST_F(CliMeasure, ReproducesTheProgramsExportPerPicture)
     EXPECT_ONE_ERROR(Run({ "measure", Path("a.jpg"), "--csv", Path("full.csv") }, false, 20), 1,
         "cannot write " + Path("full.csv") + ": no more room for the file");
     EXPECT_EQ(Files(), QStringList({ "a.jpg", "all.csv", "b.csv", "b.png", "plain.bmp", "plain.png" }));
+}
+
+// Pictures from strangers: an invalid calibration is said on stderr and the
+// settings' is used; 20,000 shapes with some beyond reach are exported with
+// a note; shapes that are all damaged are no measurements (exit 1).
+TEST_F(CliMeasure, HostilePicturesAreReadWithAReasonOrRefused)
+{
+    SavePlain("strange.jpg");
+    ASSERT_TRUE(PictureXmp::Write(Path("strange.jpg"),
+        { { "Unit", "-7" }, { "XPerPixel", "nan" }, { "YPerPixel", "1" },
+            { "Shapes", "[[2,10,10,150,10]]" } }));
+    const CliRun strange = Run({ "measure", Path("strange.jpg") }, false);
+    EXPECT_EQ(strange.code, 0) << strange.err.toStdString();
+    EXPECT_EQ(strange.err.toStdString(),
+        ("oculix-cli: " + Path("strange.jpg")
+            + ": this picture's calibration is not valid; the current calibration is used\n")
+            .toStdString());
+    EXPECT_TRUE(strange.out.contains("1,Line distance,28.0, mm")) << strange.out.toStdString();
+
+    QByteArray many = "[";
+    for (int i = 0; i < 20000; ++i)
+        many += "[11," + QByteArray::number(i % 300) + "," + QByteArray::number(i / 300) + "],";
+    many += "[2,2147483647,0,5,5],[5,1,1,1e308,4,9,9]]";
+    SavePlain("many.png");
+    ASSERT_TRUE(PictureXmp::Write(Path("many.png"), { { "Shapes", QString::fromLatin1(many) } }));
+    const CliRun large = Run({ "measure", Path("many.png") }, false);
+    EXPECT_EQ(large.code, 0) << large.err.toStdString();
+    EXPECT_EQ(large.out.count('\n'), 1) << "markers have no rows";
+    EXPECT_ONE_ERROR(large, 0, "2 stored shapes were left out: 2 with coordinates beyond 100000 pixels");
+
+    SavePlain("damaged.jpg");
+    ASSERT_TRUE(PictureXmp::Write(Path("damaged.jpg"), { { "Shapes", "[[[[[[" } }));
+    const CliRun damaged = Run({ "measure", Path("damaged.jpg") }, false);
+    EXPECT_EQ(damaged.code, 1);
+    EXPECT_TRUE(damaged.err.contains("1 damaged or of a kind this program does not know"))
+        << damaged.err.toStdString();
+    EXPECT_TRUE(damaged.err.contains("no measurements stored in this picture")) << damaged.err.toStdString();
 }
 
 TEST_F(CliCalibrate, FindsTheSimulatedCamerasPitchWithinItsUncertainty)
