@@ -2,6 +2,7 @@
 # Writes translations from a table into the .ts files: fill-translations.py TABLE.py
 # TABLE.py defines T = {(context, source): (french, chinese)}. Entries the
 # table does not know stay unfinished, for the translation check to report.
+import subprocess
 import sys
 import xml.etree.ElementTree as ET
 from pathlib import Path
@@ -46,3 +47,7 @@ for index, name in ((0, "oculix_fr.ts"), (1, "oculix_zh_CN.ts")):
         tree.write(out, encoding="utf-8", xml_declaration=False)
         out.write(b"\n")
     print(f"{name}: {missing} left")
+# ElementTree writes the files in its own form (quotes unescaped); lupdate
+# writes them back in the one the repository keeps, so a diff shows only the
+# new translations.
+subprocess.run([str(root.parent.parent / "tools" / "update-translations.sh")], check=True)

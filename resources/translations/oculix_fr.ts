@@ -13,7 +13,7 @@
     </message>
     <message>
         <source>User manual</source>
-        <translation>Manuel d&apos;utilisation</translation>
+        <translation>Manuel d'utilisation</translation>
     </message>
 </context>
 <context>
@@ -35,7 +35,7 @@
     <name>CCameraControls</name>
     <message>
         <source>The camera has no device node.</source>
-        <translation>La caméra n&apos;a pas de fichier de périphérique.</translation>
+        <translation>La caméra n'a pas de fichier de périphérique.</translation>
     </message>
 </context>
 <context>
@@ -109,11 +109,11 @@
     </message>
     <message>
         <source>Division value</source>
-        <translation>Valeur d&apos;une division</translation>
+        <translation>Valeur d'une division</translation>
     </message>
     <message>
         <source>No picture</source>
-        <translation>Pas d&apos;image</translation>
+        <translation>Pas d'image</translation>
     </message>
 </context>
 <context>
@@ -190,7 +190,7 @@
     <name>CMainFrame</name>
     <message>
         <source>Already having one instance running!</source>
-        <translation>Une instance est déjà en cours d&apos;exécution !</translation>
+        <translation>Une instance est déjà en cours d'exécution !</translation>
     </message>
 </context>
 <context>
@@ -233,19 +233,27 @@
     </message>
     <message>
         <source>The user manual %1 is missing. Reinstall the program to get it back.</source>
-        <translation>Le manuel d&apos;utilisation %1 est introuvable. Réinstallez le programme pour le retrouver.</translation>
+        <translation>Le manuel d'utilisation %1 est introuvable. Réinstallez le programme pour le retrouver.</translation>
     </message>
     <message>
         <source>No program to show %1 was found. Install a PDF viewer.</source>
-        <translation>Aucun programme pour afficher %1 n&apos;a été trouvé. Installez un lecteur PDF.</translation>
+        <translation>Aucun programme pour afficher %1 n'a été trouvé. Installez un lecteur PDF.</translation>
     </message>
     <message>
         <source>No file manager could show %1.</source>
-        <translation>Aucun gestionnaire de fichiers n&apos;a pu afficher %1.</translation>
+        <translation>Aucun gestionnaire de fichiers n'a pu afficher %1.</translation>
     </message>
     <message>
-        <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
+        <source>Camera connected: %1. "New Preview" shows its video.</source>
         <translation>Caméra connectée : %1. « Nouvel aperçu » affiche sa vidéo.</translation>
+    </message>
+    <message>
+        <source>Oculix is already running but does not answer. Close it, or end it if it hangs, then start Oculix again.</source>
+        <translation>Oculix est déjà en cours d'exécution mais ne répond pas. Fermez-le, ou arrêtez-le s'il est bloqué, puis relancez Oculix.</translation>
+    </message>
+    <message>
+        <source>Oculix</source>
+        <translation>Oculix</translation>
     </message>
 </context>
 <context>
@@ -309,7 +317,7 @@ texte</translation>
     </message>
     <message>
         <source>The camera has not delivered a picture yet. Try again in a moment.</source>
-        <translation>La caméra n&apos;a pas encore fourni d&apos;image. Réessayez dans un instant.</translation>
+        <translation>La caméra n'a pas encore fourni d'image. Réessayez dans un instant.</translation>
     </message>
     <message>
         <source>Capture</source>
@@ -318,7 +326,7 @@ texte</translation>
     <message>
         <source>Cannot open the picture %1:
 %2</source>
-        <translation>Impossible d&apos;ouvrir l&apos;image %1 :
+        <translation>Impossible d'ouvrir l'image %1 :
 %2</translation>
     </message>
     <message>
@@ -328,7 +336,7 @@ texte</translation>
     <message>
         <source>Cannot write the measurement data to %1:
 %2</source>
-        <translation>Impossible d&apos;écrire les données de mesure dans %1 :
+        <translation>Impossible d'écrire les données de mesure dans %1 :
 %2</translation>
     </message>
     <message>
@@ -336,8 +344,8 @@ texte</translation>
         <translation>Exporter</translation>
     </message>
     <message>
-        <source>The camera &quot;%1&quot; is not connected. Plug it in again to go on with the live video.</source>
-        <translation>La caméra « %1 » n&apos;est pas connectée. Rebranchez-la pour reprendre la vidéo en direct.</translation>
+        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
+        <translation>La caméra « %1 » n'est pas connectée. Rebranchez-la pour reprendre la vidéo en direct.</translation>
     </message>
     <message>
         <source>Preview</source>
@@ -362,6 +370,180 @@ texte</translation>
     <message>
         <source>Failed to write JPEG file Summary information!</source>
         <translation>Impossible d’écrire le résumé du fichier JPEG !</translation>
+    </message>
+    <message>
+        <source>the picture was saved but its measurements could not be kept: %1</source>
+        <translation>l'image a été enregistrée, mais ses mesures n'ont pas pu être conservées : %1</translation>
+    </message>
+    <message>
+        <source>this picture's calibration is not valid; the current calibration is used</source>
+        <translation>l'étalonnage de cette image n'est pas valide ; l'étalonnage actuel est utilisé</translation>
+    </message>
+    <message>
+        <source>Some measurements of this picture are not shown: %1</source>
+        <translation>Certaines mesures de cette image ne sont pas affichées : %1</translation>
+    </message>
+    <message>
+        <source>No picture from the camera to analyze.</source>
+        <translation>Aucune image de la caméra à analyser.</translation>
+    </message>
+    <message>
+        <source>Analyze Particles</source>
+        <translation>Analyser les particules</translation>
+    </message>
+    <message>
+        <source>Export ImageJ ROIs</source>
+        <translation>Exporter les ROI ImageJ</translation>
+    </message>
+    <message>
+        <source>ImageJ ROI set (*.zip)</source>
+        <translation>Ensemble de ROI ImageJ (*.zip)</translation>
+    </message>
+    <message>
+        <source>Import ImageJ ROIs</source>
+        <translation>Importer des ROI ImageJ</translation>
+    </message>
+    <message>
+        <source>ImageJ ROIs (*.zip *.roi)</source>
+        <translation>ROI ImageJ (*.zip *.roi)</translation>
+    </message>
+    <message>
+        <source>There are no shapes to export.</source>
+        <translation>Il n'y a aucune forme à exporter.</translation>
+    </message>
+    <message>
+        <source>Cannot write %1:
+%2</source>
+        <translation>Impossible d'écrire %1 :
+%2</translation>
+    </message>
+    <message>
+        <source>The file is too large for ROIs.</source>
+        <translation>Le fichier est trop grand pour des ROI.</translation>
+    </message>
+    <message>
+        <source>Cannot import %1:
+%2</source>
+        <translation>Impossible d'importer %1 :
+%2</translation>
+    </message>
+    <message>
+        <source>%1 of the %2 ROIs have no kind of shape here (ellipses, open lines, composite shapes) and were left out.</source>
+        <translation>%1 des %2 ROI n'ont pas de forme correspondante ici (ellipses, lignes ouvertes, formes composées) et ont été ignorées.</translation>
+    </message>
+</context>
+<context>
+    <name>CParticleResultsDlg</name>
+    <message>
+        <source>Particles</source>
+        <translation>Particules</translation>
+    </message>
+    <message>
+        <source>No.</source>
+        <translation>N°</translation>
+    </message>
+    <message>
+        <source>Area (%1)</source>
+        <translation>Aire (%1)</translation>
+    </message>
+    <message>
+        <source>Perimeter (%1)</source>
+        <translation>Périmètre (%1)</translation>
+    </message>
+    <message>
+        <source>Diameter (%1)</source>
+        <translation>Diamètre (%1)</translation>
+    </message>
+    <message>
+        <source>Circularity</source>
+        <translation>Circularité</translation>
+    </message>
+    <message>
+        <source>X (%1)</source>
+        <translation>X (%1)</translation>
+    </message>
+    <message>
+        <source>Y (%1)</source>
+        <translation>Y (%1)</translation>
+    </message>
+    <message>
+        <source>%1 particles, mean area %2 %3 (standard deviation %4), total %5 %3, %6 % of the picture</source>
+        <translation>%1 particules, aire moyenne %2 %3 (écart type %4), total %5 %3, %6 % de l'image</translation>
+    </message>
+    <message>
+        <source>Export CSV...</source>
+        <translation>Exporter en CSV...</translation>
+    </message>
+    <message>
+        <source>Cannot write %1: %2</source>
+        <translation>Impossible d'écrire %1 : %2</translation>
+    </message>
+    <message>
+        <source>Export CSV</source>
+        <translation>Exporter en CSV</translation>
+    </message>
+    <message>
+        <source>CSV (*.csv)</source>
+        <translation>CSV (*.csv)</translation>
+    </message>
+    <message>
+        <source>Area %1 to %2 %3, %4 classes</source>
+        <translation>Aire de %1 à %2 %3, %4 classes</translation>
+    </message>
+</context>
+<context>
+    <name>CParticlesDlg</name>
+    <message>
+        <source>Analyze Particles</source>
+        <translation>Analyser les particules</translation>
+    </message>
+    <message>
+        <source>Gray levels from-to</source>
+        <translation>Niveaux de gris de-à</translation>
+    </message>
+    <message>
+        <source>Automatic (Otsu)</source>
+        <translation>Automatique (Otsu)</translation>
+    </message>
+    <message>
+        <source>Automatic (ImageJ default)</source>
+        <translation>Automatique (par défaut d'ImageJ)</translation>
+    </message>
+    <message>
+        <source>Automatic (Triangle)</source>
+        <translation>Automatique (Triangle)</translation>
+    </message>
+    <message>
+        <source>Dark particles on a light background</source>
+        <translation>Particules sombres sur fond clair</translation>
+    </message>
+    <message>
+        <source>Exclude particles on the edges</source>
+        <translation>Exclure les particules au bord</translation>
+    </message>
+    <message>
+        <source>Include holes</source>
+        <translation>Inclure les trous</translation>
+    </message>
+    <message>
+        <source>Split touching particles</source>
+        <translation>Séparer les particules qui se touchent</translation>
+    </message>
+    <message>
+        <source>Threshold:</source>
+        <translation>Seuil :</translation>
+    </message>
+    <message>
+        <source>Gray levels:</source>
+        <translation>Niveaux de gris :</translation>
+    </message>
+    <message>
+        <source>Area (pixels):</source>
+        <translation>Aire (pixels) :</translation>
+    </message>
+    <message>
+        <source>Circularity:</source>
+        <translation>Circularité :</translation>
     </message>
 </context>
 <context>
@@ -533,11 +715,11 @@ texte</translation>
     </message>
     <message>
         <source>Apply selected item to camera parameter</source>
-        <translation>Appliquer l&apos;élément choisi aux réglages de la caméra</translation>
+        <translation>Appliquer l'élément choisi aux réglages de la caméra</translation>
     </message>
     <message>
         <source>Delete selected item from list</source>
-        <translation>Supprimer l&apos;élément choisi de la liste</translation>
+        <translation>Supprimer l'élément choisi de la liste</translation>
     </message>
     <message>
         <source>Name</source>
@@ -545,7 +727,7 @@ texte</translation>
     </message>
     <message>
         <source>Select One item first</source>
-        <translation>Choisissez d&apos;abord un élément</translation>
+        <translation>Choisissez d'abord un élément</translation>
     </message>
     <message>
         <source>Hint</source>
@@ -592,7 +774,7 @@ texte</translation>
     </message>
     <message>
         <source>Image Ruler(pixel)</source>
-        <translation>Règle de l&apos;image (pixels)</translation>
+        <translation>Règle de l'image (pixels)</translation>
     </message>
     <message>
         <source>Pause mode measure</source>
@@ -616,7 +798,7 @@ texte</translation>
     </message>
     <message>
         <source>There is no picture to look for a micrometer in.</source>
-        <translation>Il n&apos;y a pas d&apos;image dans laquelle chercher un micromètre.</translation>
+        <translation>Il n'y a pas d'image dans laquelle chercher un micromètre.</translation>
     </message>
 </context>
 <context>
@@ -756,7 +938,7 @@ texte</translation>
     </message>
     <message>
         <source>Close the active imaget</source>
-        <translation>Fermer l&apos;image active</translation>
+        <translation>Fermer l'image active</translation>
     </message>
     <message>
         <source>E&amp;xit</source>
@@ -764,19 +946,19 @@ texte</translation>
     </message>
     <message>
         <source>&amp;Status Bar</source>
-        <translation>Barre d&apos;é&amp;tat</translation>
+        <translation>Barre d'é&amp;tat</translation>
     </message>
     <message>
         <source>Show or hide the status bar</source>
-        <translation>Afficher ou masquer la barre d&apos;état</translation>
+        <translation>Afficher ou masquer la barre d'état</translation>
     </message>
     <message>
         <source>&amp;Tool Bar</source>
-        <translation>&amp;Barre d&apos;outils</translation>
+        <translation>&amp;Barre d'outils</translation>
     </message>
     <message>
         <source>Show or hide the toolbar</source>
-        <translation>Afficher ou masquer la barre d&apos;outils</translation>
+        <translation>Afficher ou masquer la barre d'outils</translation>
     </message>
     <message>
         <source>&amp;Process Bar</source>
@@ -828,7 +1010,7 @@ texte</translation>
     </message>
     <message>
         <source>Flip image horizontal </source>
-        <translation>Retourner l&apos;image horizontalement</translation>
+        <translation>Retourner l'image horizontalement</translation>
     </message>
     <message>
         <source>Flip &amp;Vertical</source>
@@ -836,7 +1018,7 @@ texte</translation>
     </message>
     <message>
         <source>Flip image vertical</source>
-        <translation>Retourner l&apos;image verticalement</translation>
+        <translation>Retourner l'image verticalement</translation>
     </message>
     <message>
         <source>&amp;Gray</source>
@@ -868,7 +1050,7 @@ texte</translation>
     </message>
     <message>
         <source>Sharpen image</source>
-        <translation>Renforcer la netteté de l&apos;image</translation>
+        <translation>Renforcer la netteté de l'image</translation>
     </message>
     <message>
         <source>&amp;Binary</source>
@@ -1056,7 +1238,7 @@ texte</translation>
     </message>
     <message>
         <source>Zoom display</source>
-        <translation>Zoom de l&apos;affichage</translation>
+        <translation>Zoom de l'affichage</translation>
     </message>
     <message>
         <source>&amp;Cascade</source>
@@ -1076,7 +1258,7 @@ texte</translation>
     </message>
     <message>
         <source>How to use</source>
-        <translation>Mode d&apos;emploi</translation>
+        <translation>Mode d'emploi</translation>
     </message>
     <message>
         <source>&amp;About...</source>
@@ -1087,7 +1269,7 @@ texte</translation>
         <translation>Ouvrir le dossier des &amp;images</translation>
     </message>
     <message>
-        <source>Open pictures&apos; saved folder</source>
+        <source>Open pictures' saved folder</source>
         <translation>Ouvrir le dossier des images enregistrées</translation>
     </message>
     <message>
@@ -1104,15 +1286,15 @@ texte</translation>
     </message>
     <message>
         <source>Help content</source>
-        <translation>Contenu de l&apos;aide</translation>
+        <translation>Contenu de l'aide</translation>
     </message>
     <message>
         <source>Print and &amp;Help Bar</source>
-        <translation>Barre d&apos;impression et d&apos;&amp;aide</translation>
+        <translation>Barre d'impression et d'&amp;aide</translation>
     </message>
     <message>
         <source>Show or hide the print and help bar</source>
-        <translation>Afficher ou masquer la barre d&apos;impression et d&apos;aide</translation>
+        <translation>Afficher ou masquer la barre d'impression et d'aide</translation>
     </message>
     <message>
         <source>&amp;Rgb</source>
@@ -1192,7 +1374,7 @@ texte</translation>
     </message>
     <message>
         <source>Redo the previously undone action</source>
-        <translation>Rétablir l&apos;action annulée</translation>
+        <translation>Rétablir l'action annulée</translation>
     </message>
     <message>
         <source>Snap to &amp;Edges</source>
@@ -1200,22 +1382,46 @@ texte</translation>
     </message>
     <message>
         <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
-        <translation>Placer les extrémités des lignes et le bord des cercles sur le contour le plus proche de l&apos;image</translation>
+        <translation>Placer les extrémités des lignes et le bord des cercles sur le contour le plus proche de l'image</translation>
+    </message>
+    <message>
+        <source>Analyze &amp;Particles...</source>
+        <translation>Analyser les &amp;particules...</translation>
+    </message>
+    <message>
+        <source>Count and size the particles of the picture</source>
+        <translation>Compter et mesurer les particules de l'image</translation>
+    </message>
+    <message>
+        <source>Export ImageJ &amp;ROIs...</source>
+        <translation>Exporter les &amp;ROI ImageJ...</translation>
+    </message>
+    <message>
+        <source>Save the shapes as a ROI set that ImageJ opens and measures</source>
+        <translation>Enregistrer les formes comme ensemble de ROI qu'ImageJ ouvre et mesure</translation>
+    </message>
+    <message>
+        <source>&amp;Import ImageJ ROIs...</source>
+        <translation>&amp;Importer des ROI ImageJ...</translation>
+    </message>
+    <message>
+        <source>Add the ROIs of an ImageJ ROI set or .roi file</source>
+        <translation>Ajouter les ROI d'un ensemble de ROI ImageJ ou d'un fichier .roi</translation>
     </message>
 </context>
 <context>
     <name>CommandLine</name>
     <message>
         <source>Use the simulated camera instead of a real one.</source>
-        <translation>Utiliser la caméra simulée au lieu d&apos;une vraie caméra.</translation>
+        <translation>Utiliser la caméra simulée au lieu d'une vraie caméra.</translation>
     </message>
     <message>
         <source>Show this help.</source>
         <translation>Afficher cette aide.</translation>
     </message>
     <message>
-        <source>Measure on a microscope camera&apos;s live picture.</source>
-        <translation>Mesurer sur l&apos;image en direct d&apos;une caméra de microscope.</translation>
+        <source>Measure on a microscope camera's live picture.</source>
+        <translation>Mesurer sur l'image en direct d'une caméra de microscope.</translation>
     </message>
     <message>
         <source>Picture file to open.</source>
@@ -1230,7 +1436,7 @@ texte</translation>
     </message>
     <message>
         <source>No preview</source>
-        <translation>Pas d&apos;aperçu</translation>
+        <translation>Pas d'aperçu</translation>
     </message>
     <message>
         <source>%1 x %2, %3 bits</source>
@@ -1241,31 +1447,31 @@ texte</translation>
     <name>FCObjImage</name>
     <message>
         <source>Invalid picture size or depth</source>
-        <translation>Taille ou profondeur d&apos;image non valide</translation>
+        <translation>Taille ou profondeur d'image non valide</translation>
     </message>
     <message>
         <source>Not enough memory for the picture</source>
-        <translation>Mémoire insuffisante pour l&apos;image</translation>
+        <translation>Mémoire insuffisante pour l'image</translation>
     </message>
     <message>
         <source>Invalid picture size</source>
-        <translation>Taille d&apos;image non valide</translation>
+        <translation>Taille d'image non valide</translation>
     </message>
     <message>
         <source>Not enough memory to resize the picture</source>
-        <translation>Mémoire insuffisante pour redimensionner l&apos;image</translation>
+        <translation>Mémoire insuffisante pour redimensionner l'image</translation>
     </message>
     <message>
         <source>No picture</source>
-        <translation>Pas d&apos;image</translation>
+        <translation>Pas d'image</translation>
     </message>
     <message>
         <source>The picture is too large</source>
-        <translation>L&apos;image est trop grande</translation>
+        <translation>L'image est trop grande</translation>
     </message>
     <message>
         <source>No picture to save</source>
-        <translation>Pas d&apos;image à enregistrer</translation>
+        <translation>Pas d'image à enregistrer</translation>
     </message>
 </context>
 <context>
@@ -1326,7 +1532,7 @@ texte</translation>
     <message>
         <source>Cannot open %1.
 %2</source>
-        <translation>Impossible d&apos;ouvrir %1.
+        <translation>Impossible d'ouvrir %1.
 %2</translation>
     </message>
     <message>
@@ -1338,7 +1544,7 @@ texte</translation>
     <message>
         <source>Cannot write %1.
 %2</source>
-        <translation>Impossible d&apos;écrire %1.
+        <translation>Impossible d'écrire %1.
 %2</translation>
     </message>
 </context>

@@ -244,8 +244,16 @@
         <translation>没有文件管理器可以显示 %1。</translation>
     </message>
     <message>
-        <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
+        <source>Camera connected: %1. "New Preview" shows its video.</source>
         <translation>相机已连接：%1。“新建预览”可显示其视频。</translation>
+    </message>
+    <message>
+        <source>Oculix is already running but does not answer. Close it, or end it if it hangs, then start Oculix again.</source>
+        <translation>Oculix 已在运行，但没有响应。请关闭它（如果它已挂起，请结束它），然后重新启动 Oculix。</translation>
+    </message>
+    <message>
+        <source>Oculix</source>
+        <translation>Oculix</translation>
     </message>
 </context>
 <context>
@@ -336,7 +344,7 @@ Background</source>
         <translation>导出</translation>
     </message>
     <message>
-        <source>The camera &quot;%1&quot; is not connected. Plug it in again to go on with the live video.</source>
+        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
         <translation>相机“%1”未连接。请重新插入以继续实时视频。</translation>
     </message>
     <message>
@@ -362,6 +370,180 @@ Background</source>
     <message>
         <source>Failed to write JPEG file Summary information!</source>
         <translation>写入 JPEG 文件摘要信息失败！</translation>
+    </message>
+    <message>
+        <source>the picture was saved but its measurements could not be kept: %1</source>
+        <translation>图片已保存，但无法保留其测量数据：%1</translation>
+    </message>
+    <message>
+        <source>this picture's calibration is not valid; the current calibration is used</source>
+        <translation>此图片的校准无效；将使用当前校准</translation>
+    </message>
+    <message>
+        <source>Some measurements of this picture are not shown: %1</source>
+        <translation>此图片的部分测量未显示：%1</translation>
+    </message>
+    <message>
+        <source>No picture from the camera to analyze.</source>
+        <translation>没有可分析的相机图像。</translation>
+    </message>
+    <message>
+        <source>Analyze Particles</source>
+        <translation>颗粒分析</translation>
+    </message>
+    <message>
+        <source>Export ImageJ ROIs</source>
+        <translation>导出 ImageJ ROI</translation>
+    </message>
+    <message>
+        <source>ImageJ ROI set (*.zip)</source>
+        <translation>ImageJ ROI 集 (*.zip)</translation>
+    </message>
+    <message>
+        <source>Import ImageJ ROIs</source>
+        <translation>导入 ImageJ ROI</translation>
+    </message>
+    <message>
+        <source>ImageJ ROIs (*.zip *.roi)</source>
+        <translation>ImageJ ROI (*.zip *.roi)</translation>
+    </message>
+    <message>
+        <source>There are no shapes to export.</source>
+        <translation>没有可导出的图形。</translation>
+    </message>
+    <message>
+        <source>Cannot write %1:
+%2</source>
+        <translation>无法写入 %1：
+%2</translation>
+    </message>
+    <message>
+        <source>The file is too large for ROIs.</source>
+        <translation>文件过大，不是 ROI 文件。</translation>
+    </message>
+    <message>
+        <source>Cannot import %1:
+%2</source>
+        <translation>无法导入 %1：
+%2</translation>
+    </message>
+    <message>
+        <source>%1 of the %2 ROIs have no kind of shape here (ellipses, open lines, composite shapes) and were left out.</source>
+        <translation>%2 个 ROI 中有 %1 个在此没有对应的图形（椭圆、开放折线、组合图形），已被略过。</translation>
+    </message>
+</context>
+<context>
+    <name>CParticleResultsDlg</name>
+    <message>
+        <source>Particles</source>
+        <translation>颗粒</translation>
+    </message>
+    <message>
+        <source>No.</source>
+        <translation>序号</translation>
+    </message>
+    <message>
+        <source>Area (%1)</source>
+        <translation>面积 (%1)</translation>
+    </message>
+    <message>
+        <source>Perimeter (%1)</source>
+        <translation>周长 (%1)</translation>
+    </message>
+    <message>
+        <source>Diameter (%1)</source>
+        <translation>直径 (%1)</translation>
+    </message>
+    <message>
+        <source>Circularity</source>
+        <translation>圆度</translation>
+    </message>
+    <message>
+        <source>X (%1)</source>
+        <translation>X (%1)</translation>
+    </message>
+    <message>
+        <source>Y (%1)</source>
+        <translation>Y (%1)</translation>
+    </message>
+    <message>
+        <source>%1 particles, mean area %2 %3 (standard deviation %4), total %5 %3, %6 % of the picture</source>
+        <translation>%1 个颗粒，平均面积 %2 %3（标准差 %4），总面积 %5 %3，占图像 %6 %</translation>
+    </message>
+    <message>
+        <source>Export CSV...</source>
+        <translation>导出 CSV...</translation>
+    </message>
+    <message>
+        <source>Cannot write %1: %2</source>
+        <translation>无法写入 %1：%2</translation>
+    </message>
+    <message>
+        <source>Export CSV</source>
+        <translation>导出 CSV</translation>
+    </message>
+    <message>
+        <source>CSV (*.csv)</source>
+        <translation>CSV (*.csv)</translation>
+    </message>
+    <message>
+        <source>Area %1 to %2 %3, %4 classes</source>
+        <translation>面积 %1 至 %2 %3，共 %4 组</translation>
+    </message>
+</context>
+<context>
+    <name>CParticlesDlg</name>
+    <message>
+        <source>Analyze Particles</source>
+        <translation>颗粒分析</translation>
+    </message>
+    <message>
+        <source>Gray levels from-to</source>
+        <translation>灰度范围</translation>
+    </message>
+    <message>
+        <source>Automatic (Otsu)</source>
+        <translation>自动（Otsu）</translation>
+    </message>
+    <message>
+        <source>Automatic (ImageJ default)</source>
+        <translation>自动（ImageJ 默认）</translation>
+    </message>
+    <message>
+        <source>Automatic (Triangle)</source>
+        <translation>自动（三角法）</translation>
+    </message>
+    <message>
+        <source>Dark particles on a light background</source>
+        <translation>亮背景上的暗颗粒</translation>
+    </message>
+    <message>
+        <source>Exclude particles on the edges</source>
+        <translation>排除边缘上的颗粒</translation>
+    </message>
+    <message>
+        <source>Include holes</source>
+        <translation>包含孔洞</translation>
+    </message>
+    <message>
+        <source>Split touching particles</source>
+        <translation>分离相互接触的颗粒</translation>
+    </message>
+    <message>
+        <source>Threshold:</source>
+        <translation>阈值：</translation>
+    </message>
+    <message>
+        <source>Gray levels:</source>
+        <translation>灰度：</translation>
+    </message>
+    <message>
+        <source>Area (pixels):</source>
+        <translation>面积（像素）：</translation>
+    </message>
+    <message>
+        <source>Circularity:</source>
+        <translation>圆度：</translation>
     </message>
 </context>
 <context>
@@ -1087,7 +1269,7 @@ Background</source>
         <translation>打开图片文件夹(&amp;P)</translation>
     </message>
     <message>
-        <source>Open pictures&apos; saved folder</source>
+        <source>Open pictures' saved folder</source>
         <translation>打开已保存图片的文件夹</translation>
     </message>
     <message>
@@ -1202,6 +1384,30 @@ Background</source>
         <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
         <translation>将直线的端点和圆周放到图像上最近的边缘</translation>
     </message>
+    <message>
+        <source>Analyze &amp;Particles...</source>
+        <translation>颗粒分析(&amp;P)...</translation>
+    </message>
+    <message>
+        <source>Count and size the particles of the picture</source>
+        <translation>统计并测量图像中的颗粒</translation>
+    </message>
+    <message>
+        <source>Export ImageJ &amp;ROIs...</source>
+        <translation>导出 ImageJ ROI(&amp;R)...</translation>
+    </message>
+    <message>
+        <source>Save the shapes as a ROI set that ImageJ opens and measures</source>
+        <translation>将图形保存为 ImageJ 可打开并测量的 ROI 集</translation>
+    </message>
+    <message>
+        <source>&amp;Import ImageJ ROIs...</source>
+        <translation>导入 ImageJ ROI(&amp;I)...</translation>
+    </message>
+    <message>
+        <source>Add the ROIs of an ImageJ ROI set or .roi file</source>
+        <translation>添加 ImageJ ROI 集或 .roi 文件中的 ROI</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1214,7 +1420,7 @@ Background</source>
         <translation>显示此帮助。</translation>
     </message>
     <message>
-        <source>Measure on a microscope camera&apos;s live picture.</source>
+        <source>Measure on a microscope camera's live picture.</source>
         <translation>在显微镜相机的实时画面上测量。</translation>
     </message>
     <message>

@@ -121,10 +121,18 @@ bool CMeasureApp::InitInstance(const QStringList& arguments)
     if (m_cmdInfo.m_bDemoCamera)
         EnableDemoCamera(true);
 
-    // A second copy hands over to the first and ends without a word.
+    // A second copy hands over to the first and ends without a word, unless
+    // the first hangs: two copies would write one settings file.
     m_instance = new CSingleInstance(this);
     if (!m_instance->Acquire()) {
-        qCInfo(lcApp) << "another copy runs: asked it to come forward";
+        if (m_instance->OtherDoesNotAnswer()) {
+            qCInfo(lcApp) << "another copy runs and does not answer: told the user";
+            MessageBox(tr("Oculix is already running but does not answer. Close it, or end it if it hangs, "
+                          "then start Oculix again."),
+                tr("Oculix"), MB_OK | MB_ICONWARNING);
+        } else {
+            qCInfo(lcApp) << "another copy runs: asked it to come forward";
+        }
         return false;
     }
     ScanAttachedCameras();

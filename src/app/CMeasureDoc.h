@@ -7,6 +7,8 @@
 #include "capture/ILiveDocument.h"
 #include "image/FCObjImage.h"
 #include "image/ProcessSwitches.h"
+#include "measure/ParticleAnalyzer.h"
+#include "ui/CParticleResultsDlg.h"
 #include "ui/IMeasureDocument.h"
 
 #include <QByteArray>
@@ -135,13 +137,30 @@ public:
     // writes it (replacing any old file only once the new one is whole), keeps
     // the calibration (and the shapes when not burnt in) as XMP data in JPEG,
     // PNG and TIFF files, and gives ".jpg" files the summary texts. Failures
-    // are told in message boxes; true when the picture was written.
-    bool SaveImage(const QString& path, const SaveOverlay& overlay, const SaveTexts& texts);
+    // are told in message boxes; true when the picture was written, and
+    // `whole` true when its measurements were kept too.
+    bool SaveImage(
+        const QString& path, const SaveOverlay& overlay, const SaveTexts& texts, bool* whole = nullptr);
+    // "Analyze &Particles...": counts and sizes the particles of the picture
+    // (the live one's next frame without the shapes), adds each outline as a
+    // polygon shape, one undo step for all, and shows the results window.
+    // Returns how many were found; -1 when there was no picture.
+    int AnalyzeParticles(const ParticleOptions& options);
+    // The shapes as an ImageJ ROI set (or one .roi); false, told in a
+    // message box, when there is none or the file cannot be written.
+    bool ExportRois(const QString& path);
+    // Adds the ROIs of an ImageJ ROI set or .roi file as shapes, one undo
+    // step; what Oculix has no shape for is told. Returns how many shapes
+    // were made, -1 (told) for a file that is no ROI file.
+    int ImportRois(const QString& path);
+    // The results window of the last analysis while it is open.
+    CParticleResultsDlg* GetParticleResults() const { return m_particleResults; }
     // "&Save": the name comes from the "Save" section; tells where the
-    // picture went, then advances "Suffix". Returns the path.
+    // picture went when all of it was kept, then advances "Suffix". Returns
+    // the path.
     QString QuickSave(SaveVariant variant = SaveVariant::Settings);
     // The quick save without the message, for interval capture.
-    QString SilentQuickSave(SaveVariant variant = SaveVariant::Settings);
+    QString SilentQuickSave(SaveVariant variant = SaveVariant::Settings, bool* whole = nullptr);
     // "Save &As...": CSaveAsDlg, then the save routine.
     void SaveAs(SaveVariant variant = SaveVariant::Settings);
     // 1, 2 or 3 ("1280*1024", "1600*1200", "2048*1536"); anything else is 1.
@@ -157,6 +176,8 @@ public:
     static int RunningOverlayWorkers() { return COverlayWorker::Running(); }
     // How many overlays the worker has published (tests, diagnostics).
     unsigned OverlaysDrawn() const { return m_overlay.OverlaysDrawn(); }
+    // How many passes the worker has made, drawn or not (tests).
+    unsigned OverlayPasses() const { return m_overlay.Passes(); }
 
     // Asks for the CSV path with the proposed name (no extension); empty
     // cancels. Replaceable as a whole (tests); returns the previous one.
@@ -179,6 +200,9 @@ private:
     void ReadSettings();
     void MapSaveCommands();
     void MapSnapCommand();
+    void MapParticlesCommand();
+    // The live document's next frame, with or without the shapes blended in.
+    bool GrabLiveFrame(FCObjImage& frame, bool withShapes);
     void ReadMeasurementXmp(const QString& path);
     void WriteSettings() const;
     void MapCommands();
@@ -222,6 +246,7 @@ private:
     std::unique_ptr<CGVLElemMgr> m_pElemMgr;
     // Its steps copy the manager's shapes; it goes before the manager.
     std::unique_ptr<CShapeHistory> m_pHistory;
+    QPointer<CParticleResultsDlg> m_particleResults;
     CXCapGraph m_graph;
     QString m_settingsFile;
     QPointer<QWidget> m_videoOwner;

@@ -96,6 +96,7 @@ void CMeasureDoc::MapCommands()
             MapTool(command.id, int(command.tool));
     }
     MapSnapCommand();
+    MapParticlesCommand();
     MapCommand(ID_MEASURE_DELETE_ALL, [this] { DeleteAll(); });
     MapUpdate(ID_MEASURE_DELETE_ALL, [this](CCmdUI& ui) { ui.Enable(CanDraw()); });
 

@@ -79,20 +79,22 @@ void CMeasureDoc::SetSaveResolution(int resolution)
 
 QString CMeasureDoc::QuickSave(SaveVariant variant)
 {
-    const QString path = SilentQuickSave(variant);
-    // Shown whatever the save routine reported.
-    MessageBox(tr("Picture has successfully saved to") + QStringLiteral("  ") + path, tr("Hint"));
+    bool whole = false;
+    const QString path = SilentQuickSave(variant, &whole);
+    // A save that lost something has said so; it does not claim success.
+    if (whole)
+        MessageBox(tr("Picture has successfully saved to") + QStringLiteral("  ") + path, tr("Hint"));
     return path;
 }
 
-QString CMeasureDoc::SilentQuickSave(SaveVariant variant)
+QString CMeasureDoc::SilentQuickSave(SaveVariant variant, bool* whole)
 {
     QuickSaveSettings s = QuickSaveSettings::Read(m_settingsFile);
     const QString folder = s.Folder(CurrentAppPaths().m_pictureFolder);
     if (!QDir().mkpath(folder))
         qCWarning(lcApp) << "cannot create the picture folder" << folder;
     const QString path = s.PathIn(folder);
-    SaveImage(path, ApplyVariant(s.overlay, variant), { s.title, {}, s.author, {} });
+    SaveImage(path, ApplyVariant(s.overlay, variant), { s.title, {}, s.author, {} }, whole);
     // The running number moves on whatever the outcome.
     SettingsKeys::WriteInt(SettingsKeys::SaveSuffix, s.suffix + 1, m_settingsFile);
     return path;
@@ -112,22 +114,30 @@ void CMeasureDoc::SaveAs(SaveVariant variant)
     dialog.exec();
 }
 
-bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, const SaveTexts& texts)
+bool CMeasureDoc::GrabLiveFrame(FCObjImage& frame, bool withShapes)
 {
+    // Without the shapes the frame is one the processing element passed with
+    // processing off, so without the overlay. The grabber's last frame may
+    // have passed before the switch: blended, or, right after such a grab,
+    // left unprocessed; the next one is waited for.
+    int processing = 1;
+    m_graph.GetProcessEnable(&processing);
+    if (!withShapes)
+        m_graph.SetProcessEnable(0);
+    const bool grabbed = GrabNextPicture(m_graph, frame, kFrameWait);
+    m_graph.SetProcessEnable(processing);
+    return grabbed;
+}
+
+bool CMeasureDoc::SaveImage(
+    const QString& path, const SaveOverlay& overlay, const SaveTexts& texts, bool* whole)
+{
+    if (whole)
+        *whole = false;
     const bool running = m_bLive && m_bPreviewRunning;
     if (running) {
-        // Without burnt-in shapes the frame is one the processing element
-        // passed with processing off, so without the overlay. The grabber's
-        // last frame may have passed before the switch: blended, or, right
-        // after such a save, left unprocessed; the next one is waited for.
-        int processing = 1;
-        m_graph.GetProcessEnable(&processing);
-        if (!overlay.measure)
-            m_graph.SetProcessEnable(0);
         FCObjImage frame;
-        const bool grabbed = GrabNextPicture(m_graph, frame, kFrameWait);
-        m_graph.SetProcessEnable(processing);
-        if (!grabbed) {
+        if (!GrabLiveFrame(frame, overlay.measure)) {
             // Not the picture of some earlier moment instead.
             qCWarning(lcApp) << "no frame from the camera to save as" << path;
             MessageBox(tr("Save image failed."), tr("Save"), MB_OK | MB_ICONWARNING);
@@ -147,8 +157,14 @@ bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, con
         qCWarning(lcApp) << "save failed:" << saver.ErrorString();
         MessageBox(tr("Save image failed."), tr("Save"), MB_OK | MB_ICONWARNING);
     }
-    if (saver.XmpFailed())
+    if (saver.XmpFailed()) {
         qCWarning(lcApp) << "could not keep the measurements in" << path << ":" << saver.XmpError();
+        MessageBox(
+            tr("the picture was saved but its measurements could not be kept: %1").arg(saver.XmpError()),
+            tr("Save"), MB_OK | MB_ICONWARNING);
+    }
+    if (whole)
+        *whole = saved && !saver.XmpFailed();
     if (saver.SummaryFailed())
         MessageBox(tr("Failed to write JPEG file Summary information!"), tr("Save"), MB_OK | MB_ICONWARNING);
     return saved;
@@ -157,6 +173,9 @@ bool CMeasureDoc::SaveImage(const QString& path, const SaveOverlay& overlay, con
 void CMeasureDoc::ReadMeasurementXmp(const QString& path)
 {
     MeasurementXmp::Stored stored = MeasurementXmp::Read(path);
+    if (stored.invalidUnit)
+        MessageBox(tr("this picture's calibration is not valid; the current calibration is used"), tr("Open"),
+            MB_OK | MB_ICONWARNING);
     CalibrationRecord unit = m_pElemMgr->GetUnit();
     stored.ApplyTo(unit);
     m_pElemMgr->SetUnit(unit);
@@ -175,8 +194,11 @@ void CMeasureDoc::ReadMeasurementXmp(const QString& path)
 int CMeasureDoc::RestoreStoredShapes()
 {
     const QByteArray json = std::exchange(m_storedShapes, {});
-    const int made = json.isEmpty() ? 0 : ShapesFromJson(*m_pElemMgr, json);
+    const ShapesRead read = json.isEmpty() ? ShapesRead {} : ReadShapesJson(*m_pElemMgr, json);
+    if (const QString note = read.Note(); !note.isEmpty())
+        MessageBox(tr("Some measurements of this picture are not shown: %1").arg(note), tr("Open"),
+            MB_OK | MB_ICONWARNING);
     // The document as opened, ruler and all, is where undo stops.
     m_pHistory->Reset();
-    return made;
+    return read.made;
 }

@@ -5,9 +5,11 @@
 
 class QLocalServer;
 
-// One running copy per user: the first copy listens on a local socket, a
-// later one connects, asks the first to come forward and ends. A socket left
-// behind by a copy that crashed answers nobody and is taken over.
+// One running copy per user: the first copy listens on a local socket and
+// names its process id beside it, a later one connects, asks the first to
+// come forward and ends. A socket left behind by a copy that crashed answers
+// nobody and is taken over; one whose copy still lives but does not answer
+// (it hangs) is not, and the later copy ends too.
 class CSingleInstance : public QObject
 {
     Q_OBJECT
@@ -24,8 +26,10 @@ public:
     static QString ServerName();
 
     // True when this copy is now the one instance; false when another copy
-    // runs and has been told to come forward.
+    // runs and has been told to come forward, or does not answer.
     bool Acquire();
+    // After Acquire answered false: the other copy lives but did not answer.
+    bool OtherDoesNotAnswer() const { return m_bNoAnswer; }
     bool IsOwner() const;
     // Frees the name for the next copy; the destructor does it too.
     void Release();
@@ -36,6 +40,10 @@ signals:
 
 private:
     bool TellRunningCopy(const QString& name);
+    // The process id the holder of the socket wrote, while that process
+    // lives and runs this program; else 0.
+    static qint64 LivingHolder(const QString& name);
 
     QLocalServer* m_server = nullptr;
+    bool m_bNoAnswer = false;
 };

@@ -77,6 +77,12 @@ const CommandInfo kCommands[] = {
     { ID_MEASURE_SNAP_EDGES, CMD("Snap to &Edges"),
         CMD("Put the ends of lines and the rims of circles on the nearest edge of the picture"),
         ":/icons/snapedges.svg", true },
+    { ID_MEASURE_PARTICLES, CMD("Analyze &Particles..."), CMD("Count and size the particles of the picture"),
+        ":/icons/particles.svg", false },
+    { ID_MEASURE_EXPORT_ROIS, CMD("Export ImageJ &ROIs..."),
+        CMD("Save the shapes as a ROI set that ImageJ opens and measures"), nullptr, false },
+    { ID_MEASURE_IMPORT_ROIS, CMD("&Import ImageJ ROIs..."),
+        CMD("Add the ROIs of an ImageJ ROI set or .roi file"), nullptr, false },
     { ID_VIEW_CROSSLINE, CMD("&Cross Line"), CMD("Solid crossline"), ":/icons/crossline.svg", true },
     { ID_VIEW_DASHED_CROSSLINE, CMD("Dashed C&ross Line"), CMD("Dashed crossline"),
         ":/icons/dashedcrossline.svg", true },
@@ -123,9 +129,9 @@ constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PR
     ID_VIEW_PRINTHELPBAR, ID_VIEW_STATUS_BAR, S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE,
     ID_VIEW_DASHED_CROSSLINE };
 constexpr std::array kMeasureMenu { ID_MEASURE_MOVE, S, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT,
-    ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S, ID_MEASURE_ARROW,
-    ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_MEASURE_SNAP_EDGES, S,
-    ID_MEASURE_CALIBRATION, ID_MEASURE_SETTING, ID_MEASURE_EXPORT };
+    ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, ID_MEASURE_PARTICLES, S,
+    ID_MEASURE_ARROW, ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_MEASURE_SNAP_EDGES,
+    S, ID_MEASURE_CALIBRATION, ID_MEASURE_SETTING, ID_MEASURE_EXPORT };
 
 // The processing operations' commands in menu and toolbar order. The layouts
 // start a group, after a separator, wherever the list passes from operations
@@ -200,10 +206,10 @@ constexpr std::array kStandardBar { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_SAVE, ID_
     ID_CAMERA_CAPTURE, ID_CAMERA_PREVIEW, ID_CAMERA_PAUSE, ID_CAMERA_FULLSCREEN, ID_CAMERA_RECORD,
     ID_CAMERA_INTERVAL, ID_SAVE_RESOLUTION, S, ID_ZOOM };
 constexpr std::array kMeasureBar { ID_MEASURE_MOVE, S, ID_MEASURE_POINT, ID_MEASURE_LINE, ID_MEASURE_ANGLE,
-    ID_MEASURE_RECT, ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S,
-    ID_MEASURE_ARROW, ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL, S, ID_VIEW_CROSSLINE,
-    ID_VIEW_DASHED_CROSSLINE, S, ID_MEASURE_SNAP_EDGES, S, ID_MEASURE_CALIBRATION, ID_MEASURE_SETTING,
-    ID_MEASURE_EXPORT };
+    ID_MEASURE_RECT, ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING,
+    ID_MEASURE_PARTICLES, S, ID_MEASURE_ARROW, ID_MEASURE_TEXT, S, ID_MEASURE_DELETE, ID_MEASURE_DELETE_ALL,
+    S, ID_VIEW_CROSSLINE, ID_VIEW_DASHED_CROSSLINE, S, ID_MEASURE_SNAP_EDGES, S, ID_MEASURE_CALIBRATION,
+    ID_MEASURE_SETTING, ID_MEASURE_EXPORT };
 constexpr ProcessLayout kProcessBar(std::array { S, ID_PROCESS_PROPERTIES });
 
 #define BAR(text) QT_TRANSLATE_NOOP("ToolBar", text)

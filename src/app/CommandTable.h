@@ -94,6 +94,11 @@ constexpr int ID_MEASURE_ARROW = 32924;
 constexpr int ID_MEASURE_TEXT = 32925;
 // Lines and circles put their points on the picture's edges.
 constexpr int ID_MEASURE_SNAP_EDGES = 32995;
+// Counts and sizes the particles of the picture.
+constexpr int ID_MEASURE_PARTICLES = 32996;
+// The shapes to and from ImageJ's ROI sets.
+constexpr int ID_MEASURE_EXPORT_ROIS = 32997;
+constexpr int ID_MEASURE_IMPORT_ROIS = 32998;
 
 // The separator in menu and toolbar layouts.
 constexpr int ID_SEPARATOR = 0;

@@ -35,6 +35,7 @@ void COverlayWorker::Allocate(unsigned width, unsigned height)
     m_bufferB.assign(bytes, 1);
     m_nWidth = width;
     m_nHeight = height;
+    m_nDrawnAt.reset();
     std::atomic_ref<uchar*>(m_pPublished).store(m_bufferA.data());
 }
 
@@ -45,6 +46,7 @@ void COverlayWorker::Release()
     m_bufferA = {};
     m_bufferB = {};
     m_nWidth = m_nHeight = 0;
+    m_nDrawnAt.reset();
 }
 
 void COverlayWorker::Start()
@@ -94,13 +96,19 @@ void COverlayWorker::Run()
                 // no new frame takes; one still reading it is waited for.
                 auto published = std::atomic_ref<uchar*>(m_pPublished);
                 uchar* target = published.load() == m_bufferA.data() ? m_bufferB.data() : m_bufferA.data();
-                m_frames.waitUnused(target);
-                m_shapes.DrawToBits(target, size.width(), size.height());
-                published.store(target);
-                ++m_nDrawn;
-                qCDebug(lcApp, "MakeElemOverlay");
+                // Nothing to wait for while the published overlay is up to
+                // date; the count is compared again under the drawing's lock.
+                if (!m_nDrawnAt || *m_nDrawnAt != m_shapes.ChangeCount()) {
+                    m_frames.waitUnused(target);
+                    if (m_shapes.DrawToBitsIfChanged(target, size.width(), size.height(), m_nDrawnAt)) {
+                        published.store(target);
+                        ++m_nDrawn;
+                        qCDebug(lcApp, "MakeElemOverlay");
+                    }
+                }
             }
         }
+        ++m_nPasses;
         lock.lock();
         m_stopCv.wait_for(lock, std::chrono::milliseconds(m_nPeriodMs), [this] { return m_bStop; });
     }

@@ -5,18 +5,22 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
 class CGVLElemMgr;
 
 // The drawing side of the processing element's overlay hand-over (see
-// CCamProcess): a thread that redraws the shapes every period into the one
-// of two frame-size buffers that is not published, waits until no frame
-// still reads it, draws, and only then publishes it through a pointer whose
-// address the processing element holds. Pixels no shape covers are 1,1,1.
+// CCamProcess): a thread that looks at the shapes every period and, when
+// they changed since the published overlay was drawn (their manager's
+// ChangeCount) or none was drawn into the buffers yet, waits until no frame
+// still reads the buffer that is not published, draws into it, and only then
+// publishes it through a pointer whose address the processing element holds;
+// otherwise the published buffer stays. Pixels no shape covers are 1,1,1.
 //
 // Threads: Allocate, Start, Stop and Release belong to one thread (the user
 // interface); the hooks run on the worker.
@@ -59,6 +63,9 @@ public:
     uchar* const* PublishedPointer() { return &m_pPublished; }
     // Overlays published since this worker was made (tests, diagnostics).
     unsigned OverlaysDrawn() const { return m_nDrawn; }
+    // Passes finished since this worker was made, drawn or not: a pass that
+    // begins after a change publishes it before it ends.
+    unsigned Passes() const { return m_nPasses; }
     // Workers of the process that have started and not yet ended.
     static int Running();
 
@@ -82,4 +89,9 @@ private:
     std::condition_variable m_stopCv;
     bool m_bStop = false;
     std::atomic<unsigned> m_nDrawn { 0 };
+    std::atomic<unsigned> m_nPasses { 0 };
+    // The shapes' change count the published buffer shows; unset until a
+    // buffer of the current allocation is drawn. The worker's own while it
+    // runs.
+    std::optional<std::uint64_t> m_nDrawnAt;
 };

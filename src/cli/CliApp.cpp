@@ -23,6 +23,8 @@ const std::map<QString, Command>& Commands()
         { QStringLiteral("measure"),
             { &RunMeasure, "Export the measurements kept in saved pictures as CSV." } },
         { QStringLiteral("calibrate"), { &RunCalibrate, "Calibrate from a picture of a stage micrometer." } },
+        { QStringLiteral("particles"), { &RunParticles, "Count and size the particles of a picture." } },
+        { QStringLiteral("rois"), { &RunRois, "Export the shapes kept in a picture as an ImageJ ROI set." } },
     };
     return commands;
 }

@@ -41,6 +41,10 @@ QByteArray CsvField(const QString& text, char separator)
 QByteArray PictureCsv(const QString& path, const SettingsKeys::DocumentSettings& settings, bool semicolon)
 {
     const MeasurementXmp::Stored stored = MeasurementXmp::Read(path);
+    if (stored.invalidUnit)
+        PrintError(QStringLiteral("oculix-cli: %1: this picture's calibration is not valid; the current "
+                                  "calibration is used\n")
+                       .arg(path));
     CGVLElemMgr mgr;
     // As a document opens a picture: the settings first, then what the file keeps.
     CalibrationRecord unit { settings.m_rtUnit, settings.m_dcxPerPixel, settings.m_dcyPerPixel,
@@ -51,7 +55,12 @@ QByteArray PictureCsv(const QString& path, const SettingsKeys::DocumentSettings&
     look.precision = settings.m_precision;
     mgr.SetAppearance(look);
     mgr.CreateShape(ShapeType::Ruler);
-    if (stored.shapes.isEmpty() || ShapesFromJson(mgr, stored.shapes) == 0)
+    if (stored.shapes.isEmpty())
+        return {};
+    const ShapesRead read = ReadShapesJson(mgr, stored.shapes);
+    if (const QString note = read.Note(); !note.isEmpty())
+        PrintError(QStringLiteral("oculix-cli: %1: %2\n").arg(path, note));
+    if (read.made == 0)
         return {};
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
@@ -77,6 +86,10 @@ int RunMeasure(const QStringList& arguments)
         QStringLiteral("Write the table to this file instead of stdout."), QStringLiteral("OUT") });
     parser.AddOption({ QStringLiteral("semicolon"),
         QStringLiteral("Separate the fields by semicolons, as the French interface exports them.") });
+    parser.AddOption({ QStringLiteral("precision"),
+        QStringLiteral("Decimals of the results, 1 to 5, as the precision setting gives them (default: the "
+                       "setting)."),
+        QStringLiteral("N") });
     parser.AddPositional(
         QStringLiteral("PICTURE"), QStringLiteral("Pictures saved by Oculix."), QStringLiteral("PICTURE..."));
     if (!parser.Parse(arguments))
@@ -85,6 +98,9 @@ int RunMeasure(const QStringList& arguments)
     if (pictures.isEmpty())
         ThrowUsage(QStringLiteral("PICTURE is missing"));
     const bool semicolon = parser.IsSet(QStringLiteral("semicolon"));
+    SettingsKeys::DocumentSettings settings
+        = SettingsKeys::ReadDocumentSettings(CurrentAppPaths().m_settingsFile);
+    settings.m_precision = parser.Integer(QStringLiteral("precision"), 1, 5, settings.m_precision);
     const QString out = parser.Value(QStringLiteral("csv"));
     if (parser.IsSet(QStringLiteral("csv")))
         CheckOutputFolder(out);
@@ -92,8 +108,6 @@ int RunMeasure(const QStringList& arguments)
         if (!QFileInfo(picture).isFile() || !QFileInfo(picture).isReadable())
             ThrowFailure(QStringLiteral("cannot read %1: no such file, or not readable").arg(picture));
 
-    const SettingsKeys::DocumentSettings settings
-        = SettingsKeys::ReadDocumentSettings(CurrentAppPaths().m_settingsFile);
     const char separator = semicolon ? ';' : ',';
     QByteArray table;
     int measured = 0;
@@ -158,12 +172,7 @@ int RunCalibrate(const QStringList& arguments)
     if (parser.IsSet(QStringLiteral("save")))
         CheckOutputFolder(save);
 
-    FCObjImage picture;
-    if (!QFileInfo(path).isFile() || !picture.Load(path))
-        ThrowFailure(
-            QStringLiteral("cannot read %1: %2")
-                .arg(
-                    path, QFileInfo(path).isFile() ? picture.ErrorString() : QStringLiteral("no such file")));
+    const FCObjImage picture = LoadPicture(path);
     const GraticuleFit fit = DetectGraticule(picture.ToQImage(), division.micrometres);
     if (!fit.found)
         ThrowFailure(QStringLiteral("%1: %2").arg(path, fit.reason.simplified()));

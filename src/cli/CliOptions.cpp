@@ -173,3 +173,34 @@ bool ParseDivision(const QString& text, Division* division, QString* error)
     division->unit = unit;
     return true;
 }
+
+bool ParseThreshold(const QString& text, ParticleOptions* options, QString* error)
+{
+    const QString spec = text.trimmed().toLower();
+    static const std::pair<const char*, GrayThreshold::Method> kMethods[] = {
+        { "otsu", GrayThreshold::Method::Otsu },
+        { "default", GrayThreshold::Method::Default },
+        { "triangle", GrayThreshold::Method::Triangle },
+    };
+    for (const auto& [name, method] : kMethods) {
+        if (spec == QLatin1String(name)) {
+            options->method = method;
+            return true;
+        }
+    }
+    static const QRegularExpression range(QStringLiteral(R"(^(\d{1,3})\s*:\s*(\d{1,3})$)"));
+    const QRegularExpressionMatch m = range.match(spec);
+    const int low = m.captured(1).toInt();
+    const int high = m.captured(2).toInt();
+    if (!m.hasMatch() || low > 255 || high > 255 || low > high) {
+        *error
+            = QStringLiteral("bad --threshold \"%1\": expected LOW:HIGH (gray levels 0 to 255, LOW not above "
+                             "HIGH), otsu, default or triangle")
+                  .arg(text);
+        return false;
+    }
+    options->method.reset();
+    options->low = low;
+    options->high = high;
+    return true;
+}

@@ -2,6 +2,7 @@
 
 #include "capture/CaptureFormat.h"
 #include "image/ProcessSwitches.h"
+#include "measure/ParticleAnalyzer.h"
 
 #include <QString>
 
@@ -45,3 +46,7 @@ struct Division
 // False with a one-line reason for a missing or unknown unit or a length that
 // is not a positive number.
 bool ParseDivision(const QString& text, Division* division, QString* error);
+
+// A particle threshold: "LOW:HIGH" (gray levels 0..255, inclusive) or an
+// automatic method, "otsu", "default" or "triangle". False with a one-line reason.
+bool ParseThreshold(const QString& text, ParticleOptions* options, QString* error);

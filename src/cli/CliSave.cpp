@@ -113,3 +113,14 @@ void SaveFileBytes(const QString& path, const QByteArray& bytes)
         ThrowFailure(QStringLiteral("cannot write %1: %2").arg(path, WriteErrorText(written, error)));
     }
 }
+
+FCObjImage LoadPicture(const QString& path)
+{
+    FCObjImage picture;
+    if (!QFileInfo(path).isFile() || !picture.Load(path))
+        ThrowFailure(
+            QStringLiteral("cannot read %1: %2")
+                .arg(
+                    path, QFileInfo(path).isFile() ? picture.ErrorString() : QStringLiteral("no such file")));
+    return picture;
+}

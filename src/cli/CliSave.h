@@ -22,5 +22,9 @@ void SavePictureFile(const FCObjImage& picture, const QString& path,
 // one-line failure, leaving no file behind and an older one as it was.
 void SaveFileBytes(const QString& path, const QByteArray& bytes);
 
+// The picture at path; throws a one-line failure naming it when it is
+// missing or cannot be read.
+FCObjImage LoadPicture(const QString& path);
+
 // A name beside path, in its folder and with its extension, not yet taken.
 QString TemporaryNameBeside(const QString& path);

@@ -1,5 +1,7 @@
 #include "image/CGifHandler.h"
 
+#include "image/PaletteReduce.h"
+
 #include <QIODevice>
 #include <QImage>
 #include <QtEndian>
@@ -123,9 +125,8 @@ bool CGifHandler::write(const QImage& source)
     QIODevice* dev = device();
     if (dev == nullptr || source.isNull() || source.width() > 65535 || source.height() > 65535)
         return false;
-    QImage image = source.format() == QImage::Format_Indexed8
-        ? source
-        : source.convertToFormat(QImage::Format_Indexed8, Qt::ColorOnly | Qt::DiffuseDither);
+    const IndexedPicture indexed = ReduceToPalette(source);
+    const QImage& image = indexed.image;
     if (image.isNull())
         return false;
     QVector<QRgb> table = image.colorTable();
@@ -148,6 +149,11 @@ bool CGifHandler::write(const QImage& source)
         out.append(char(qRed(c)));
         out.append(char(qGreen(c)));
         out.append(char(qBlue(c)));
+    }
+    if (indexed.transparent >= 0) {
+        // Graphic control: no disposal, no delay, a transparent index.
+        const uchar control[8] = { 0x21, 0xF9, 4, 1, 0, 0, uchar(indexed.transparent), 0 };
+        out.append(reinterpret_cast<const char*>(control), sizeof control);
     }
     // The frame covers the screen; no local table, not interlaced.
     uchar frame[10] = { 0x2C };

@@ -3,8 +3,9 @@
 #include <QImageIOHandler>
 
 // Writes GIF89a pictures (Qt reads GIF but cannot write it): one frame,
-// global colour table of up to 256 colours, LZW compressed. Pictures with
-// more colours are reduced to 256 first. Writing only.
+// global colour table of up to 256 colours, LZW compressed, transparent
+// pixels (alpha below half) as the transparent index. Pictures with more
+// colours are reduced first (ReduceToPalette). Writing only.
 class CGifHandler : public QImageIOHandler
 {
 public:

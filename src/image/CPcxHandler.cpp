@@ -1,6 +1,7 @@
 #include "image/CPcxHandler.h"
 
 #include "image/FCObjImage.h"
+#include "image/ReadFailure.h"
 
 #include <QIODevice>
 #include <QImage>
@@ -70,27 +71,40 @@ bool ParseHeader(const QByteArray& raw, PcxHeader& h, QString* why)
     return true;
 }
 
-// Expands the RLE (or raw) stream into exactly out.size() bytes.
-bool Decode(const uchar* in, qint64 inSize, bool rle, std::vector<uchar>& out)
+// Bytes the RLE stream in[0, size) expands to, up to limit, without
+// expanding it.
+qint64 RleBytesPresent(const uchar* in, qint64 size, qint64 limit)
+{
+    qint64 done = 0, i = 0;
+    while (done < limit && i < size) {
+        if ((in[i] & 0xC0) == 0xC0) {
+            if (i + 1 >= size)
+                break;
+            done += in[i] & 0x3F;
+            i += 2;
+        } else {
+            ++done;
+            ++i;
+        }
+    }
+    return std::min(done, limit);
+}
+
+// Expands a stream found complete into exactly out.size() bytes.
+void Decode(const uchar* in, bool rle, std::vector<uchar>& out)
 {
     const std::size_t total = out.size();
     if (!rle) {
-        if (inSize < qint64(total))
-            return false;
         std::memcpy(out.data(), in, total);
-        return true;
+        return;
     }
     std::size_t o = 0;
     qint64 i = 0;
     while (o < total) {
-        if (i >= inSize)
-            return false;
         uchar c = in[i++];
         std::size_t count = 1;
         if ((c & 0xC0) == 0xC0) {
             count = c & 0x3F;
-            if (i >= inSize)
-                return false;
             c = in[i++];
         }
         // A run may end past the last line; what does not fit is dropped.
@@ -98,7 +112,6 @@ bool Decode(const uchar* in, qint64 inSize, bool rle, std::vector<uchar>& out)
         std::memset(out.data() + o, c, count);
         o += count;
     }
-    return true;
 }
 
 void EncodeLine(const uchar* line, int n, QByteArray& out)
@@ -129,6 +142,31 @@ bool Translucent(const QImage& image)
                 return true;
     }
     return false;
+}
+
+// Readers show a 1-bit PCX as black (0) and white (1) whatever its header's
+// palette says, so a two-colour picture is written as 1-bit only when its
+// colours are black and white; its bits then become those colours' bits.
+// False, leaving image alone, for any other pair.
+bool BlackAndWhite(QImage& image)
+{
+    QImage mono = image.convertToFormat(QImage::Format_Mono);
+    const QVector<QRgb> table = mono.colorTable();
+    int bit[2] = { 0, 1 };
+    for (int i = 0; i < 2; ++i) {
+        const QRgb c = (i < table.size() ? table[i] : table.value(0)) & 0xFFFFFF;
+        if (c != 0 && c != 0xFFFFFF)
+            return false;
+        bit[i] = c != 0;
+    }
+    for (int y = 0; y < mono.height(); ++y) {
+        uchar* line = mono.scanLine(y);
+        for (int k = 0; k < mono.bytesPerLine(); ++k)
+            line[k] = uchar((bit[0] ? ~line[k] : 0) & 0xFF) | uchar((bit[1] ? line[k] : 0) & 0xFF);
+    }
+    mono.setColorTable({ qRgb(0, 0, 0), qRgb(255, 255, 255) });
+    image = mono;
+    return true;
 }
 
 } // namespace
@@ -162,30 +200,27 @@ QVariant CPcxHandler::option(ImageOption option) const
     return {};
 }
 
+bool CPcxHandler::Fail(const QString& why)
+{
+    m_error = why;
+    qWarning("PCX: %s", qPrintable(why));
+    return false;
+}
+
 bool CPcxHandler::read(QImage* image)
 {
     QIODevice* dev = device();
     if (dev == nullptr)
-        return false;
+        return Fail(QStringLiteral("no file to read"));
     const QByteArray header = dev->read(kHeaderSize);
     PcxHeader h;
     QString why;
-    if (!ParseHeader(header, h, &why)) {
-        qWarning("PCX: %s", qPrintable(why));
-        return false;
-    }
+    if (!ParseHeader(header, h, &why))
+        return Fail(why);
     const std::size_t lineBytes = std::size_t(h.bytesPerLine) * h.planes;
     const std::size_t total = lineBytes * h.height;
-    // A run yields at most 63 bytes from two, so a body too short for the
-    // declared size is refused before the pixels are allocated.
-    if (dev->size() > 0 && !dev->isSequential()) {
-        const qint64 left = dev->size() - dev->pos();
-        const qint64 needed = h.encoding == 1 ? qint64(total / 63) * 2 : qint64(total);
-        if (left < needed) {
-            qWarning("PCX: file is truncated");
-            return false;
-        }
-    }
+    // The rest is in the file already; its length is checked against the
+    // declared size before the pixels are allocated.
     const QByteArray body = dev->readAll();
     const auto* in = reinterpret_cast<const uchar*>(body.constData());
     qint64 inSize = body.size();
@@ -209,17 +244,17 @@ bool CPcxHandler::read(QImage* image)
             colors.append(qRgb(h.palette16[3 * i], h.palette16[3 * i + 1], h.palette16[3 * i + 2]));
     }
 
+    const qint64 present = h.encoding == 1 ? RleBytesPresent(in, inSize, qint64(total)) : inSize;
+    if (present < qint64(total))
+        return Fail(TruncatedText(present / qint64(lineBytes), h.height));
+
     std::vector<uchar> pixels;
     try {
         pixels.resize(total);
     } catch (const std::bad_alloc&) {
-        qWarning("PCX: out of memory");
-        return false;
+        return Fail(QStringLiteral("not enough memory for the picture"));
     }
-    if (!Decode(in, inSize, h.encoding == 1, pixels)) {
-        qWarning("PCX: pixel data is truncated");
-        return false;
-    }
+    Decode(in, h.encoding == 1, pixels);
 
     QImage::Format format = QImage::Format_Indexed8;
     if (h.planes == 1 && h.bitsPerPixel == 1)
@@ -229,10 +264,8 @@ bool CPcxHandler::read(QImage* image)
     else if (h.planes == 4 && h.bitsPerPixel == 8)
         format = QImage::Format_ARGB32;
     QImage out(h.width, h.height, format);
-    if (out.isNull()) {
-        qWarning("PCX: out of memory");
-        return false;
-    }
+    if (out.isNull())
+        return Fail(QStringLiteral("not enough memory for the picture"));
     if (!colors.isEmpty())
         out.setColorTable(colors);
 
@@ -278,16 +311,15 @@ bool CPcxHandler::write(const QImage& source)
     QImage image = source;
     int planes = 1;
     int bits = 8;
-    if (image.depth() == 1) {
-        image = image.convertToFormat(QImage::Format_Mono);
-        bits = 1;
-    } else if (image.format() == QImage::Format_Indexed8 || image.format() == QImage::Format_Grayscale8) {
-        image = image.convertToFormat(QImage::Format_Indexed8);
-    } else if (Translucent(image)) {
-        // A fourth plane keeps the alpha the reader takes from one; opaque
-        // pictures stay three planes, as every reader takes them.
+    if (Translucent(image)) {
+        // A fourth plane keeps the alpha the reader takes from one, paletted
+        // pictures' too; opaque pictures keep the forms every reader takes.
         image = image.convertToFormat(QImage::Format_RGBA8888);
         planes = 4;
+    } else if (image.depth() == 1 && BlackAndWhite(image)) {
+        bits = 1;
+    } else if (image.depth() <= 8) {
+        image = image.convertToFormat(QImage::Format_Indexed8);
     } else {
         image = image.convertToFormat(QImage::Format_RGB888);
         planes = 3;
@@ -305,15 +337,8 @@ bool CPcxHandler::write(const QImage& source)
     const int dpi = image.dotsPerMeterX() > 0 ? qRound(image.dotsPerMeterX() * 0.0254) : 96;
     qToLittleEndian(quint16(dpi), header + 12);
     qToLittleEndian(quint16(dpi), header + 14);
-    if (bits == 1) {
-        const QVector<QRgb> table = image.colorTable();
-        for (int i = 0; i < 2; ++i) {
-            const QRgb c = i < table.size() ? table[i] : (i ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
-            header[16 + 3 * i] = uchar(qRed(c));
-            header[17 + 3 * i] = uchar(qGreen(c));
-            header[18 + 3 * i] = uchar(qBlue(c));
-        }
-    }
+    if (bits == 1)
+        std::memset(header + 19, 255, 3); // black and white, as readers show 1-bit
     header[65] = uchar(planes);
     qToLittleEndian(quint16(bytesPerLine), header + 66);
     qToLittleEndian(quint16(1), header + 68);

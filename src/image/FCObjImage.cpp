@@ -1,7 +1,13 @@
 #include "image/FCObjImage.h"
 
+#include "image/BmpFile.h"
+#include "image/CPcxHandler.h"
 #include "image/CTgaHandler.h"
+#include "image/GifCheck.h"
 #include "image/ImageProcess.h"
+#include "image/JpegCheck.h"
+#include "image/PngCheck.h"
+#include "image/ReadFailure.h"
 #include "platform/AtomicFileWrite.h"
 
 #include <QBuffer>
@@ -12,6 +18,7 @@
 #include <QImageWriter>
 #include <QtPlugin>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <new>
@@ -64,6 +71,132 @@ bool ReadChecked(QImageReader& reader, QImage& image, QString& why)
     return false;
 }
 
+// The format the content shows: the signatures of the formats Qt reads for
+// us, then ours (TGA, which has none, last). Empty when nothing matches.
+QByteArray SniffFormat(QIODevice& file)
+{
+    const QByteArray head = file.peek(8);
+    if (head.startsWith("BM"))
+        return "bmp";
+    if (head.startsWith("\x89PNG"))
+        return "png";
+    if (head.startsWith("\xFF\xD8\xFF"))
+        return "jpeg";
+    if (head.startsWith("GIF8"))
+        return "gif";
+    if (head.startsWith(QByteArray("II*\0", 4)) || head.startsWith(QByteArray("MM\0*", 4)))
+        return "tiff";
+    if (CPcxHandler::canRead(&file))
+        return "pcx";
+    if (CTgaHandler::canRead(&file))
+        return "tga";
+    return {};
+}
+
+template <typename Handler> bool ReadOwn(QIODevice& file, QImage& image, QString& why)
+{
+    file.seek(0);
+    Handler handler;
+    handler.setDevice(&file);
+    if (handler.read(&image))
+        return true;
+    why = handler.errorString();
+    return false;
+}
+
+// Reads file as the format its content shows, else as its extension says.
+// PCX and TGA are read by our handlers alone: what they refuse stays refused,
+// with their reason, as no other reader then makes up pixels.
+bool ReadPicture(QIODevice& file, const QByteArray& byExtension, QImage& image, QString& why)
+{
+    file.seek(0);
+    const QByteArray sniffed = SniffFormat(file);
+    const QByteArray format = sniffed.isEmpty() ? byExtension : sniffed;
+    if (format == "tga" || format == "pcx") {
+        if (format == "tga" ? ReadOwn<CTgaHandler>(file, image, why) : ReadOwn<CPcxHandler>(file, image, why))
+            return true;
+        if (!sniffed.isEmpty())
+            return false;
+    } else if (format == "bmp") {
+        file.seek(0);
+        const QByteArray bytes = file.readAll();
+        switch (ReadBmpFile(bytes, image, why)) {
+        case BmpOutcome::Read:
+            return true;
+        case BmpOutcome::Refused:
+            return false;
+        case BmpOutcome::LeaveToQt:
+            break;
+        }
+    } else if (format == "gif" || format == "jpeg") {
+        file.seek(0);
+        const QByteArray bytes = file.readAll();
+        if (format == "gif" ? !GifFrameComplete(bytes, why) : !JpegComplete(bytes, why))
+            return false;
+    }
+    if (!format.isEmpty() && format != "tga" && format != "pcx") {
+        file.seek(0);
+        QImageReader reader(&file, format);
+        if (ReadChecked(reader, image, why))
+            return true;
+        if (sniffed == "png" && file.seek(0) && PngTruncated(file.readAll()))
+            why = TruncatedFileText();
+        if (!sniffed.isEmpty())
+            return false;
+    }
+    // The extension may lie about a file of a kind without a signature here.
+    file.seek(0);
+    QImageReader byContent(&file);
+    byContent.setDecideFormatFromContent(true);
+    const QByteArray found = byContent.format();
+    if (found == "tga" || found == "pcx") {
+        // Qt's readers claim what ours refuse; ours say why.
+        if (why.isEmpty() && found == "tga")
+            ReadOwn<CTgaHandler>(file, image, why);
+        else if (why.isEmpty())
+            ReadOwn<CPcxHandler>(file, image, why);
+        return false;
+    }
+    if (!found.isEmpty() && found == format)
+        return false;
+    QString other;
+    if (ReadChecked(byContent, image, other))
+        return true;
+    if (why.isEmpty())
+        why = other;
+    return false;
+}
+
+// A PNG chunk other than the picture data that claims more bytes than the
+// file holds: libpng allocates and clears such a chunk whole before reading
+// it, so 400 bytes claiming 1.7 GB took seconds and the memory. Empty for a
+// file that is no PNG or has no such chunk.
+QString PngDamage(QIODevice& device)
+{
+    static const QByteArray kSignature("\x89PNG\r\n\x1a\n", 8);
+    if (!device.seek(0) || device.read(8) != kSignature)
+        return {};
+    const qint64 size = device.size();
+    qint64 pos = 8;
+    while (pos + 12 <= size && device.seek(pos)) {
+        const QByteArray header = device.read(8);
+        if (header.size() != 8)
+            break;
+        const auto* h = reinterpret_cast<const uchar*>(header.constData());
+        const qint64 length = (qint64(h[0]) << 24) | (h[1] << 16) | (h[2] << 8) | h[3];
+        const QByteArray type = header.mid(4);
+        if (type == "IEND")
+            break;
+        if (type != "IDAT" && length > size - pos - 12)
+            return QStringLiteral(
+                "the PNG data is damaged: its %1 chunk claims %2 bytes, more than the file holds")
+                .arg(QString::fromLatin1(type))
+                .arg(length);
+        pos += 12 + length;
+    }
+    return {};
+}
+
 } // namespace
 
 void FCObjImage::RegisterFormats()
@@ -107,6 +240,13 @@ void FCObjImage::Destroy()
     m_palette.clear();
     m_width = m_height = m_colorBits = m_pitch = 0;
     m_hasAlpha = false;
+}
+
+bool FCObjImage::HasAlpha() const
+{
+    if (m_colorBits > 8)
+        return m_hasAlpha;
+    return std::any_of(m_palette.cbegin(), m_palette.cend(), [](QRgb c) { return qAlpha(c) != 255; });
 }
 
 uchar* FCObjImage::GetBits(int x, int y)
@@ -455,41 +595,44 @@ bool FCObjImage::FromQImage(const QImage& source)
 
 bool FCObjImage::Load(const QString& path)
 {
-    RegisterFormats();
     if (!QFileInfo(path).isFile()) {
         m_error = QStringLiteral("%1: no such file").arg(path);
         return false;
     }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_error = QStringLiteral("%1: %2").arg(path, file.errorString());
+        return false;
+    }
+    return LoadFrom(file, path);
+}
+
+bool FCObjImage::LoadBytes(const QByteArray& bytes, const QString& name)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return LoadFrom(buffer, name);
+}
+
+bool FCObjImage::LoadFrom(QIODevice& device, const QString& name)
+{
+    RegisterFormats();
     QImage image;
-    QString why;
-    const QByteArray format = FormatForPath(path);
-    bool read = false;
-    if (format == "tga") {
-        // Qt's own TGA reader comes first in QImageReader's list and reads
-        // fewer kinds of TGA than ours.
-        QFile file(path);
-        CTgaHandler handler;
-        handler.setDevice(&file);
-        read = file.open(QIODevice::ReadOnly) && handler.canRead() && handler.read(&image);
+    QString why = PngDamage(device);
+    if (why.isEmpty()) {
+        if (ReadPicture(device, FormatForPath(name), image, why))
+            why.clear();
+        else if (why.isEmpty())
+            why = QStringLiteral("the file is not a picture");
     }
-    if (!read) {
-        QImageReader reader(path, format);
-        read = ReadChecked(reader, image, why);
-    }
-    if (!read) {
-        // The extension may lie; let the content decide.
-        QImageReader byContent(path);
-        byContent.setDecideFormatFromContent(true);
-        QString ignored;
-        read = ReadChecked(byContent, image, ignored);
-    }
-    if (!read) {
-        m_error = QStringLiteral("%1: %2").arg(path, why);
+    if (!why.isEmpty()) {
+        m_error = QStringLiteral("%1: %2").arg(name, why);
         return false;
     }
     FCObjImage loaded;
     if (!loaded.FromQImage(image)) {
-        m_error = QStringLiteral("%1: %2").arg(path, loaded.m_error);
+        m_error = QStringLiteral("%1: %2").arg(name, loaded.m_error);
         return false;
     }
     *this = std::move(loaded);

@@ -7,6 +7,8 @@
 
 #include <vector>
 
+class QIODevice;
+
 // The in-memory picture: a device-independent bitmap of 1, 4, 8, 16 (5-5-5),
 // 24 (blue, green, red) or 32 (blue, green, red, alpha or unused) bits per
 // pixel, rows stored bottom-up and padded to 4 bytes, with a palette for the
@@ -34,7 +36,9 @@ public:
     int Width() const { return m_width; }
     int Height() const { return m_height; }
     int ColorBits() const { return m_colorBits; }
-    bool HasAlpha() const { return m_hasAlpha; } // 32 bits only: the fourth byte is alpha
+    // 32 bits: the fourth byte is alpha (SetHasAlpha). Up to 8 bits: some
+    // palette entry is not opaque, as files with a transparent index give.
+    bool HasAlpha() const;
     void SetHasAlpha(bool alpha) { m_hasAlpha = alpha && m_colorBits == 32; }
 
     // Bytes per row, DibStride(width, bits).
@@ -78,11 +82,15 @@ public:
     QImage ToQImage() const;
     bool FromQImage(const QImage& image);
 
-    // Chooses the format by the file's extension (.bmp, .jpg, .jpeg, .png,
-    // .tif, .tiff, .gif, .tga, .pcx); reading falls back to the content when
-    // the extension does not match it. Default quality. On failure the
-    // picture is unchanged and ErrorString() says why.
+    // Saving chooses the format by the file's extension (.bmp, .jpg, .jpeg,
+    // .png, .tif, .tiff, .gif, .tga, .pcx), at default quality; loading by
+    // the content where it shows one, else by the extension. A file the
+    // format's reader refuses stays refused. On failure the picture is
+    // unchanged and ErrorString() says why: the path, then the reader's own
+    // reason ("the file is truncated (2 of 8 rows)").
     bool Load(const QString& path);
+    // The same from a file's bytes, `name` standing for its path.
+    bool LoadBytes(const QByteArray& bytes, const QString& name);
     bool Save(const QString& path) const;
     QString ErrorString() const { return m_error; }
 
@@ -91,6 +99,7 @@ public:
     static void RegisterFormats();
 
 private:
+    bool LoadFrom(QIODevice& device, const QString& name);
     const uchar* Row(int y) const { return m_bits.data() + std::size_t(m_height - 1 - y) * m_pitch; }
     uchar* Row(int y) { return m_bits.data() + std::size_t(m_height - 1 - y) * m_pitch; }
     bool Inside(int x, int y) const { return x >= 0 && y >= 0 && x < m_width && y < m_height; }

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <QByteArray>
 #include <QMap>
 #include <QString>
 
 // Our own XMP properties in a picture file (namespace kNamespace, prefix
 // "oculix"), through Exiv2. Only JPEG, PNG and TIFF files hold them; other
-// types are left alone. Other metadata of the file is kept.
+// types are left alone. Other metadata of the file is kept. A JPEG packet too
+// large for one segment is written, and read, in the multi-segment form
+// (image/ExtendedXmp.h).
 namespace PictureXmp {
 
 inline constexpr char kNamespace[] = "http://ns.oculix.org/measure/1.0/";
@@ -21,8 +24,14 @@ bool CanHold(const QString& path);
 // the file cannot be read, parsed or written.
 bool Write(const QString& path, const Properties& properties, QString* error = nullptr);
 
+// The same on a file's bytes: the rewritten file, or empty with `error` set.
+QByteArray Rewritten(const QByteArray& file, const Properties& properties, QString* error = nullptr);
+
 // Our properties in the file; empty for a file without them, of another type
 // or that cannot be read.
 Properties Read(const QString& path);
+
+// The same from a file's bytes, whatever its name.
+Properties ReadBytes(const QByteArray& file);
 
 } // namespace PictureXmp

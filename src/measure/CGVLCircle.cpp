@@ -107,7 +107,7 @@ int CGVLCircle::OnMouseMove(unsigned, const QPoint& point, int)
 
 int CGVLCircle::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
-    const bool tooSmall = CoordCount() == 2 && PixelRadius() < kMinRadius;
+    const bool tooSmall = IsDegenerate();
     if (m_bDown && CoordCount() == 2 && !tooSmall)
         SnapRim();
     return ReleaseOrDiscard(tool, kToolCircle, tooSmall);
@@ -146,4 +146,9 @@ void CGVLCircle::UpdateElem()
 void CGVLCircle::ClearCoords()
 {
     LeaveManager();
+}
+
+bool CGVLCircle::IsDegenerate() const
+{
+    return CoordCount() == 2 && PixelRadius() < kMinRadius;
 }

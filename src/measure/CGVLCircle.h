@@ -27,6 +27,7 @@ public:
     int OnMouseMove(unsigned flags, const QPoint& point, int tool) override;
     void UpdateElem() override;
     void ClearCoords() override;
+    bool IsDegenerate() const override;
 
     // "R=" with the radius; empty outside precision 1..5. A snapped circle
     // adds its uncertainty.

@@ -195,3 +195,8 @@ void CGVLCircleT::UpdateElem()
     }
     InvalidateAround(GdiRect::Around(points));
 }
+
+bool CGVLCircleT::IsDegenerate() const
+{
+    return CoordCount() == 3 && FitCircle().radius == 0;
+}

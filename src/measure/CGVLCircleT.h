@@ -34,6 +34,9 @@ public:
     static ExactCircle Circumcircle(const QPointF& a, const QPointF& b, const QPointF& c);
 
     virtual double GetRadius() const;
+    // Collinear points. Drawn, such a circle stays with radius 0; read from a
+    // picture, it is dropped.
+    bool IsDegenerate() const override;
     double GetArea() const override;
     void Draw(QPainter& dc, int hidden, int reserved) override;
     // The third click, or the end of a drag, snaps the points to the rim

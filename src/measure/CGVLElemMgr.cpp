@@ -15,18 +15,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <utility>
-
-namespace {
-
-// A copy as the class the type id names, or null.
-std::unique_ptr<CGVLShape> CopyShape(const CGVLShape& shape)
-{
-    const ShapeKind* kind = FindShapeKind(shape.GetType());
-    return kind ? kind->factory.copy(shape) : nullptr;
-}
-
-} // namespace
 
 // Every public operation runs inside one: it holds the lock, and the
 // outermost one destroys the elements that left the list meanwhile.
@@ -69,6 +59,8 @@ std::unique_lock<std::recursive_mutex> CGVLElemMgr::Lock() const
 void CGVLElemMgr::SetUnit(const CalibrationRecord& unit)
 {
     const std::lock_guard lock(m_mutex);
+    if (unit != m_unit)
+        NoteChange();
     m_unit = unit;
     InvalidateWindow(m_hWnd);
 }
@@ -82,6 +74,8 @@ CalibrationRecord CGVLElemMgr::GetUnit() const
 void CGVLElemMgr::SetAppearance(const Appearance& appearance)
 {
     const std::lock_guard lock(m_mutex);
+    if (appearance != GetAppearance())
+        NoteChange();
     m_color = appearance.color;
     m_nPrecision = appearance.precision;
     m_nFontSize = appearance.fontSize;
@@ -98,6 +92,8 @@ CGVLElemMgr::Appearance CGVLElemMgr::GetAppearance() const
 void CGVLElemMgr::SetCrossLines(bool solid, bool dashed)
 {
     const std::lock_guard lock(m_mutex);
+    if (solid != (m_bCrossSolid != 0) || dashed != (m_bCrossDashed != 0))
+        NoteChange();
     m_bCrossSolid = solid ? 1 : 0;
     m_bCrossDashed = dashed ? 1 : 0;
     InvalidateWindow(m_hWnd);
@@ -118,6 +114,8 @@ bool CGVLElemMgr::IsCrossDashed() const
 void CGVLElemMgr::SetRulerShown(bool shown)
 {
     const std::lock_guard lock(m_mutex);
+    if (shown != (m_bShowRuler != 0))
+        NoteChange();
     m_bShowRuler = shown ? 1 : 0;
     InvalidateWindow(m_hWnd);
 }
@@ -131,6 +129,8 @@ bool CGVLElemMgr::IsRulerShown() const
 void CGVLElemMgr::SetHidden(bool hidden)
 {
     const std::lock_guard lock(m_mutex);
+    if (hidden != (m_bHide != 0))
+        NoteChange();
     m_bHide = hidden ? 1 : 0;
     InvalidateWindow(m_hWnd);
 }
@@ -138,6 +138,8 @@ void CGVLElemMgr::SetHidden(bool hidden)
 void CGVLElemMgr::SetWindow(QObject* window, TextInput textInput)
 {
     const std::lock_guard lock(m_mutex);
+    if (window != m_hWnd)
+        NoteChange();
     m_hWnd = window;
     m_fnTextInput = std::move(textInput);
 }
@@ -170,6 +172,18 @@ QImage CGVLElemMgr::SnapPicture() const
     // Asked with the lock released where the caller holds none: finding the
     // picture may take a while.
     return source ? source() : QImage();
+}
+
+std::uint64_t CGVLElemMgr::ChangeCount() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_nChanges;
+}
+
+void CGVLElemMgr::NoteChange()
+{
+    const std::lock_guard lock(m_mutex);
+    ++m_nChanges;
 }
 
 void CGVLElemMgr::SetCount(int count)
@@ -207,11 +221,28 @@ CGVLShape* CGVLElemMgr::CreateShape(ShapeType type)
     return CreateShape(int(type));
 }
 
+void CGVLElemMgr::AppendShapes(std::vector<std::unique_ptr<CGVLShape>> shapes)
+{
+    const Call call(*this);
+    NoteChange();
+    m_arShape.reserve(m_arShape.size() + shapes.size());
+    for (std::unique_ptr<CGVLShape>& shape : shapes) {
+        if (!shape)
+            continue;
+        if (auto* marker = dynamic_cast<CGVLNo*>(shape.get()))
+            marker->SetNumber(++m_nCount);
+        shape->SetRefPoint(m_ptOrigin);
+        m_arShape.push_back(std::move(shape));
+    }
+    InvalidateWindow(m_hWnd);
+}
+
 CGVLShape* CGVLElemMgr::Append(int type)
 {
     const ShapeKind* kind = FindShapeKind(type);
     if (!kind)
         return nullptr;
+    NoteChange();
     m_arShape.push_back(kind->factory.make(*this));
     return m_arShape.back().get();
 }
@@ -276,6 +307,7 @@ void CGVLElemMgr::OnLButtonDown(unsigned flags, const QPoint& point, int tool)
     m_arAsking.erase(asking);
     if (ok) {
         text->m_arText = lines;
+        NoteChange();
         text->UpdateElem();
         // Until its first draw the element does not know its font's size, so
         // its own repaint area falls short of the text.
@@ -287,8 +319,11 @@ void CGVLElemMgr::OnLButtonDown(unsigned flags, const QPoint& point, int tool)
 
 CGVLAnoText* CGVLElemMgr::Press(unsigned flags, const QPoint& point, int tool)
 {
-    for (const auto& shape : m_arShape)
+    for (const auto& shape : m_arShape) {
+        if (shape->m_bSelected)
+            NoteChange();
         shape->SetSelected(false);
+    }
 
     const ShapeKind* kind = ShapeKindForTool(tool);
     CGVLShape* target = nullptr;
@@ -414,6 +449,7 @@ int CGVLElemMgr::DeleteShape(CGVLShape* shape)
     if (kind && kind->type == ShapeType::Counting)
         --m_nCount;
     const int index = int(it - m_arShape.begin());
+    NoteChange();
     std::erase(m_arAsking, shape);
     m_arLeft.push_back(std::move(*it));
     m_arShape.erase(it);
@@ -423,6 +459,8 @@ int CGVLElemMgr::DeleteShape(CGVLShape* shape)
 void CGVLElemMgr::DeleteAll()
 {
     const Call call(*this);
+    if (m_arShape.size() > 1)
+        NoteChange();
     while (m_arShape.size() > 1) {
         std::erase(m_arAsking, m_arShape.back().get());
         m_arLeft.push_back(std::move(m_arShape.back()));
@@ -438,6 +476,7 @@ void CGVLElemMgr::SetOrigin(const QPoint& point)
     if (point == m_ptOrigin)
         return;
     m_ptOrigin = point;
+    NoteChange();
     for (CGVLShape* shape : Snapshot()) {
         if (HasLeft(shape))
             continue;
@@ -460,21 +499,44 @@ std::vector<std::unique_ptr<CGVLShape>> CGVLElemMgr::CopyShapes() const
 
 void CGVLElemMgr::ReplaceShapes(const std::vector<std::unique_ptr<CGVLShape>>& shapes)
 {
+    std::vector<const CGVLShape*> pointers;
+    pointers.reserve(shapes.size());
+    for (const auto& shape : shapes)
+        pointers.push_back(shape.get());
     const Call call(*this);
+    ReplaceShapes(0, m_arShape.size(), pointers);
+}
+
+void CGVLElemMgr::ReplaceShapes(
+    std::size_t first, std::size_t count, const std::vector<const CGVLShape*>& shapes)
+{
+    const Call call(*this);
+    NoteChange();
     m_arAsking.clear();
-    for (auto& shape : m_arShape)
-        m_arLeft.push_back(std::move(shape));
-    m_arShape.clear();
-    for (const auto& shape : shapes) {
-        if (auto copy = CopyShape(*shape)) {
+    first = std::min(first, m_arShape.size());
+    count = std::min(count, m_arShape.size() - first);
+    const auto from = m_arShape.begin() + std::ptrdiff_t(first);
+    for (auto it = from; it != from + std::ptrdiff_t(count); ++it)
+        m_arLeft.push_back(std::move(*it));
+    m_arShape.erase(from, from + std::ptrdiff_t(count));
+    std::vector<std::unique_ptr<CGVLShape>> copies;
+    copies.reserve(shapes.size());
+    for (const CGVLShape* shape : shapes) {
+        if (auto copy = shape ? CopyShape(*shape) : nullptr) {
             // The window and its scroll origin may have changed since the
             // state was kept.
             copy->m_hWnd = m_hWnd;
             copy->SetRefPoint(m_ptOrigin);
-            m_arShape.push_back(std::move(copy));
+            copies.push_back(std::move(copy));
         }
     }
-    for (CGVLShape* shape : Snapshot()) {
+    std::vector<CGVLShape*> added;
+    for (const auto& copy : copies)
+        added.push_back(copy.get());
+    m_arShape.insert(m_arShape.begin() + std::ptrdiff_t(first), std::make_move_iterator(copies.begin()),
+        std::make_move_iterator(copies.end()));
+    // The elements around them are as they were; the window repaints whole.
+    for (CGVLShape* shape : added) {
         if (!HasLeft(shape))
             shape->UpdateElem();
     }
@@ -486,8 +548,18 @@ void CGVLElemMgr::DrawAll(QPainter& dc, int width, int height)
     const Call call(*this);
     if (m_bShowRuler && !m_arShape.empty())
         m_arShape.front()->Draw(dc, m_bHide, 0);
-    for (std::size_t i = 1; i < m_arShape.size(); ++i)
-        m_arShape[i]->Draw(dc, m_bHide, 0);
+    // A repaint of part of the window passes by the elements that cannot
+    // reach it: thousands of them cost little when one changes.
+    const QRect area = dc.hasClipping() ? dc.clipBoundingRect().toAlignedRect() : QRect();
+    for (std::size_t i = 1; i < m_arShape.size(); ++i) {
+        CGVLShape& shape = *m_arShape[i];
+        if (!area.isNull()) {
+            const QRect bounds = shape.DrawnBounds();
+            if (!bounds.isNull() && !bounds.intersects(area))
+                continue;
+        }
+        shape.Draw(dc, m_bHide, 0);
+    }
     DrawCrossLines(dc, width, height);
 }
 
@@ -530,6 +602,17 @@ void CGVLElemMgr::DrawToBits(uchar* buffer, int width, int height)
         return;
     const Call call(*this);
     RenderBits(buffer, width, height, 1, [&](QPainter& dc) { DrawAll(dc, width, height); });
+}
+
+bool CGVLElemMgr::DrawToBitsIfChanged(
+    uchar* buffer, int width, int height, std::optional<std::uint64_t>& drawnAt)
+{
+    const Call call(*this);
+    if (drawnAt == m_nChanges)
+        return false;
+    DrawToBits(buffer, width, height);
+    drawnAt = m_nChanges;
+    return true;
 }
 
 void CGVLElemMgr::DrawToImage(uchar* buffer, int width, int height, bool elements, bool ruler, int, bool date,

@@ -18,6 +18,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 class CGVLAnoText;
@@ -62,6 +63,10 @@ public:
     // appended) for a number that is no kind (ShapeKinds).
     CGVLShape* CreateShape(int type);
     CGVLShape* CreateShape(ShapeType type);
+    // Appends finished elements made by this manager's factories (a
+    // picture's stored ones) in one step: counting markers are numbered on
+    // from the count, every element takes the origin as its reference point.
+    void AppendShapes(std::vector<std::unique_ptr<CGVLShape>> shapes);
 
     // With the text tool the press is followed by the text question (see
     // SetWindow), run without the lock held; do not call it while holding
@@ -94,12 +99,23 @@ public:
     // up to date. Hold Lock() around it together with the setters restoring
     // what goes with it, so a drawing worker sees all or nothing.
     void ReplaceShapes(const std::vector<std::unique_ptr<CGVLShape>>& shapes);
+    // The same for the `count` elements from `first` on (both cut to the
+    // list): copies of `shapes` (null ones left out) take their place, the
+    // elements around them stay as they are.
+    void ReplaceShapes(std::size_t first, std::size_t count, const std::vector<const CGVLShape*>& shapes);
 
+    // With a clip on the painter, elements whose DrawnBounds lie outside it
+    // are passed by.
     void DrawAll(QPainter& dc, int width, int height);
     // The live overlay: a bottom-up 24-bit buffer, rows padded to 4 bytes
     // (DibStride(width) bytes each), filled with 1 before drawing, so 1,1,1 marks pixels no element covers.
     // Never touches a window; safe on the overlay worker.
     void DrawToBits(uchar* buffer, int width, int height);
+    // DrawToBits unless ChangeCount() is still `drawnAt` (unset: never
+    // drawn), which then takes the count the drawing shows; true when it
+    // drew. Count and drawing are taken under one lock, so no change falls
+    // between them.
+    bool DrawToBitsIfChanged(uchar* buffer, int width, int height, std::optional<std::uint64_t>& drawnAt);
     // The overlay of a saved picture, same layout, filled with 0 first (black
     // is transparent when it is laid over the picture).
     void DrawToImage(uchar* buffer, int width, int height, bool elements, bool ruler, int reserved, bool date,
@@ -158,6 +174,16 @@ public:
     // That picture now: null without a source.
     QImage SnapPicture() const;
 
+    // Moves with every change to what the elements draw: an element made,
+    // moved, edited or deleted, a selection, the calibration, the appearance,
+    // the cross lines, the ruler shown, hidden, the window or its scroll
+    // origin. Drawing, exports, a setter given what it has and a hover that
+    // moves nothing leave it. The live overlay is redrawn only when it moved.
+    std::uint64_t ChangeCount() const;
+    // Counts a change. Elements call it whenever they ask for a repaint, so
+    // whatever the window repaints the live overlay redraws too.
+    void NoteChange();
+
     // The number the last counting marker got; the next one gets one more.
     void SetCount(int count);
     int GetCount() const;
@@ -207,6 +233,7 @@ private:
 
     mutable std::recursive_mutex m_mutex;
     int m_nCallDepth = 0;
+    std::uint64_t m_nChanges = 0;
     // Elements that left the list during the current call, destroyed when the
     // outermost call returns.
     std::vector<std::unique_ptr<CGVLShape>> m_arLeft;

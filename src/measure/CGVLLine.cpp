@@ -98,8 +98,7 @@ int CGVLLine::OnMouseMove(unsigned, const QPoint& point, int)
 
 int CGVLLine::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
-    const bool tooShort = CoordCount() == 2 && std::abs(m_arCoord[0].x() - m_arCoord[1].x()) < m_nMinSize
-        && std::abs(m_arCoord[0].y() - m_arCoord[1].y()) < m_nMinSize;
+    const bool tooShort = IsDegenerate();
     // Both ends look for their edge along the line, the way the drag went.
     if (m_bDown && m_nOwnTool == kToolLine && CoordCount() == 2 && !tooShort) {
         const QPointF along(m_arCoord[0] - m_arCoord[1]);
@@ -174,4 +173,10 @@ QString CGVLLine::LabelText() const
             MeasureTables::kLengthFormats, Precision(), GetLength(), UnitText(), LengthUncertainty());
     }
     return MeasureTables::FormatLabel(MeasureTables::kLengthFormats, Precision(), GetLength(), UnitText());
+}
+
+bool CGVLLine::IsDegenerate() const
+{
+    return CoordCount() == 2 && std::abs(m_arCoord[0].x() - m_arCoord[1].x()) < m_nMinSize
+        && std::abs(m_arCoord[0].y() - m_arCoord[1].y()) < m_nMinSize;
 }

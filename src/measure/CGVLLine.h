@@ -20,6 +20,7 @@ public:
     void UpdateElem() override;
     bool IsPtOnShape(const QPoint& point) const override;
     void ClearCoords() override;
+    bool IsDegenerate() const override;
 
     // Top-left of the label's cell, beside the middle of the line.
     QPoint LabelPos() const;

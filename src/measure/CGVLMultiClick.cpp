@@ -41,3 +41,11 @@ void CGVLMultiClick::ClearCoords()
 {
     LeaveManager();
 }
+
+bool CGVLMultiClick::TakeStoredPoints(std::vector<QPoint> points)
+{
+    m_nClick = int(points.size());
+    if (!points.empty())
+        m_ptRubber = points.back();
+    return CGVLShape::TakeStoredPoints(std::move(points));
+}

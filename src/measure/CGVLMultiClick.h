@@ -14,6 +14,7 @@ public:
     // press puts the shape down with the rubber band at the cursor.
     int OnLButtonDown(unsigned flags, const QPoint& point, int tool) override;
     void ClearCoords() override;
+    bool TakeStoredPoints(std::vector<QPoint> points) override;
 
     // Where the cursor was last seen while the shape was being placed.
     QPoint RubberPoint() const { return m_ptRubber; }

@@ -27,6 +27,21 @@ GdiRect CGVLNo::CircleRect() const
     return CircleAround(m_arCoord[0], Gdi::TextExtent(LabelFont(), QString::number(m_nNumber)));
 }
 
+QRect CGVLNo::DrawnBounds() const
+{
+    if (CoordCount() != 1)
+        return {};
+    // The label and the circle lie within the number's extent around the
+    // point; measuring it costs as much as drawing, so it is bounded from the
+    // label cell instead: a digit is never twice the average character wide,
+    // the line never twice the cell high.
+    const QSize cell = LabelCell(FontSize());
+    const int digits = int(QString::number(m_nNumber).size());
+    const int reach = std::max(2 * cell.height(), 2 * cell.width() * digits) + 4;
+    const QPoint& p = m_arCoord[0];
+    return QRect(p - QPoint(reach, reach), p + QPoint(reach, reach));
+}
+
 void CGVLNo::Draw(QPainter& dc, int hidden, int)
 {
     if (hidden || CoordCount() != 1)
@@ -52,6 +67,9 @@ int CGVLNo::OnMouseMove(unsigned, const QPoint& point, int)
 
 int CGVLNo::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
+    // Every marker hears every release: one it leaves as it is is not repainted.
+    if (!m_bDown && m_nHit == -1 && !(m_bSelected && tool == kToolCounting))
+        return -1;
     UpdateElem();
     m_bDown = false;
     m_nHit = -1;

@@ -15,6 +15,7 @@ public:
     int OnMouseMove(unsigned flags, const QPoint& point, int tool) override;
     void UpdateElem() override;
     void ClearCoords() override;
+    QRect DrawnBounds() const override;
 
     int GetNumber() const { return m_nNumber; }
     void SetNumber(int number) { m_nNumber = number; }

@@ -42,6 +42,8 @@ int CGVLPoint::OnMouseMove(unsigned, const QPoint& point, int)
 
 int CGVLPoint::OnLButtonUp(unsigned, const QPoint&, int)
 {
+    if (!m_bDown)
+        return -1;
     UpdateElem();
     m_bDown = false;
     return -1;

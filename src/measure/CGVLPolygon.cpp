@@ -90,7 +90,7 @@ int CGVLPolygon::OnRButtonDown(unsigned, const QPoint&, int tool)
     m_bClosed = true;
     m_bDown = false;
     m_nHit = -1;
-    if (CoordCount() < 3)
+    if (IsDegenerate())
         ClearCoords(); // may leave the manager: nothing of this element from here on
     return -1;
 }
@@ -116,4 +116,15 @@ int CGVLPolygon::HitVertex(const QPoint& point) const
             return 1;
     }
     return -1;
+}
+
+bool CGVLPolygon::IsDegenerate() const
+{
+    return CoordCount() < 3;
+}
+
+bool CGVLPolygon::TakeStoredPoints(std::vector<QPoint> points)
+{
+    m_bClosed = true;
+    return CGVLMultiClick::TakeStoredPoints(std::move(points));
 }

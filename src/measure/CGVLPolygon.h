@@ -27,6 +27,9 @@ public:
     int OnLButtonUp(unsigned flags, const QPoint& point, int tool) override;
     int OnMouseMove(unsigned flags, const QPoint& point, int tool) override;
     void UpdateElem() override;
+    bool IsDegenerate() const override;
+    // Closed, as every polygon a picture keeps.
+    bool TakeStoredPoints(std::vector<QPoint> points) override;
 
     virtual int GetHit() const;
     // 1 when the point lies within 10 pixels (both ways) of a vertex of a

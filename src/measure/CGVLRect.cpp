@@ -70,8 +70,7 @@ int CGVLRect::OnMouseMove(unsigned, const QPoint& point, int)
 
 int CGVLRect::OnLButtonUp(unsigned, const QPoint&, int tool)
 {
-    const bool tooSmall = CoordCount() == 4 && std::abs(m_arCoord[3].x() - m_arCoord[0].x()) < kMinSide
-        && std::abs(m_arCoord[3].y() - m_arCoord[0].y()) < kMinSide;
+    const bool tooSmall = IsDegenerate();
     return ReleaseOrDiscard(tool, kToolRect, tooSmall);
 }
 
@@ -111,4 +110,10 @@ void CGVLRect::UpdateElem()
 void CGVLRect::ClearCoords()
 {
     LeaveManager();
+}
+
+bool CGVLRect::IsDegenerate() const
+{
+    return CoordCount() == 4 && std::abs(m_arCoord[3].x() - m_arCoord[0].x()) < kMinSide
+        && std::abs(m_arCoord[3].y() - m_arCoord[0].y()) < kMinSide;
 }

@@ -31,6 +31,7 @@ public:
     // Sets a corner as described above; the index rules are the base's.
     int SetCoord(int index, const QPoint& point) override;
     void ClearCoords() override;
+    bool IsDegenerate() const override;
 
 private:
     // Puts points 1 and 2 at the corners that points 0 and 3 define.

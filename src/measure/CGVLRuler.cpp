@@ -153,6 +153,9 @@ void CGVLRuler::Calibrate()
 
 int CGVLRuler::OnLButtonUp(unsigned, const QPoint&, int)
 {
+    // Not held: every release reaches the ruler, and this one leaves it as it is.
+    if (m_nRulerHit == kHitNone)
+        return -1;
     UpdateElem();
     m_nRulerHit = kHitNone;
     return -1;

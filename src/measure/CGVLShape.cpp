@@ -41,14 +41,20 @@ std::uint32_t CGVLShape::GetId() const
 
 void CGVLShape::SetUnit(const CalibrationRecord& unit)
 {
-    if (m_pUnit)
+    if (m_pUnit && *m_pUnit != unit) {
         *m_pUnit = unit;
+        if (m_pMgr)
+            m_pMgr->NoteChange();
+    }
 }
 
 void CGVLShape::SetColor(const ColorRecord& color)
 {
-    if (m_pColor)
+    if (m_pColor && !(*m_pColor == color)) {
         *m_pColor = color;
+        if (m_pMgr)
+            m_pMgr->NoteChange();
+    }
 }
 
 double CGVLShape::GetLength() const
@@ -329,14 +335,21 @@ int CGVLShape::StandardLButtonDown(const QPoint& point, int tool, int ownTool)
 
 int CGVLShape::ReleaseOrDiscard(int tool, int ownTool, bool tooSmall)
 {
+    const bool discard = CoordCount() == 1 || tooSmall;
+    // Every element hears every release: one it leaves as it is is not repainted.
+    if (!discard && !m_bDown && m_nHit == -1 && !(m_bSelected && tool == ownTool))
+        return -1;
     UpdateElem();
     m_bDown = false;
     m_nHit = -1;
     if (tool == ownTool)
         m_bSelected = false;
     QObject* const wnd = m_hWnd;
-    if (CoordCount() == 1 || tooSmall)
+    CGVLElemMgr* const mgr = m_pMgr;
+    if (discard)
         ClearCoords(); // may leave the manager: only locals from here on
+    if (mgr)
+        mgr->NoteChange();
     InvalidateWindow(wnd);
     return -1;
 }
@@ -453,15 +466,30 @@ void CGVLShape::DrawLabel(QPainter& dc, const QPoint& topLeft, const QString& te
 
 void CGVLShape::Invalidate(const GdiRect& rect) const
 {
+    if (m_pMgr)
+        m_pMgr->NoteChange();
     InvalidateWindow(m_hWnd, rect.Normalized().ToQRect());
 }
 
 void CGVLShape::InvalidateAll() const
 {
+    if (m_pMgr)
+        m_pMgr->NoteChange();
     InvalidateWindow(m_hWnd);
 }
 
 Gdi::Pen CGVLShape::StrokePen(bool dotted, int width) const
 {
     return Gdi::Pen { RulerColor(), width, dotted ? Gdi::PenStyle::Dot : Gdi::PenStyle::Solid };
+}
+
+bool CGVLShape::IsDegenerate() const
+{
+    return false;
+}
+
+bool CGVLShape::TakeStoredPoints(std::vector<QPoint> points)
+{
+    m_arCoord = std::move(points);
+    return !IsDegenerate();
 }

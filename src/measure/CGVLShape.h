@@ -91,6 +91,17 @@ public:
     virtual void ClearCoords();
     virtual void SetRefPoint(const QPoint& point);
     virtual bool IsRefPoint(const QPoint& point) const;
+    // Too small or too thin to measure. The kinds that check it when drawn
+    // drop such an element at release; one read from a picture is dropped.
+    virtual bool IsDegenerate() const;
+    // Takes the points a picture kept as those of a finished element,
+    // nothing being placed or dragged; false when they make it degenerate.
+    virtual bool TakeStoredPoints(std::vector<QPoint> points);
+
+    // A rectangle that holds every pixel Draw paints, found without drawing,
+    // so a repaint of another area can pass the element by; null when the
+    // element cannot tell, and is then always drawn.
+    virtual QRect DrawnBounds() const { return {}; }
 
     int CoordCount() const { return int(m_arCoord.size()); }
     // Every point still sits where "Snap to edges" placed it.

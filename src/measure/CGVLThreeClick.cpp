@@ -12,10 +12,13 @@ int CGVLThreeClick::OnLButtonUp(unsigned, const QPoint& point, int tool)
             m_nHit = -1;
             m_bDown = false;
         }
-    } else if (tool == kToolMove) {
+    } else if (tool == kToolMove && (m_bDown || m_bDragging || m_nHit != -1)) {
         m_bDown = false;
         m_bDragging = false;
         m_nHit = -1;
+    } else {
+        // Not this shape's release: nothing to repaint.
+        return -1;
     }
     InvalidateAll();
     return -1;

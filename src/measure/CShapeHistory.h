@@ -2,7 +2,7 @@
 
 #include "calibration/CalibrationRecord.h"
 
-#include <QByteArray>
+#include <QPoint>
 
 #include <cstddef>
 #include <memory>
@@ -12,14 +12,20 @@ class CGVLElemMgr;
 class CGVLShape;
 
 // Undo and redo for one document: after each finished edit (a gesture, a
-// command, a calibration applied) the whole element list, ruler included,
-// the counting number and the calibration record are kept as one step,
-// unless nothing a user can see changed. Stepping back or forth puts copies
-// of a kept state into the manager.
+// command, a calibration applied) what changed since the last step is kept
+// as one step, unless nothing a user can see changed: the run of elements
+// that differ (ruler included) as they were and as they are, the counting
+// number and the calibration record. Stepping back or forth puts copies of
+// the kept elements into the manager in place of that run.
 //
-// Threads: user-interface thread only. The states are taken and put back
-// under the manager's lock, so a live overlay worker drawing meanwhile sees
-// either the old list or the new one, never a half-replaced one.
+// A copy of the list as the current step left it is kept to tell what the
+// next edit changed; the steps share their elements with it, so a long
+// counting session costs one copy of the list and the elements each step
+// touched.
+//
+// Threads: user-interface thread only. Steps are taken and put back under
+// the manager's lock, so a live overlay worker drawing meanwhile sees either
+// the old list or the new one, never a half-replaced one.
 class CShapeHistory
 {
 public:
@@ -33,8 +39,8 @@ public:
 
     // Forgets every step: the state as it stands is where undo stops.
     void Reset();
-    // Keeps the state as it stands as a new step when it differs from the
-    // current one, dropping the steps that could be redone. True for a step.
+    // Keeps what changed since the current step as a new step when a user
+    // can see it, dropping the steps that could be redone. True for a step.
     bool Commit();
     bool CanUndo() const;
     bool CanRedo() const;
@@ -44,20 +50,45 @@ public:
     bool Redo();
 
 private:
+    using Copy = std::shared_ptr<const CGVLShape>;
+
+    // An element that was selected, held or hit when its state was kept;
+    // the others were at rest.
+    struct Flags
+    {
+        std::size_t index = 0;
+        bool selected = false;
+        bool down = false;
+        int hit = -1;
+        QPoint dragFrom;
+    };
+    // What goes with the elements of one state.
     struct State
     {
-        std::vector<std::unique_ptr<CGVLShape>> shapes;
         int count = 0;
         CalibrationRecord unit;
-        // What the user sees of the state, for telling a real change.
-        QByteArray key;
+        std::vector<Flags> flags;
+    };
+    // From one state to the next: the elements from `at` on, `before`
+    // replaced by `after`.
+    struct Step
+    {
+        std::size_t at = 0;
+        std::vector<Copy> before;
+        std::vector<Copy> after;
     };
 
-    State Take() const;
-    void Restore(const State& state);
+    // Under the manager's lock.
+    State TakeState() const;
+    // Puts back state `to` by replacing `from` with `with` at `at`.
+    void Apply(std::size_t at, const std::vector<Copy>& from, const std::vector<Copy>& with, const State& to);
 
     CGVLElemMgr& m_mgr;
     std::size_t m_nMaxSteps;
+    // m_steps[i] leads from m_states[i] to m_states[i + 1].
     std::vector<State> m_states;
+    std::vector<Step> m_steps;
     std::size_t m_current = 0;
+    // The elements of m_states[m_current].
+    std::vector<Copy> m_shapes;
 };

@@ -4,6 +4,8 @@
 #include "measure/CGVLElemMgr.h"
 #include "measure/ShapesJson.h"
 
+#include <cmath>
+
 namespace {
 
 // Property names of our XMP namespace.
@@ -53,27 +55,35 @@ bool Write(
 
 Stored Read(const QString& path)
 {
-    const PictureXmp::Properties properties = PictureXmp::Read(path);
+    return FromProperties(PictureXmp::Read(path));
+}
+
+Stored FromProperties(const PictureXmp::Properties& properties)
+{
     Stored stored;
-    bool ok[3] = {};
-    const int unitIndex = properties.value(kXmpUnit).toInt(&ok[0]);
-    const double x = properties.value(kXmpXPerPixel).toDouble(&ok[1]);
-    const double y = properties.value(kXmpYPerPixel).toDouble(&ok[2]);
-    if (ok[0] && ok[1] && ok[2] && unitIndex >= 0 && unitIndex <= 4 && x > 0 && y > 0) {
+    // A size is a finite positive number, or it is not one.
+    auto size = [&properties](const QString& name, double& to) {
+        bool ok = false;
+        to = properties.value(name).toDouble(&ok);
+        return ok && std::isfinite(to) && to > 0;
+    };
+    bool ok = false;
+    const int unitIndex = properties.value(kXmpUnit).toInt(&ok);
+    double x = 0;
+    double y = 0;
+    const bool xSize = size(kXmpXPerPixel, x);
+    const bool sizes = size(kXmpYPerPixel, y) && xSize;
+    if (ok && unitIndex >= 0 && unitIndex <= 4 && sizes) {
         CalibrationRecord unit;
         unit.m_rtUnit = unitIndex;
         unit.m_dcxPerPixel = x;
         unit.m_dcyPerPixel = y;
-        bool real = false;
-        if (const double v = properties.value(kXmpXReal).toDouble(&real); real && v > 0) {
-            unit.m_dcxReal = v;
-            stored.hasXReal = true;
-        }
-        if (const double v = properties.value(kXmpYReal).toDouble(&real); real && v > 0) {
-            unit.m_dcyReal = v;
-            stored.hasYReal = true;
-        }
+        stored.hasXReal = size(kXmpXReal, unit.m_dcxReal);
+        stored.hasYReal = size(kXmpYReal, unit.m_dcyReal);
         stored.unit = unit;
+    } else {
+        stored.invalidUnit = properties.contains(kXmpUnit) || properties.contains(kXmpXPerPixel)
+            || properties.contains(kXmpYPerPixel);
     }
     stored.shapes = properties.value(kXmpShapes).toUtf8();
     return stored;

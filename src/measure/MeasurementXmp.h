@@ -1,6 +1,7 @@
 #pragma once
 
 #include "calibration/CalibrationRecord.h"
+#include "image/PictureXmp.h"
 
 #include <QByteArray>
 #include <QString>
@@ -18,6 +19,9 @@ struct Stored
 {
     // Unit and per-pixel sizes, when the file holds a valid calibration.
     std::optional<CalibrationRecord> unit;
+    // The file holds a calibration that is not: a unit outside 0..4 or a
+    // per-pixel size that is not a finite positive number. It is not used.
+    bool invalidUnit = false;
     // The real arm lengths are taken only when given and positive; otherwise
     // the record's own stay.
     bool hasXReal = false;
@@ -36,5 +40,7 @@ bool Write(const QString& path, CGVLElemMgr& mgr, bool withShapes, double scaleX
     QString* error = nullptr);
 
 Stored Read(const QString& path);
+// The same from the properties PictureXmp read.
+Stored FromProperties(const PictureXmp::Properties& properties);
 
 } // namespace MeasurementXmp

@@ -64,7 +64,6 @@ double RadiusOf(const CGVLShape& shape)
 }
 
 using Unit = CsvRow::Unit;
-using Gesture = ShapeStorage::Gesture;
 
 constexpr CsvRow kLineRows[] { { "Line distance", Unit::Length, &LengthOf } };
 constexpr CsvRow kAngleRows[] { { "Angle", Unit::Degree, &AngleOf } };
@@ -80,80 +79,68 @@ constexpr ShapeKind kKinds[] {
     { .type = ShapeType::Point,
         .tool = ToolCode::Point,
         .factory = kClass<CGVLPoint>,
-        .storage = { Gesture::Click, 1 },
+        .storage = { true, 1 },
         .drawCursor = true },
     // Point 0 is where the drag ended.
     { .type = ShapeType::Line,
         .tool = ToolCode::Line,
         .factory = kClass<CGVLLine>,
         .csv = kLineRows,
-        .storage = { Gesture::Drag, 2, 1, 0 },
+        .storage = { true, 2 },
         .drawCursor = true },
     { .type = ShapeType::Angle,
         .tool = ToolCode::Angle,
         .factory = kClass<CGVLAngle>,
         .press = PressRoute::ContinuePlacing,
         .csv = kAngleRows,
-        .storage = { Gesture::Clicks, 3 },
+        .storage = { true, 3 },
         .drawCursor = true },
-    // The four corners; the drag went along the diagonal from 0 to 3.
+    // The four corners, 0 and 3 diagonally opposite.
     { .type = ShapeType::Rect,
         .tool = ToolCode::Rect,
         .factory = kClass<CGVLRect>,
         .csv = kRectRows,
-        .storage = { Gesture::Drag, 4, 0, 3 },
+        .storage = { true, 4 },
         .drawCursor = true },
     { .type = ShapeType::Polygon,
         .tool = ToolCode::Polygon,
         .factory = kClass<CGVLPolygon>,
         .press = PressRoute::ContinueOpenPolygon,
         .csv = kPolygonRows,
-        .storage = { Gesture::ClicksThenRightPress, 3 },
+        .storage = { true, 3, true },
         .drawCursor = true },
     // The centre, then a point of the rim.
     { .type = ShapeType::Circle,
         .tool = ToolCode::Circle,
         .factory = kClass<CGVLCircle>,
         .csv = kCircleRows,
-        .storage = { Gesture::Drag, 2, 0, 1 },
+        .storage = { true, 2 },
         .drawCursor = true },
     { .type = ShapeType::TriCircle,
         .tool = ToolCode::TriCircle,
         .factory = kClass<CGVLCircleT>,
         .press = PressRoute::ContinuePlacing,
         .csv = kTriCircleRows,
-        .storage = { Gesture::Clicks, 3 },
+        .storage = { true, 3 },
         .drawCursor = true },
     // The ruler and the scale belong to the view: no tool draws them and no
     // picture keeps them.
-    { .type = ShapeType::Ruler,
-        .factory = kClass<CGVLRuler>,
-        .storage = { Gesture::NotKept },
-        .permanent = true },
-    { .type = ShapeType::Scale,
-        .factory = kClass<CGVLScale>,
-        .storage = { Gesture::NotKept },
-        .permanent = true },
+    { .type = ShapeType::Ruler, .factory = kClass<CGVLRuler>, .storage = { false }, .permanent = true },
+    { .type = ShapeType::Scale, .factory = kClass<CGVLScale>, .storage = { false }, .permanent = true },
     { .type = ShapeType::Counting,
         .tool = ToolCode::Counting,
         .factory = kClass<CGVLNo>,
-        .storage = { Gesture::Click, 1 } },
+        .storage = { true, 1 } },
     // Point 0 is where the drag ended, as for the line.
     { .type = ShapeType::Arrow,
         .tool = ToolCode::Arrow,
         .factory = kClass<CGVLAnoArrow>,
-        .storage = { Gesture::Drag, 2, 1, 0 } },
+        .storage = { true, 2 } },
     { .type = ShapeType::Text,
         .tool = ToolCode::Text,
         .factory = kClass<CGVLAnoText>,
-        .storage = { Gesture::Text, 1 } },
+        .storage = { true, 1 } },
 };
-
-// A drag starts and ends on points the picture keeps.
-static_assert(std::ranges::all_of(kKinds, [](const ShapeKind& k) {
-    const ShapeStorage& s = k.storage;
-    return s.gesture != Gesture::Drag || (s.from < s.points && s.to < s.points && s.from != s.to);
-}));
 
 // The rows by type id: every exported element and every undo step looks one
 // up per element.
@@ -175,6 +162,12 @@ std::span<const ShapeKind> ShapeKinds()
 const ShapeKind* FindShapeKind(int type)
 {
     return type >= 0 && std::size_t(type) < kTypeLimit ? kByType[std::size_t(type)] : nullptr;
+}
+
+std::unique_ptr<CGVLShape> CopyShape(const CGVLShape& shape)
+{
+    const ShapeKind* kind = FindShapeKind(shape.GetType());
+    return kind ? kind->factory.copy(shape) : nullptr;
 }
 
 const ShapeKind* ShapeKindForTool(int tool)

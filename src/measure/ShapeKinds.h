@@ -72,24 +72,15 @@ struct CsvRow
     double (*value)(const CGVLShape& shape);
 };
 
-// How a picture keeps an element: its type and points (ShapesJson), brought
-// back by replaying the input that made it.
+// How a picture keeps an element: its type and points (ShapesJson), from
+// which it is rebuilt directly (CGVLShape::TakeStoredPoints).
 struct ShapeStorage
 {
-    enum class Gesture {
-        NotKept, // belongs to the view, not to the picture
-        Click, // one click on point 0
-        Drag, // a drag from point `from` to point `to`
-        Clicks, // one click on each point
-        ClicksThenRightPress, // one click on each point, a right press on the last
-        Text, // a click on point 0, answered with the kept lines of text
-    };
-    Gesture gesture;
-    // The points the gesture needs: exactly so many, or at least so many for
-    // ClicksThenRightPress.
+    // False for the kinds that belong to the view, not to the picture.
+    bool kept = false;
+    // The points it needs: exactly so many, or at least so many with orMore.
     std::size_t points = 0;
-    std::size_t from = 0;
-    std::size_t to = 0;
+    bool orMore = false;
 };
 
 // Makes the elements of one class: `make` a new one in a manager, with the
@@ -122,6 +113,9 @@ struct ShapeKind
 std::span<const ShapeKind> ShapeKinds();
 // The kind of a type id, or null for a number that is no kind.
 const ShapeKind* FindShapeKind(int type);
+// A copy as the class the element's type id names (its kind's
+// factory.copy), or null.
+std::unique_ptr<CGVLShape> CopyShape(const CGVLShape& shape);
 // The kind a tool draws, or null for the other tools.
 const ShapeKind* ShapeKindForTool(int tool);
 // The drawing cursor: the drawing kinds' tools and the press-last tool.

@@ -7,119 +7,209 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QStringList>
 
+#include <cmath>
+#include <memory>
 #include <vector>
 
 namespace {
 
-void Click(CGVLElemMgr& mgr, const QPoint& p, int tool)
+// One element as stored, before it is checked.
+struct Entry
 {
-    mgr.OnMouseMove(0, p, tool);
-    mgr.OnLButtonDown(0, p, tool);
-    mgr.OnLButtonUp(0, p, tool);
+    int type = 0;
+    std::vector<QPoint> points;
+    QStringList text;
+    bool malformed = false;
+    bool outOfReach = false;
+};
+
+// A coordinate within reach, rounded as the older writers' integers were.
+bool TakeCoordinate(const QJsonValue& value, int& to, Entry& entry)
+{
+    if (!value.isDouble()) {
+        entry.malformed = true;
+        return false;
+    }
+    const double v = value.toDouble();
+    if (!std::isfinite(v) || std::abs(v) > StoredShapeLimits::kCoordinate) {
+        entry.outOfReach = true;
+        return false;
+    }
+    to = int(std::lround(v));
+    return true;
 }
 
-void Drag(CGVLElemMgr& mgr, const QPoint& from, const QPoint& to, int tool)
+void TakePoint(const QJsonValue& x, const QJsonValue& y, Entry& entry)
 {
-    mgr.OnLButtonDown(0, from, tool);
-    // The first move gives a dragged shape its second point.
-    mgr.OnMouseMove(0, from, tool);
-    mgr.OnMouseMove(0, to, tool);
-    mgr.OnLButtonUp(0, to, tool);
+    QPoint p;
+    if (TakeCoordinate(x, p.rx(), entry) && TakeCoordinate(y, p.ry(), entry))
+        entry.points.push_back(p);
 }
 
-// Replays the input of one element; false when the type has no fitting input.
-bool Replay(CGVLElemMgr& mgr, int type, const std::vector<QPoint>& points, const QStringList& text)
+// [type, x0, y0, x1, y1, ..., "line", ...]
+Entry FromArray(const QJsonArray& array)
 {
-    const ShapeKind* kind = FindShapeKind(type);
-    if (!kind)
-        return false;
-    using Gesture = ShapeStorage::Gesture;
-    const ShapeStorage& storage = kind->storage;
-    const int tool = int(kind->tool);
-    const std::size_t n = points.size();
-    if (storage.gesture == Gesture::ClicksThenRightPress ? n < storage.points : n != storage.points)
-        return false;
-    switch (storage.gesture) {
-    case Gesture::NotKept:
-        return false;
-    case Gesture::Click:
-        Click(mgr, points[0], tool);
-        return true;
-    case Gesture::Drag:
-        Drag(mgr, points[storage.from], points[storage.to], tool);
-        return true;
-    case Gesture::Clicks:
-        for (const QPoint& p : points)
-            Click(mgr, p, tool);
-        return true;
-    case Gesture::ClicksThenRightPress:
-        for (const QPoint& p : points)
-            Click(mgr, p, tool);
-        mgr.OnRButtonDown(0, points.back(), tool);
-        return true;
-    case Gesture::Text: {
-        CGVLElemMgr::TextInput previous = mgr.SetTextInput([&text](QObject*, QStringList& lines) {
-            lines = text;
-            return true;
-        });
-        Click(mgr, points[0], tool);
-        mgr.SetTextInput(std::move(previous));
-        return true;
+    Entry entry;
+    if (array.isEmpty() || !array[0].isDouble()) {
+        entry.malformed = true;
+        return entry;
     }
+    entry.type = array[0].toInt(-1);
+    qsizetype i = 1;
+    while (i < array.size() && !array[i].isString()) {
+        if (i + 1 >= array.size()) {
+            entry.malformed = true;
+            return entry;
+        }
+        TakePoint(array[i], array[i + 1], entry);
+        i += 2;
     }
-    return false;
+    for (; i < array.size(); ++i) {
+        if (!array[i].isString())
+            entry.malformed = true;
+        entry.text.append(array[i].toString());
+    }
+    return entry;
+}
+
+// {"type": id, "points": [[x, y], ...], "text": [lines]}
+Entry FromObject(const QJsonObject& object)
+{
+    Entry entry;
+    entry.type = object.value("type").toInt(-1);
+    for (const QJsonValue& p : object.value("points").toArray()) {
+        const QJsonArray xy = p.toArray();
+        if (xy.size() != 2)
+            entry.malformed = true;
+        else
+            TakePoint(xy[0], xy[1], entry);
+    }
+    for (const QJsonValue& line : object.value("text").toArray())
+        entry.text.append(line.toString());
+    return entry;
+}
+
+bool FitsKind(const ShapeStorage& storage, std::size_t points)
+{
+    // Too few points for a kind that takes more makes it degenerate, not damaged.
+    return storage.kept && (storage.orMore || points == storage.points);
 }
 
 } // namespace
 
+QString ShapesRead::Note() const
+{
+    if (tooLarge)
+        return QStringLiteral("the stored shapes take more than %1 MB, more than the program reads")
+            .arg(StoredShapeLimits::kText / (1024 * 1024));
+    QStringList why;
+    if (overLimit)
+        why << QStringLiteral("%1 past the program's limits (%2 shapes, %3 points in all)")
+                   .arg(overLimit)
+                   .arg(StoredShapeLimits::kShapes)
+                   .arg(StoredShapeLimits::kPoints);
+    if (outOfReach)
+        why << QStringLiteral("%1 with coordinates beyond %2 pixels")
+                   .arg(outOfReach)
+                   .arg(StoredShapeLimits::kCoordinate);
+    if (damaged)
+        why << QStringLiteral("%1 damaged or of a kind this program does not know").arg(damaged);
+    if (why.isEmpty())
+        return {};
+    return QStringLiteral("%1 stored shapes were left out: %2")
+        .arg(overLimit + outOfReach + damaged)
+        .arg(why.join(QStringLiteral("; ")));
+}
+
 QByteArray ShapesToJson(CGVLElemMgr& mgr)
 {
-    QJsonArray shapes;
+    QByteArray out("[");
     const auto lock = mgr.Lock();
     for (std::size_t i = 1; i < mgr.m_arShape.size(); ++i) {
         const CGVLShape& shape = *mgr.m_arShape[i];
         const int type = shape.m_nType;
         const ShapeKind* kind = FindShapeKind(type);
-        if (kind && kind->storage.gesture == ShapeStorage::Gesture::NotKept)
+        if (kind && !kind->storage.kept)
             continue;
-        QJsonArray points;
-        for (const QPoint& p : shape.m_arCoord)
-            points.append(QJsonArray { p.x(), p.y() });
-        QJsonObject entry { { "type", type }, { "points", points } };
-        if (const auto* text = dynamic_cast<const CGVLAnoText*>(&shape))
-            entry.insert("text", QJsonArray::fromStringList(text->m_arText));
-        shapes.append(entry);
+        if (out.size() > 1)
+            out += ',';
+        if (const auto* text = dynamic_cast<const CGVLAnoText*>(&shape)) {
+            // Strings want JSON's escaping.
+            QJsonArray entry { type };
+            for (const QPoint& p : shape.m_arCoord)
+                entry << p.x() << p.y();
+            for (const QString& line : text->m_arText)
+                entry << line;
+            out += QJsonDocument(entry).toJson(QJsonDocument::Compact);
+            continue;
+        }
+        out += '[';
+        out += QByteArray::number(type);
+        for (const QPoint& p : shape.m_arCoord) {
+            out += ',';
+            out += QByteArray::number(p.x());
+            out += ',';
+            out += QByteArray::number(p.y());
+        }
+        out += ']';
     }
-    return QJsonDocument(shapes).toJson(QJsonDocument::Compact);
+    out += ']';
+    return out;
+}
+
+ShapesRead ReadShapesJson(CGVLElemMgr& mgr, const QByteArray& json)
+{
+    ShapesRead read;
+    if (json.size() > StoredShapeLimits::kText) {
+        read.tooLarge = true;
+        return read;
+    }
+    const QJsonDocument doc = QJsonDocument::fromJson(json);
+    if (!doc.isArray()) {
+        read.damaged = json.trimmed().isEmpty() ? 0 : 1;
+        return read;
+    }
+    std::vector<std::unique_ptr<CGVLShape>> shapes;
+    qsizetype points = 0;
+    for (const QJsonValue& value : doc.array()) {
+        Entry entry;
+        if (value.isArray())
+            entry = FromArray(value.toArray());
+        else if (value.isObject())
+            entry = FromObject(value.toObject());
+        else
+            entry.malformed = true;
+        const ShapeKind* kind = FindShapeKind(entry.type);
+        if (entry.outOfReach) {
+            ++read.outOfReach;
+            continue;
+        }
+        if (entry.malformed || !kind || !FitsKind(kind->storage, entry.points.size())) {
+            ++read.damaged;
+            continue;
+        }
+        if (int(shapes.size()) >= StoredShapeLimits::kShapes
+            || points + qsizetype(entry.points.size()) > StoredShapeLimits::kPoints) {
+            ++read.overLimit;
+            continue;
+        }
+        std::unique_ptr<CGVLShape> shape = kind->factory.make(mgr);
+        if (auto* text = dynamic_cast<CGVLAnoText*>(shape.get()))
+            text->m_arText = entry.text;
+        const qsizetype count = qsizetype(entry.points.size());
+        if (!shape->TakeStoredPoints(std::move(entry.points)))
+            continue;
+        points += count;
+        shapes.push_back(std::move(shape));
+    }
+    read.made = int(shapes.size());
+    mgr.AppendShapes(std::move(shapes));
+    return read;
 }
 
 int ShapesFromJson(CGVLElemMgr& mgr, const QByteArray& json)
 {
-    const auto count = [&mgr] {
-        const auto lock = mgr.Lock();
-        return mgr.m_arShape.size();
-    };
-    const QJsonDocument doc = QJsonDocument::fromJson(json);
-    if (!doc.isArray())
-        return 0;
-    int made = 0;
-    for (const QJsonValue& value : doc.array()) {
-        const QJsonObject entry = value.toObject();
-        std::vector<QPoint> points;
-        bool valid = true;
-        for (const QJsonValue& p : entry.value("points").toArray()) {
-            const QJsonArray xy = p.toArray();
-            valid = valid && xy.size() == 2 && xy[0].isDouble() && xy[1].isDouble();
-            if (valid)
-                points.emplace_back(xy[0].toInt(), xy[1].toInt());
-        }
-        QStringList text;
-        for (const QJsonValue& line : entry.value("text").toArray())
-            text.append(line.toString());
-        const std::size_t before = count();
-        if (valid && Replay(mgr, entry.value("type").toInt(), points, text) && count() > before)
-            ++made;
-    }
-    return made;
+    return ReadShapesJson(mgr, json).made;
 }

@@ -11,6 +11,7 @@
 #include "ui/IMeasureDocument.h"
 
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPixmap>
 
@@ -110,7 +111,7 @@ bool CGVLWnd::ShowsPicture() const
     return picture && picture->IsValidImage();
 }
 
-void CGVLWnd::paintEvent(QPaintEvent*)
+void CGVLWnd::paintEvent(QPaintEvent* event)
 {
     QPainter dc(this);
     if (!ShowsPicture()) {
@@ -130,6 +131,9 @@ void CGVLWnd::paintEvent(QPaintEvent*)
     const QRegion margin = QRegion(rect()) - area;
     for (const QRect& r : margin)
         dc.fillRect(r, kGrayBrush);
+    // Qt paints only the region asked for anyway; told so, the manager also
+    // passes by the elements that cannot reach it.
+    dc.setClipRegion(event->region());
     m_document.GetElemMgr().DrawAll(dc, size.width(), size.height());
 }
 

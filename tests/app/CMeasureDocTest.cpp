@@ -75,8 +75,8 @@ TEST_F(MeasureFrameTest, LiveVideoComesUpALineDrawnOnItIsExportedAndCaptureMakes
     frame->RouteCommand(ID_MEASURE_SNAP_EDGES);
     EXPECT_TRUE(live->SnapPicture().isNull());
 
-    // The worker keeps publishing overlays while the video runs, and says so
-    // in the debug output.
+    // The worker keeps looking at the shapes while the video runs; it draws a
+    // new overlay when they change, and says so in the debug output.
     static std::atomic<int> passesLogged { 0 };
     QLoggingCategory::setFilterRules(QStringLiteral("oculix.app.debug=true"));
     const QtMessageHandler previous
@@ -84,9 +84,14 @@ TEST_F(MeasureFrameTest, LiveVideoComesUpALineDrawnOnItIsExportedAndCaptureMakes
               if (text == QLatin1String("MakeElemOverlay"))
                   ++passesLogged;
           });
+    const unsigned passes = live->OverlayPasses();
+    EXPECT_TRUE(WaitFor([&] { return live->OverlayPasses() >= passes + 2; }, 2000));
     const unsigned drawn = live->OverlaysDrawn();
-    EXPECT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= drawn + 2; }, 2000));
-    EXPECT_TRUE(WaitFor([] { return passesLogged >= 2; }, 2000));
+    const int logged = passesLogged;
+    live->GetElemMgr().SetCrossLines(true, false);
+    EXPECT_TRUE(WaitFor([&] { return live->OverlaysDrawn() > drawn; }, 2000));
+    EXPECT_TRUE(WaitFor([&] { return passesLogged > logged; }, 2000));
+    live->GetElemMgr().SetCrossLines(false, false);
     qInstallMessageHandler(previous);
     QLoggingCategory::setFilterRules(QString());
 

@@ -23,17 +23,17 @@ TEST_F(MeasureFrameTest, ClosingTheLiveDocumentEndsTheWorkerAndWritesItsSettings
     }
     frame->RouteCommand(ID_MEASURE_LINE);
     Drag(wnd, QPoint(10, 500), QPoint(60, 500));
-    const unsigned drawn = live->OverlaysDrawn();
-    ASSERT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= drawn + 3; }, 30000));
+    const unsigned passes = live->OverlayPasses();
+    ASSERT_TRUE(WaitFor([&] { return live->OverlayPasses() >= passes + 3; }, 30000));
 
     // Undo and redo swap the whole list while the worker draws it: a fixed
     // number of steps, then the worker must draw on.
-    const unsigned before = live->OverlaysDrawn();
+    const unsigned before = live->OverlayPasses();
     for (int step = 0; step < 8; ++step) {
         frame->RouteCommand(step < 4 ? ID_EDIT_UNDO : ID_EDIT_REDO);
         QCoreApplication::processEvents();
     }
-    ASSERT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= before + 3; }, 30000));
+    ASSERT_TRUE(WaitFor([&] { return live->OverlayPasses() >= before + 3; }, 30000));
     while (frame->QueryCommand(ID_EDIT_REDO).IsEnabled())
         frame->RouteCommand(ID_EDIT_REDO);
     EXPECT_EQ(ShapeTypes(*live), (std::vector<int> { 9, 2 })) << "redone to the last line";

@@ -4,6 +4,7 @@
 
 #include <QFileInfo>
 
+#include <csignal>
 #include <unistd.h>
 
 namespace {
@@ -54,6 +55,31 @@ TEST(Instance, SocketLeftByACrashedCopyDoesNotBlockTheNext)
     ProgramProcess next(home);
     EXPECT_TRUE(next.WaitForLog(kStarted)) << next.log.toStdString();
     EXPECT_TRUE(next.log.contains("taking over the stale instance socket"));
+}
+
+// A first copy that hangs (stopped) still holds the name: the second starts
+// no program of its own and tells the user; once the first is gone, the
+// next copy takes over its socket.
+TEST(Instance, HangingFirstCopyKeepsTheNameAndTheUserIsTold)
+{
+    ProgramHome home;
+    ProgramProcess first(home);
+    ASSERT_TRUE(first.WaitForLog(kStarted)) << first.log.toStdString();
+    ASSERT_EQ(::kill(pid_t(first.process.processId()), SIGSTOP), 0);
+
+    ProgramProcess second(home);
+    EXPECT_TRUE(second.WaitForLog("another copy runs and does not answer: told the user", 20000))
+        << second.log.toStdString();
+    EXPECT_FALSE(second.log.contains(kStarted)) << second.log.toStdString();
+    second.process.kill();
+    ASSERT_TRUE(second.WaitForExit());
+    EXPECT_FALSE(second.log.contains(kStarted)) << second.log.toStdString();
+
+    first.process.kill();
+    ::kill(pid_t(first.process.processId()), SIGCONT);
+    ASSERT_TRUE(first.WaitForExit());
+    ProgramProcess next(home);
+    EXPECT_TRUE(next.WaitForLog(kStarted)) << next.log.toStdString();
 }
 
 TEST(Instance, NameIsPerUserInTheRuntimeFolder)

@@ -83,8 +83,8 @@ TEST_F(MeasureFrameTest, RecordCommandRecordsTheLiveVideoAndReturnsToThePreview)
     EXPECT_TRUE(live->IsPreviewRunning());
     EXPECT_TRUE(live->IsProcessingEnabled());
     EXPECT_TRUE(live->IsOverlayWorkerRunning());
-    const unsigned drawn = live->OverlaysDrawn();
-    EXPECT_TRUE(WaitFor([&] { return HasFrame(*live) && live->OverlaysDrawn() > drawn + 2; }, 10000));
+    const unsigned passes = live->OverlayPasses();
+    EXPECT_TRUE(WaitFor([&] { return HasFrame(*live) && live->OverlayPasses() > passes + 2; }, 10000));
     // Every frame processed while recording is in the file (the capture
     // tests compare the whole count with the stream's time).
     EXPECT_GE(recorded, 6);

@@ -135,8 +135,8 @@ TEST_F(LiveCamera, KnownModelStreamsMjpgAndSurvivesBeingPulledWhileRecordingAndP
     EXPECT_FALSE(live->IsCameraLost());
     EXPECT_FALSE(graph.IsRecordGraph());
     ASSERT_TRUE(FreshFrames(*live));
-    const unsigned drawn = live->OverlaysDrawn();
-    EXPECT_TRUE(WaitFor([&] { return live->OverlaysDrawn() >= drawn + 2; }, 5000));
+    const unsigned passes = live->OverlayPasses();
+    EXPECT_TRUE(WaitFor([&] { return live->OverlayPasses() >= passes + 2; }, 5000));
     EXPECT_EQ(ShapeTypes(*live), (std::vector<int> { 9, 2 }));
 
     // Pulled while previewing: the last frame stays to measure on.

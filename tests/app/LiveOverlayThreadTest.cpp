@@ -88,8 +88,9 @@ void Nap()
 // frames on a streaming thread and the user interface thread swaps the shapes
 // back and forth, now and then taking the overlay off and starting the worker
 // again as the preview does after a camera failure. Every frame must carry
-// exactly one whole overlay. The worker runs without a pause between passes,
-// so buffers change hands as often as they can, and the run goes on until
+// exactly one whole overlay. The worker runs without a pause between passes
+// and the shapes count as changed all along, so buffers change hands as often
+// as they can, and the run goes on until
 // enough frames were blended while a pass was under way; it is bounded by
 // counts, never by the clock.
 TEST(LiveOverlayThreadTest, EveryBlendedFrameCarriesOneWholeOverlayWhileTheShapesChange)
@@ -136,10 +137,11 @@ TEST(LiveOverlayThreadTest, EveryBlendedFrameCarriesOneWholeOverlayWhileTheShape
         while (!stop) {
             const unsigned epoch = offEpoch;
             const unsigned drawn = worker.OverlaysDrawn();
+            const unsigned finished = worker.Passes();
             const unsigned begun = passes;
             element.ProcessFrame(
                 frame.data(), std::ptrdiff_t(kStride), out.data(), std::ptrdiff_t(kStride), kWidth, kHeight);
-            if (begun != drawn || passes != begun)
+            if (begun != finished || passes != begun)
                 ++duringPass;
             // Without shapes only before anything was published, or with
             // the overlay taken off.
@@ -174,12 +176,16 @@ TEST(LiveOverlayThreadTest, EveryBlendedFrameCarriesOneWholeOverlayWhileTheShape
         Swap(mgr, swaps % 2 ? stateB : stateA);
         // The new state drawn by a pass that began after the swap, then
         // blended into frames that began after it was published.
-        const unsigned drawn = worker.OverlaysDrawn();
-        while (worker.OverlaysDrawn() < drawn + 2)
+        const unsigned passed = worker.Passes();
+        while (worker.Passes() < passed + 2) {
+            mgr.NoteChange();
             Nap();
+        }
         const unsigned blended = frames;
-        while (frames < blended + 2)
+        while (frames < blended + 2) {
+            mgr.NoteChange();
             Nap();
+        }
     }
     stop = true;
     streaming.join();

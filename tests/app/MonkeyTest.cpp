@@ -646,6 +646,13 @@ TEST_F(Monkey, EveryCommandOfTheTableHasItsEffect)
         { ID_MEASURE_DELETE_ALL, makes([&] { return ShapeTypes(*live) == std::vector<int> { 9 }; }) },
         { ID_MEASURE_CALIBRATION, flips([&] { return live->GetCalibrationDialog()->isVisible(); }) },
         { ID_MEASURE_SETTING, shows("CMeasureColorDlg") },
+        { ID_MEASURE_PARTICLES, shows("CParticlesDlg") },
+        { ID_MEASURE_EXPORT_ROIS,
+            [&](int id) {
+                ASSERT_TRUE(drawLine());
+                shows("QFileDialog")(id);
+            } },
+        { ID_MEASURE_IMPORT_ROIS, shows("QFileDialog") },
         { ID_LANGUAGE_FRENCH, ends },
         { ID_LANGUAGE_CHINESE, ends },
         { ID_LANGUAGE_ENGLISH, ends },

@@ -11,11 +11,14 @@
 #include "image/FCObjImage.h"
 #include "image/PictureXmp.h"
 #include "measure/MeasurementXmp.h"
+#include "measure/ShapesJson.h"
 #include "platform/PrivateProfile.h"
 
 #include <QBuffer>
 #include <QCheckBox>
 #include <QDesktopServices>
+#include <QDir>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -61,6 +64,11 @@ QByteArray Csv(CMeasureDoc& doc)
 void Write(const QString& file, const char* section, const char* key, const QString& value)
 {
     ASSERT_TRUE(WritePrivateProfileString(QLatin1String(section), QLatin1String(key), value, file));
+}
+
+qint64 SizeOfFile(const QString& path)
+{
+    return QFileInfo(path).size();
 }
 
 QSize SizeOf(const QString& path)
@@ -150,7 +158,7 @@ protected:
 
 // Ctrl+S names the file from the "Save" section: folder with or without a
 // trailing "/", the picture folder when it is empty, "Suffix" from 0 and one
-// up after every save, success or not, and the message in every case.
+// up after every save, success or not, and the success message only after one.
 TEST_F(SavePictureTest, QuickSaveNamesNumbersAndReportsEverySave)
 {
     CMeasureDoc* doc = OpenPicture();
@@ -178,15 +186,13 @@ TEST_F(SavePictureTest, QuickSaveNamesNumbersAndReportsEverySave)
         EXPECT_EQ(GetPrivateProfileString("Save", "Suffix", "", ini), "8");
     }
 
-    // A folder that cannot be made: the failure, then the usual message, and
+    // A folder that cannot be made: the failure, no claim of success, and
     // the number still moves on.
     ASSERT_TRUE(WriteAll(home.filePath("plain-file"), "x"));
     Write(ini, "Save", "FilePath", home.filePath("plain-file/sub"));
     messages.clear();
     doc->QuickSave();
-    EXPECT_EQ(messages,
-        (QStringList { "Save image failed.",
-            "Picture has successfully saved to  " + home.filePath("plain-file/sub/slide8.bmp") }));
+    EXPECT_EQ(messages, QStringList { "Save image failed." });
     EXPECT_EQ(GetPrivateProfileString("Save", "Suffix", "", ini), "9");
 }
 
@@ -216,6 +222,64 @@ TEST_F(SavePictureTest, BurnInFollowsTheChoicesAndLeavesTheDocumentClean)
     ASSERT_TRUE(doc->SaveImage(home.filePath("upper.JPG"), {}, { "T", "", "", "" }));
     EXPECT_EQ(ReadAll(home.filePath("lower.jpg")).mid(24, 6), QByteArray("Exif\0\0", 6));
     EXPECT_FALSE(ReadAll(home.filePath("upper.JPG")).contains(QByteArray("Exif\0\0", 6)));
+}
+
+// 5,500 shapes, far more than one JPEG segment holds, come back whole from a
+// JPEG and a PNG. A save that cannot keep them says so and claims no success,
+// and a picture's invalid calibration is said and not used.
+TEST_F(SavePictureTest, ManyShapesSurviveAndWhatCannotBeKeptIsSaid)
+{
+    CMeasureDoc* doc = OpenPicture();
+    ASSERT_NE(doc, nullptr);
+    QByteArray shapes = "[";
+    for (int i = 0; i < 5000; ++i)
+        shapes
+            += "[11," + QByteArray::number(i % 300 + 10) + "," + QByteArray::number(i / 300 * 12 + 10) + "],";
+    for (int i = 0; i < 500; ++i)
+        shapes += "[2," + QByteArray::number(i % 300) + ",5," + QByteArray::number(i % 300 + 20) + ",200],";
+    shapes.back() = ']';
+    ASSERT_EQ(ShapesFromJson(doc->GetElemMgr(), shapes), 5500);
+    const QByteArray csv = Csv(*doc);
+    for (const char* name : { "many.jpg", "many.png" }) {
+        SCOPED_TRACE(name);
+        const QString path = home.filePath(QLatin1String(name));
+        ASSERT_TRUE(doc->SaveImage(path, {}, {}));
+        auto* reopened = static_cast<CMeasureDoc*>(app->OpenDocumentFile(path));
+        ASSERT_NE(reopened, nullptr);
+        EXPECT_EQ(ShapeTypes(*reopened).size(), 5501u);
+        EXPECT_EQ(Csv(*reopened), csv);
+    }
+    EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+
+    // Room for the picture, not for its measurements.
+    const QString ini = home.filePath("data/Setting.ini");
+    Write(ini, "Save", "FilePath", home.filePath("quick"));
+    ASSERT_TRUE(QDir().mkpath(home.filePath("quick")));
+    const QString first = doc->SilentQuickSave();
+    const rlim_t pictureOnly
+        = rlim_t(SizeOfFile(first)) - rlim_t(PictureXmp::Read(first).value("Shapes").size());
+    messages.clear();
+    QString second;
+    {
+        const FullDisk full(pictureOnly + 4096);
+        second = doc->QuickSave();
+    }
+    ASSERT_EQ(messages.size(), 1) << messages.join('\n').toStdString();
+    EXPECT_TRUE(messages[0].startsWith("the picture was saved but its measurements could not be kept: "))
+        << messages[0].toStdString();
+    EXPECT_TRUE(SizeOf(second).isValid());
+
+    // A stranger's calibration: a unit of -7 and a size that is no number.
+    const QString strange = WritePicture(home.filePath("strange.jpg"));
+    ASSERT_TRUE(
+        PictureXmp::Write(strange, { { "Unit", "-7" }, { "XPerPixel", "nan" }, { "YPerPixel", "1" } }));
+    const CalibrationRecord before = doc->GetElemMgr().GetUnit();
+    messages.clear();
+    auto* opened = static_cast<CMeasureDoc*>(app->OpenDocumentFile(strange));
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(
+        messages, QStringList { "this picture's calibration is not valid; the current calibration is used" });
+    EXPECT_EQ(opened->GetElemMgr().m_unit.m_dcxPerPixel, before.m_dcxPerPixel);
 }
 
 // The measurements survive as data: an "only image" PNG or JPEG opened again

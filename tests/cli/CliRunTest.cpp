@@ -6,6 +6,7 @@
 #include "TestFiles.h"
 #include "calibration/SvrFile.h"
 #include "capture/CSimScene.h"
+#include "image/PictureXmp.h"
 #include "image/ProcessChain.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/MeasurementXmp.h"
@@ -56,7 +57,8 @@ TEST_F(CliUsage, HelpForTheToolAndEachCommand)
 {
     const CliRun main = Run({ "--help" });
     EXPECT_EQ(main.code, 0);
-    for (const char* command : { "devices", "snapshot", "record", "timelapse", "measure", "calibrate" }) {
+    for (const char* command :
+        { "devices", "snapshot", "record", "timelapse", "measure", "calibrate", "particles", "rois" }) {
         EXPECT_TRUE(main.out.contains(QString::fromLatin1(command))) << command;
         for (const QStringList& args :
             { QStringList { command, "--help" }, QStringList { "help", command } }) {
@@ -97,9 +99,15 @@ TEST_F(CliUsage, BadUsageIsExitTwoWithOneLine)
         { { "devices", "extra" }, "devices takes no arguments" },
         { { "snapshot", "--title", "t", out }, "--title applies to .jpg pictures only" },
         { { "measure", "--semicolon" }, "PICTURE is missing" },
+        { { "measure", "--precision", "0", out }, "--precision takes a whole number from 1 to 5" },
         { { "calibrate", out }, "calibrate needs --division" },
         { { "calibrate", "--division", "0.01", out }, "bad --division \"0.01\"" },
         { { "calibrate", "--division", "10um", out, out }, "one PICTURE only" },
+        { { "particles", "--threshold", "otsu" }, "PICTURE is missing" },
+        { { "particles", "--threshold", "otsu", "--precision", "6", out },
+            "--precision takes a whole number" },
+        { { "particles", "--threshold", "otsu", "--min-circularity", "2", out },
+            "--min-circularity takes a number" },
     };
     for (const Case& c : cases) {
         const CliRun run = Run(c.args);
@@ -459,6 +467,12 @@ TEST_F(CliMeasure, ReproducesTheProgramsExportPerPicture)
     EXPECT_TRUE(toFile.out.isEmpty());
     EXPECT_EQ(Read(Path("b.csv")).toStdString(), b.semicolon.toStdString());
 
+    // --precision over the setting: the line of 250 um with five decimals.
+    const CliRun precise = Run({ "measure", "--precision", "5", Path("a.jpg") }, false);
+    ASSERT_EQ(precise.code, 0) << precise.err.toStdString();
+    EXPECT_TRUE(precise.out.startsWith("No.,Type,Result,Unit\n1,Line distance,250.00000, um\n"))
+        << precise.out.toStdString();
+
     const CliRun several = Run(
         { "measure", Path("a.jpg"), Path("plain.bmp"), Path("b.png"), "--csv", Path("all.csv") }, false);
     ASSERT_EQ(several.code, 0) << several.err.toStdString();
@@ -482,6 +496,43 @@ TEST_F(CliMeasure, ReproducesTheProgramsExportPerPicture)
     EXPECT_ONE_ERROR(Run({ "measure", Path("a.jpg"), "--csv", Path("full.csv") }, false, 20), 1,
         "cannot write " + Path("full.csv") + ": no more room for the file");
     EXPECT_EQ(Files(), QStringList({ "a.jpg", "all.csv", "b.csv", "b.png", "plain.bmp", "plain.png" }));
+}
+
+// Pictures from strangers: an invalid calibration is said on stderr and the
+// settings' is used; 20,000 shapes with some beyond reach are exported with
+// a note; shapes that are all damaged are no measurements (exit 1).
+TEST_F(CliMeasure, HostilePicturesAreReadWithAReasonOrRefused)
+{
+    SavePlain("strange.jpg");
+    ASSERT_TRUE(PictureXmp::Write(Path("strange.jpg"),
+        { { "Unit", "-7" }, { "XPerPixel", "nan" }, { "YPerPixel", "1" },
+            { "Shapes", "[[2,10,10,150,10]]" } }));
+    const CliRun strange = Run({ "measure", Path("strange.jpg") }, false);
+    EXPECT_EQ(strange.code, 0) << strange.err.toStdString();
+    EXPECT_EQ(strange.err.toStdString(),
+        ("oculix-cli: " + Path("strange.jpg")
+            + ": this picture's calibration is not valid; the current calibration is used\n")
+            .toStdString());
+    EXPECT_TRUE(strange.out.contains("1,Line distance,28.0, mm")) << strange.out.toStdString();
+
+    QByteArray many = "[";
+    for (int i = 0; i < 20000; ++i)
+        many += "[11," + QByteArray::number(i % 300) + "," + QByteArray::number(i / 300) + "],";
+    many += "[2,2147483647,0,5,5],[5,1,1,1e308,4,9,9]]";
+    SavePlain("many.png");
+    ASSERT_TRUE(PictureXmp::Write(Path("many.png"), { { "Shapes", QString::fromLatin1(many) } }));
+    const CliRun large = Run({ "measure", Path("many.png") }, false);
+    EXPECT_EQ(large.code, 0) << large.err.toStdString();
+    EXPECT_EQ(large.out.count('\n'), 1) << "markers have no rows";
+    EXPECT_ONE_ERROR(large, 0, "2 stored shapes were left out: 2 with coordinates beyond 100000 pixels");
+
+    SavePlain("damaged.jpg");
+    ASSERT_TRUE(PictureXmp::Write(Path("damaged.jpg"), { { "Shapes", "[[[[[[" } }));
+    const CliRun damaged = Run({ "measure", Path("damaged.jpg") }, false);
+    EXPECT_EQ(damaged.code, 1);
+    EXPECT_TRUE(damaged.err.contains("1 damaged or of a kind this program does not know"))
+        << damaged.err.toStdString();
+    EXPECT_TRUE(damaged.err.contains("no measurements stored in this picture")) << damaged.err.toStdString();
 }
 
 TEST_F(CliCalibrate, FindsTheSimulatedCamerasPitchWithinItsUncertainty)

@@ -1,5 +1,6 @@
 #include "image/FCObjImage.h"
 
+#include <QBuffer>
 #include <QImage>
 
 #include <cstring>
@@ -95,6 +96,13 @@ TEST(FCObjImage, PixelColoursGoThroughPaletteAndFiveBitChannels)
     pal.SetPixelColor(1, 0, qRgb(190, 10, 5)); // nearest entry
     EXPECT_EQ(pal.GetPixelData(1, 0), 3u);
     EXPECT_EQ(pal.GetPixelColor(1, 0), qRgb(200, 0, 0));
+    // A palette's alpha is the picture's: GetPixelColor and HasAlpha agree.
+    EXPECT_FALSE(pal.HasAlpha());
+    pal.SetPaletteColor(5, qRgba(9, 9, 9, 0));
+    pal.SetPixelData(2, 0, 5);
+    EXPECT_TRUE(pal.HasAlpha());
+    EXPECT_EQ(pal.GetPixelColor(2, 0), qRgba(9, 9, 9, 0));
+    EXPECT_TRUE(pal.CopyRect(QRect(0, 0, 1, 1)).HasAlpha()) << "the palette goes with the copy";
 
     FCObjImage hi(1, 1, 16);
     hi.SetPixelData(0, 0, 0x7FFF);
@@ -202,4 +210,34 @@ TEST(FCObjImage, CopiesRectsAndConvertsTo24BitKeepingEveryPixel)
         EXPECT_EQ(src.GetPixelData(0, 0), PatternValue(0, 0, bits));
     }
     EXPECT_FALSE(Pattern(4, 4, 24).CopyRect(QRect(10, 10, 5, 5)).IsValidImage());
+}
+
+// A picture opens from its bytes as from its file. A PNG whose text chunk
+// claims far more than the file holds is refused at once with the reason,
+// rather than having the PNG library clear gigabytes for it; the same file
+// with the claim fitting opens.
+TEST(FCObjImage, OpensFromBytesAndRefusesAPngChunkLargerThanTheFile)
+{
+    QImage source(8, 6, QImage::Format_RGB888);
+    source.fill(QColor(10, 200, 30));
+    QByteArray png;
+    {
+        QBuffer out(&png);
+        out.open(QIODevice::WriteOnly);
+        QImage withText = source;
+        withText.setText("Comment", "kept");
+        ASSERT_TRUE(withText.save(&out, "PNG"));
+    }
+    FCObjImage picture;
+    ASSERT_TRUE(picture.LoadBytes(png, "a.png")) << picture.ErrorString().toStdString();
+    EXPECT_EQ(picture.Width(), 8);
+
+    const qsizetype text = png.indexOf("tEXt") - 4;
+    ASSERT_GT(text, 0);
+    QByteArray claim = png;
+    claim.replace(text, 4, QByteArray("\x66\x00\x00\x25", 4));
+    EXPECT_FALSE(picture.LoadBytes(claim, "b.png"));
+    EXPECT_TRUE(picture.ErrorString().contains("tEXt chunk claims 1711276069 bytes"))
+        << picture.ErrorString().toStdString();
+    EXPECT_EQ(picture.Width(), 8) << "the picture is unchanged";
 }

@@ -167,3 +167,80 @@ TEST(RandomInput, GesturesOverEveryToolKeepTheRulerAndExportWhatTheShapesReport)
         DrawBits(mgr, 160, 120);
     }
 }
+
+// A long counting session with the odd line, text, drag, deletion and
+// calibration in between, every gesture kept: undo walks back through
+// thousands of steps to the empty export and redo forward to the same one.
+// The states are compared as exported and stored, and now and then as drawn,
+// so selections come back too.
+TEST(RandomInput, ThousandsOfStepsUndoToTheEmptyExportAndRedoToTheSame)
+{
+    std::setlocale(LC_NUMERIC, "C");
+    std::mt19937 rng { 2718u };
+    auto pick = [&](int n) { return int(rng() % std::uint32_t(n)); };
+    QObject window;
+    CGVLElemMgr mgr;
+    mgr.SetWindow(&window, [&](QObject*, QStringList& lines) {
+        lines = QStringList { QString(1 + pick(8), QChar('a' + pick(26))) };
+        return true;
+    });
+    ASSERT_NE(mgr.CreateShape(ShapeType::Ruler), nullptr);
+    mgr.SetRulerShown(true);
+    constexpr int kSteps = 2500;
+    CShapeHistory history(mgr, kSteps);
+    std::vector<QByteArray> kept;
+    // State `index` as kept.
+    const auto look = [&](std::size_t index) {
+        QByteArray seen = ExportCsv(mgr) + ShapesToJson(mgr) + QByteArray::number(mgr.GetCount());
+        if (index % 40 == 0) {
+            const Bits bits = DrawBits(mgr, 320, 240);
+            seen += QByteArray::number(qHash(QByteArrayView(
+                reinterpret_cast<const char*>(bits.data.data()), qsizetype(bits.data.size()))));
+        }
+        return seen;
+    };
+    kept.push_back(look(0));
+    auto somewhere = [&] { return QPoint(pick(320), pick(240)); };
+    auto marker = [&]() -> QPoint {
+        const auto& shapes = mgr.m_arShape;
+        const CGVLShape& s = *shapes[std::size_t(pick(int(shapes.size())))];
+        return s.CoordCount() ? s.m_arCoord[0] : QPoint(0, 0);
+    };
+    for (int step = 0; step < kSteps; ++step) {
+        const int action = pick(100);
+        if (action < 70) {
+            Click(mgr, 202, somewhere());
+        } else if (action < 78) {
+            const QPoint at = marker();
+            Drag(mgr, 9, at, { at + QPoint(2, 1), at + QPoint(pick(21) - 10, pick(21) - 10) });
+        } else if (action < 85) {
+            Click(mgr, 200, marker());
+        } else if (action < 90) {
+            const QPoint at = somewhere();
+            Drag(mgr, 2, at, { at + QPoint(1, 0), at + QPoint(pick(81) - 40, pick(81) - 40) });
+        } else if (action < 93) {
+            Click(mgr, 205, somewhere());
+        } else if (action < 97) {
+            EditUnit(mgr, [&](auto& u) { u.m_dcxPerPixel = 0.05 * (1 + pick(9)); });
+        } else if (action < 98 && mgr.m_arShape.size() > 300) {
+            mgr.DeleteAll();
+        } else {
+            mgr.OnLButtonDown(1, marker(), 9);
+            mgr.OnLButtonUp(0, marker(), 9);
+        }
+        if (history.Commit())
+            kept.push_back(look(kept.size()));
+    }
+    ASSERT_GT(kept.size(), std::size_t(kSteps) * 4 / 5);
+    for (std::size_t i = kept.size() - 1; i-- > 0;) {
+        ASSERT_TRUE(history.Undo());
+        ASSERT_EQ(look(i), kept[i]) << "undo to " << i;
+    }
+    EXPECT_FALSE(history.Undo());
+    EXPECT_TRUE(ExportCsv(mgr).isEmpty());
+    for (std::size_t i = 1; i < kept.size(); ++i) {
+        ASSERT_TRUE(history.Redo());
+        ASSERT_EQ(look(i), kept[i]) << "redo to " << i;
+    }
+    EXPECT_FALSE(history.CanRedo());
+}

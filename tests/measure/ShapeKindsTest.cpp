@@ -79,14 +79,14 @@ TEST(ShapeKinds, ToolsReachTheirKindAndTheOtherToolsNone)
     }
 }
 
-// Every kind a picture keeps comes back from its JSON through its own tool
-// and gesture as one finished element that writes the same JSON again.
-TEST(ShapeKinds, EveryKeptKindReplaysToItself)
+// Every kind a picture keeps comes back from its JSON through its row as one
+// finished element that writes the same JSON again.
+TEST(ShapeKinds, EveryKeptKindComesBackAsItself)
 {
     QJsonArray entries;
     std::vector<int> kept;
     for (const ShapeKind& kind : ShapeKinds()) {
-        if (kind.storage.gesture == ShapeStorage::Gesture::NotKept)
+        if (!kind.storage.kept)
             continue;
         const int i = int(kept.size());
         const QPoint centre(150 + 250 * (i % 4), 150 + 250 * (i / 4));
