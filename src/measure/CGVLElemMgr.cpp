@@ -183,7 +183,13 @@ std::uint64_t CGVLElemMgr::ChangeCount() const
 void CGVLElemMgr::NoteChange()
 {
     const std::lock_guard lock(m_mutex);
-    ++m_nChanges;
+    m_nEverythingAt = ++m_nChanges;
+}
+
+void CGVLElemMgr::NoteShapeChange(const CGVLShape& shape)
+{
+    const std::lock_guard lock(m_mutex);
+    shape.m_nChangedAt = ++m_nChanges;
 }
 
 void CGVLElemMgr::SetCount(int count)
@@ -242,8 +248,8 @@ CGVLShape* CGVLElemMgr::Append(int type)
     const ShapeKind* kind = FindShapeKind(type);
     if (!kind)
         return nullptr;
-    NoteChange();
     m_arShape.push_back(kind->factory.make(*this));
+    NoteShapeChange(*m_arShape.back());
     return m_arShape.back().get();
 }
 
@@ -307,7 +313,7 @@ void CGVLElemMgr::OnLButtonDown(unsigned flags, const QPoint& point, int tool)
     m_arAsking.erase(asking);
     if (ok) {
         text->m_arText = lines;
-        NoteChange();
+        NoteShapeChange(*text);
         text->UpdateElem();
         // Until its first draw the element does not know its font's size, so
         // its own repaint area falls short of the text.
@@ -321,7 +327,7 @@ CGVLAnoText* CGVLElemMgr::Press(unsigned flags, const QPoint& point, int tool)
 {
     for (const auto& shape : m_arShape) {
         if (shape->m_bSelected)
-            NoteChange();
+            NoteShapeChange(*shape);
         shape->SetSelected(false);
     }
 
@@ -546,12 +552,18 @@ void CGVLElemMgr::ReplaceShapes(
 void CGVLElemMgr::DrawAll(QPainter& dc, int width, int height)
 {
     const Call call(*this);
-    if (m_bShowRuler && !m_arShape.empty())
+    DrawRange(dc, 0, m_arShape.size());
+    DrawCrossLines(dc, width, height);
+}
+
+void CGVLElemMgr::DrawRange(QPainter& dc, std::size_t from, std::size_t to)
+{
+    if (from == 0 && m_bShowRuler && !m_arShape.empty())
         m_arShape.front()->Draw(dc, m_bHide, 0);
     // A repaint of part of the window passes by the elements that cannot
     // reach it: thousands of them cost little when one changes.
     const QRect area = dc.hasClipping() ? dc.clipBoundingRect().toAlignedRect() : QRect();
-    for (std::size_t i = 1; i < m_arShape.size(); ++i) {
+    for (std::size_t i = std::max<std::size_t>(from, 1); i < to; ++i) {
         CGVLShape& shape = *m_arShape[i];
         if (!area.isNull()) {
             const QRect bounds = shape.DrawnBounds();
@@ -560,7 +572,6 @@ void CGVLElemMgr::DrawAll(QPainter& dc, int width, int height)
         }
         shape.Draw(dc, m_bHide, 0);
     }
-    DrawCrossLines(dc, width, height);
 }
 
 void CGVLElemMgr::DrawCrossLines(QPainter& dc, int width, int height)
@@ -580,19 +591,21 @@ void CGVLElemMgr::DrawCrossLines(QPainter& dc, int width, int height)
     Gdi::Line(dc, pen, QPoint(cx + 4, cy), QPoint(width, cy));
 }
 
+template <typename Draw> void CGVLElemMgr::Paint(uchar* buffer, int width, int height, Draw&& draw)
+{
+    QImage image(buffer, width, height, qsizetype(DibStride(width)), QImage::Format_BGR888);
+    QPainter dc(&image);
+    Gdi::ResetDC(dc);
+    draw(dc);
+}
+
 template <typename Draw>
 void CGVLElemMgr::RenderBits(uchar* buffer, int width, int height, uchar fill, Draw&& draw)
 {
-    const std::size_t stride = DibStride(width);
-    std::memset(buffer, fill, stride * std::size_t(height));
-    {
-        // Drawn top-down straight into the caller's memory, then the rows are
-        // put bottom-up.
-        QImage image(buffer, width, height, qsizetype(stride), QImage::Format_BGR888);
-        QPainter dc(&image);
-        Gdi::ResetDC(dc);
-        draw(dc);
-    }
+    std::memset(buffer, fill, DibStride(width) * std::size_t(height));
+    // Drawn top-down straight into the caller's memory, then the rows are put
+    // bottom-up.
+    Paint(buffer, width, height, std::forward<Draw>(draw));
     FlipVertical(buffer, unsigned(width), unsigned(height));
 }
 
@@ -610,9 +623,43 @@ bool CGVLElemMgr::DrawToBitsIfChanged(
     const Call call(*this);
     if (drawnAt == m_nChanges)
         return false;
-    DrawToBits(buffer, width, height);
+    if (buffer && width > 0 && height > 0 && m_arShape.size() >= kLayerFrom) {
+        DrawLayered(buffer, width, height);
+    } else {
+        m_layer.Drop();
+        DrawToBits(buffer, width, height);
+    }
     drawnAt = m_nChanges;
     return true;
+}
+
+void CGVLElemMgr::DrawLayered(uchar* buffer, int width, int height)
+{
+    std::size_t shown = m_layer.Valid(m_arShape, width, height, m_nEverythingAt);
+    // The last element is the one a gesture is most likely still changing:
+    // it stays out of the layer.
+    const std::size_t settled = CShapeLayer::RestingUpTo(m_arShape, shown, m_arShape.size() - 1);
+    if (shown < settled) {
+        Paint(m_layer.Grow(shown, width, height, 1), width, height, [&](QPainter& dc) {
+            if (shown > 0)
+                m_layer.ResumePainter(dc);
+            DrawRange(dc, shown, settled);
+            m_layer.KeepPainter(dc);
+        });
+        m_layer.Shown(m_arShape, settled, m_nChanges);
+        shown = settled;
+    }
+    if (shown == 0) { // nothing at rest to keep
+        DrawToBits(buffer, width, height);
+        return;
+    }
+    std::memcpy(buffer, m_layer.Pixels().data(), m_layer.Pixels().size());
+    Paint(buffer, width, height, [&](QPainter& dc) {
+        m_layer.ResumePainter(dc);
+        DrawRange(dc, shown, m_arShape.size());
+        DrawCrossLines(dc, width, height);
+    });
+    FlipVertical(buffer, unsigned(width), unsigned(height));
 }
 
 void CGVLElemMgr::DrawToImage(uchar* buffer, int width, int height, bool elements, bool ruler, int, bool date,

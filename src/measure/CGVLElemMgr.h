@@ -4,6 +4,7 @@
 #include "calibration/ColorRecord.h"
 #include "image/ImageProcess.h"
 #include "measure/CGVLShape.h"
+#include "measure/CShapeLayer.h"
 #include "measure/ShapeKinds.h"
 
 #include <QByteArray>
@@ -180,9 +181,12 @@ public:
     // origin. Drawing, exports, a setter given what it has and a hover that
     // moves nothing leave it. The live overlay is redrawn only when it moved.
     std::uint64_t ChangeCount() const;
-    // Counts a change. Elements call it whenever they ask for a repaint, so
-    // whatever the window repaints the live overlay redraws too.
+    // Counts a change to what every element may draw.
     void NoteChange();
+    // Counts a change to `shape` alone. Elements call it whenever they ask
+    // for a repaint, so whatever the window repaints the live overlay redraws
+    // too.
+    void NoteShapeChange(const CGVLShape& shape);
 
     // The number the last counting marker got; the next one gets one more.
     void SetCount(int count);
@@ -213,6 +217,11 @@ private:
     std::vector<CGVLShape*> TopDown() const;
     bool HasLeft(const CGVLShape* shape) const;
     void DrawCrossLines(QPainter& dc, int width, int height);
+    // The elements from `from` to before `to`, element 0 being the ruler.
+    void DrawRange(QPainter& dc, std::size_t from, std::size_t to);
+    // DrawToBits over the layer of the settled elements, made or grown first.
+    void DrawLayered(uchar* buffer, int width, int height);
+    template <typename Draw> void Paint(uchar* buffer, int width, int height, Draw&& draw);
     QByteArray CsvBytes() const;
     void WriteCsvWith(QIODevice& file, char separator);
     template <typename Draw> void RenderBits(uchar* buffer, int width, int height, uchar fill, Draw&& draw);
@@ -234,6 +243,12 @@ private:
     mutable std::recursive_mutex m_mutex;
     int m_nCallDepth = 0;
     std::uint64_t m_nChanges = 0;
+    // The last change to what every element draws (NoteChange).
+    std::uint64_t m_nEverythingAt = 0;
+    // From this many elements on, the live overlay keeps those that stand
+    // still as a drawn layer: below, drawing them costs less than copying it.
+    static constexpr std::size_t kLayerFrom = 100;
+    CShapeLayer m_layer;
     // Elements that left the list during the current call, destroyed when the
     // outermost call returns.
     std::vector<std::unique_ptr<CGVLShape>> m_arLeft;

@@ -348,8 +348,10 @@ int CGVLShape::ReleaseOrDiscard(int tool, int ownTool, bool tooSmall)
     CGVLElemMgr* const mgr = m_pMgr;
     if (discard)
         ClearCoords(); // may leave the manager: only locals from here on
-    if (mgr)
+    if (mgr && discard)
         mgr->NoteChange();
+    else if (mgr)
+        mgr->NoteShapeChange(*this);
     InvalidateWindow(wnd);
     return -1;
 }
@@ -467,14 +469,14 @@ void CGVLShape::DrawLabel(QPainter& dc, const QPoint& topLeft, const QString& te
 void CGVLShape::Invalidate(const GdiRect& rect) const
 {
     if (m_pMgr)
-        m_pMgr->NoteChange();
+        m_pMgr->NoteShapeChange(*this);
     InvalidateWindow(m_hWnd, rect.Normalized().ToQRect());
 }
 
 void CGVLShape::InvalidateAll() const
 {
     if (m_pMgr)
-        m_pMgr->NoteChange();
+        m_pMgr->NoteShapeChange(*this);
     InvalidateWindow(m_hWnd);
 }
 

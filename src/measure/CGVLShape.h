@@ -134,6 +134,9 @@ public:
     int m_nHit = -1;
     // The points snapping placed, by index; see EdgePoint.
     std::vector<EdgePoint> m_arEdge;
+    // The manager's change count when this element last changed
+    // (CGVLElemMgr::NoteShapeChange); written under the manager's lock.
+    mutable std::uint64_t m_nChangedAt = 0;
 
 protected:
     // The picture under the overlay while "Snap to edges" is on, grayscale;
