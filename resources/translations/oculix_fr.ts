@@ -13,7 +13,7 @@
     </message>
     <message>
         <source>User manual</source>
-        <translation>Manuel d'utilisation</translation>
+        <translation>Manuel d&apos;utilisation</translation>
     </message>
 </context>
 <context>
@@ -35,7 +35,7 @@
     <name>CCameraControls</name>
     <message>
         <source>The camera has no device node.</source>
-        <translation>La caméra n'a pas de fichier de périphérique.</translation>
+        <translation>La caméra n&apos;a pas de fichier de périphérique.</translation>
     </message>
 </context>
 <context>
@@ -109,11 +109,11 @@
     </message>
     <message>
         <source>Division value</source>
-        <translation>Valeur d'une division</translation>
+        <translation>Valeur d&apos;une division</translation>
     </message>
     <message>
         <source>No picture</source>
-        <translation>Pas d'image</translation>
+        <translation>Pas d&apos;image</translation>
     </message>
 </context>
 <context>
@@ -190,7 +190,7 @@
     <name>CMainFrame</name>
     <message>
         <source>Already having one instance running!</source>
-        <translation>Une instance est déjà en cours d'exécution !</translation>
+        <translation>Une instance est déjà en cours d&apos;exécution !</translation>
     </message>
 </context>
 <context>
@@ -233,23 +233,23 @@
     </message>
     <message>
         <source>The user manual %1 is missing. Reinstall the program to get it back.</source>
-        <translation>Le manuel d'utilisation %1 est introuvable. Réinstallez le programme pour le retrouver.</translation>
+        <translation>Le manuel d&apos;utilisation %1 est introuvable. Réinstallez le programme pour le retrouver.</translation>
     </message>
     <message>
         <source>No program to show %1 was found. Install a PDF viewer.</source>
-        <translation>Aucun programme pour afficher %1 n'a été trouvé. Installez un lecteur PDF.</translation>
+        <translation>Aucun programme pour afficher %1 n&apos;a été trouvé. Installez un lecteur PDF.</translation>
     </message>
     <message>
         <source>No file manager could show %1.</source>
-        <translation>Aucun gestionnaire de fichiers n'a pu afficher %1.</translation>
+        <translation>Aucun gestionnaire de fichiers n&apos;a pu afficher %1.</translation>
     </message>
     <message>
-        <source>Camera connected: %1. "New Preview" shows its video.</source>
+        <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
         <translation>Caméra connectée : %1. « Nouvel aperçu » affiche sa vidéo.</translation>
     </message>
     <message>
         <source>Oculix is already running but does not answer. Close it, or end it if it hangs, then start Oculix again.</source>
-        <translation>Oculix est déjà en cours d'exécution mais ne répond pas. Fermez-le, ou arrêtez-le s'il est bloqué, puis relancez Oculix.</translation>
+        <translation>Oculix est déjà en cours d&apos;exécution mais ne répond pas. Fermez-le, ou arrêtez-le s&apos;il est bloqué, puis relancez Oculix.</translation>
     </message>
     <message>
         <source>Oculix</source>
@@ -317,7 +317,7 @@ texte</translation>
     </message>
     <message>
         <source>The camera has not delivered a picture yet. Try again in a moment.</source>
-        <translation>La caméra n'a pas encore fourni d'image. Réessayez dans un instant.</translation>
+        <translation>La caméra n&apos;a pas encore fourni d&apos;image. Réessayez dans un instant.</translation>
     </message>
     <message>
         <source>Capture</source>
@@ -326,7 +326,7 @@ texte</translation>
     <message>
         <source>Cannot open the picture %1:
 %2</source>
-        <translation>Impossible d'ouvrir l'image %1 :
+        <translation>Impossible d&apos;ouvrir l&apos;image %1 :
 %2</translation>
     </message>
     <message>
@@ -336,7 +336,7 @@ texte</translation>
     <message>
         <source>Cannot write the measurement data to %1:
 %2</source>
-        <translation>Impossible d'écrire les données de mesure dans %1 :
+        <translation>Impossible d&apos;écrire les données de mesure dans %1 :
 %2</translation>
     </message>
     <message>
@@ -344,8 +344,8 @@ texte</translation>
         <translation>Exporter</translation>
     </message>
     <message>
-        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
-        <translation>La caméra « %1 » n'est pas connectée. Rebranchez-la pour reprendre la vidéo en direct.</translation>
+        <source>The camera &quot;%1&quot; is not connected. Plug it in again to go on with the live video.</source>
+        <translation>La caméra « %1 » n&apos;est pas connectée. Rebranchez-la pour reprendre la vidéo en direct.</translation>
     </message>
     <message>
         <source>Preview</source>
@@ -373,11 +373,11 @@ texte</translation>
     </message>
     <message>
         <source>the picture was saved but its measurements could not be kept: %1</source>
-        <translation>l'image a été enregistrée, mais ses mesures n'ont pas pu être conservées : %1</translation>
+        <translation>l&apos;image a été enregistrée, mais ses mesures n&apos;ont pas pu être conservées : %1</translation>
     </message>
     <message>
-        <source>this picture's calibration is not valid; the current calibration is used</source>
-        <translation>l'étalonnage de cette image n'est pas valide ; l'étalonnage actuel est utilisé</translation>
+        <source>this picture&apos;s calibration is not valid; the current calibration is used</source>
+        <translation>l&apos;étalonnage de cette image n&apos;est pas valide ; l&apos;étalonnage actuel est utilisé</translation>
     </message>
     <message>
         <source>Some measurements of this picture are not shown: %1</source>
@@ -409,12 +409,12 @@ texte</translation>
     </message>
     <message>
         <source>There are no shapes to export.</source>
-        <translation>Il n'y a aucune forme à exporter.</translation>
+        <translation>Il n&apos;y a aucune forme à exporter.</translation>
     </message>
     <message>
         <source>Cannot write %1:
 %2</source>
-        <translation>Impossible d'écrire %1 :
+        <translation>Impossible d&apos;écrire %1 :
 %2</translation>
     </message>
     <message>
@@ -424,12 +424,31 @@ texte</translation>
     <message>
         <source>Cannot import %1:
 %2</source>
-        <translation>Impossible d'importer %1 :
+        <translation>Impossible d&apos;importer %1 :
 %2</translation>
     </message>
     <message>
         <source>%1 of the %2 ROIs have no kind of shape here (ellipses, open lines, composite shapes) and were left out.</source>
-        <translation>%1 des %2 ROI n'ont pas de forme correspondante ici (ellipses, lignes ouvertes, formes composées) et ont été ignorées.</translation>
+        <translation>%1 des %2 ROI n&apos;ont pas de forme correspondante ici (ellipses, lignes ouvertes, formes composées) et ont été ignorées.</translation>
+    </message>
+</context>
+<context>
+    <name>CNoCameraHint</name>
+    <message>
+        <source>No camera found</source>
+        <translation>Aucune caméra trouvée</translation>
+    </message>
+    <message>
+        <source>Connect a USB microscope camera: it is found as soon as it is plugged in, and &quot;New Preview&quot; then shows its video. Cameras that other programs reach through PipeWire are listed too.
+
+You can also try measuring with the simulated camera.</source>
+        <translation>Branchez une caméra de microscope USB : elle est détectée dès qu&apos;elle est branchée, et « Nouvel aperçu » affiche alors sa vidéo. Les caméras que d&apos;autres programmes atteignent par PipeWire sont aussi listées.
+
+Vous pouvez aussi essayer de mesurer avec la caméra simulée.</translation>
+    </message>
+    <message>
+        <source>Use the Simulated Camera</source>
+        <translation>Utiliser la caméra simulée</translation>
     </message>
 </context>
 <context>
@@ -468,7 +487,7 @@ texte</translation>
     </message>
     <message>
         <source>%1 particles, mean area %2 %3 (standard deviation %4), total %5 %3, %6 % of the picture</source>
-        <translation>%1 particules, aire moyenne %2 %3 (écart type %4), total %5 %3, %6 % de l'image</translation>
+        <translation>%1 particules, aire moyenne %2 %3 (écart type %4), total %5 %3, %6 % de l&apos;image</translation>
     </message>
     <message>
         <source>Export CSV...</source>
@@ -476,7 +495,7 @@ texte</translation>
     </message>
     <message>
         <source>Cannot write %1: %2</source>
-        <translation>Impossible d'écrire %1 : %2</translation>
+        <translation>Impossible d&apos;écrire %1 : %2</translation>
     </message>
     <message>
         <source>Export CSV</source>
@@ -507,7 +526,7 @@ texte</translation>
     </message>
     <message>
         <source>Automatic (ImageJ default)</source>
-        <translation>Automatique (par défaut d'ImageJ)</translation>
+        <translation>Automatique (par défaut d&apos;ImageJ)</translation>
     </message>
     <message>
         <source>Automatic (Triangle)</source>
@@ -715,11 +734,11 @@ texte</translation>
     </message>
     <message>
         <source>Apply selected item to camera parameter</source>
-        <translation>Appliquer l'élément choisi aux réglages de la caméra</translation>
+        <translation>Appliquer l&apos;élément choisi aux réglages de la caméra</translation>
     </message>
     <message>
         <source>Delete selected item from list</source>
-        <translation>Supprimer l'élément choisi de la liste</translation>
+        <translation>Supprimer l&apos;élément choisi de la liste</translation>
     </message>
     <message>
         <source>Name</source>
@@ -727,7 +746,7 @@ texte</translation>
     </message>
     <message>
         <source>Select One item first</source>
-        <translation>Choisissez d'abord un élément</translation>
+        <translation>Choisissez d&apos;abord un élément</translation>
     </message>
     <message>
         <source>Hint</source>
@@ -774,7 +793,7 @@ texte</translation>
     </message>
     <message>
         <source>Image Ruler(pixel)</source>
-        <translation>Règle de l'image (pixels)</translation>
+        <translation>Règle de l&apos;image (pixels)</translation>
     </message>
     <message>
         <source>Pause mode measure</source>
@@ -798,7 +817,7 @@ texte</translation>
     </message>
     <message>
         <source>There is no picture to look for a micrometer in.</source>
-        <translation>Il n'y a pas d'image dans laquelle chercher un micromètre.</translation>
+        <translation>Il n&apos;y a pas d&apos;image dans laquelle chercher un micromètre.</translation>
     </message>
 </context>
 <context>
@@ -938,7 +957,7 @@ texte</translation>
     </message>
     <message>
         <source>Close the active imaget</source>
-        <translation>Fermer l'image active</translation>
+        <translation>Fermer l&apos;image active</translation>
     </message>
     <message>
         <source>E&amp;xit</source>
@@ -946,19 +965,19 @@ texte</translation>
     </message>
     <message>
         <source>&amp;Status Bar</source>
-        <translation>Barre d'é&amp;tat</translation>
+        <translation>Barre d&apos;é&amp;tat</translation>
     </message>
     <message>
         <source>Show or hide the status bar</source>
-        <translation>Afficher ou masquer la barre d'état</translation>
+        <translation>Afficher ou masquer la barre d&apos;état</translation>
     </message>
     <message>
         <source>&amp;Tool Bar</source>
-        <translation>&amp;Barre d'outils</translation>
+        <translation>&amp;Barre d&apos;outils</translation>
     </message>
     <message>
         <source>Show or hide the toolbar</source>
-        <translation>Afficher ou masquer la barre d'outils</translation>
+        <translation>Afficher ou masquer la barre d&apos;outils</translation>
     </message>
     <message>
         <source>&amp;Process Bar</source>
@@ -1010,7 +1029,7 @@ texte</translation>
     </message>
     <message>
         <source>Flip image horizontal </source>
-        <translation>Retourner l'image horizontalement</translation>
+        <translation>Retourner l&apos;image horizontalement</translation>
     </message>
     <message>
         <source>Flip &amp;Vertical</source>
@@ -1018,7 +1037,7 @@ texte</translation>
     </message>
     <message>
         <source>Flip image vertical</source>
-        <translation>Retourner l'image verticalement</translation>
+        <translation>Retourner l&apos;image verticalement</translation>
     </message>
     <message>
         <source>&amp;Gray</source>
@@ -1050,7 +1069,7 @@ texte</translation>
     </message>
     <message>
         <source>Sharpen image</source>
-        <translation>Renforcer la netteté de l'image</translation>
+        <translation>Renforcer la netteté de l&apos;image</translation>
     </message>
     <message>
         <source>&amp;Binary</source>
@@ -1238,7 +1257,7 @@ texte</translation>
     </message>
     <message>
         <source>Zoom display</source>
-        <translation>Zoom de l'affichage</translation>
+        <translation>Zoom de l&apos;affichage</translation>
     </message>
     <message>
         <source>&amp;Cascade</source>
@@ -1258,7 +1277,7 @@ texte</translation>
     </message>
     <message>
         <source>How to use</source>
-        <translation>Mode d'emploi</translation>
+        <translation>Mode d&apos;emploi</translation>
     </message>
     <message>
         <source>&amp;About...</source>
@@ -1269,7 +1288,7 @@ texte</translation>
         <translation>Ouvrir le dossier des &amp;images</translation>
     </message>
     <message>
-        <source>Open pictures' saved folder</source>
+        <source>Open pictures&apos; saved folder</source>
         <translation>Ouvrir le dossier des images enregistrées</translation>
     </message>
     <message>
@@ -1286,15 +1305,15 @@ texte</translation>
     </message>
     <message>
         <source>Help content</source>
-        <translation>Contenu de l'aide</translation>
+        <translation>Contenu de l&apos;aide</translation>
     </message>
     <message>
         <source>Print and &amp;Help Bar</source>
-        <translation>Barre d'impression et d'&amp;aide</translation>
+        <translation>Barre d&apos;impression et d&apos;&amp;aide</translation>
     </message>
     <message>
         <source>Show or hide the print and help bar</source>
-        <translation>Afficher ou masquer la barre d'impression et d'aide</translation>
+        <translation>Afficher ou masquer la barre d&apos;impression et d&apos;aide</translation>
     </message>
     <message>
         <source>&amp;Rgb</source>
@@ -1374,7 +1393,7 @@ texte</translation>
     </message>
     <message>
         <source>Redo the previously undone action</source>
-        <translation>Rétablir l'action annulée</translation>
+        <translation>Rétablir l&apos;action annulée</translation>
     </message>
     <message>
         <source>Snap to &amp;Edges</source>
@@ -1382,7 +1401,7 @@ texte</translation>
     </message>
     <message>
         <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
-        <translation>Placer les extrémités des lignes et le bord des cercles sur le contour le plus proche de l'image</translation>
+        <translation>Placer les extrémités des lignes et le bord des cercles sur le contour le plus proche de l&apos;image</translation>
     </message>
     <message>
         <source>Analyze &amp;Particles...</source>
@@ -1390,7 +1409,7 @@ texte</translation>
     </message>
     <message>
         <source>Count and size the particles of the picture</source>
-        <translation>Compter et mesurer les particules de l'image</translation>
+        <translation>Compter et mesurer les particules de l&apos;image</translation>
     </message>
     <message>
         <source>Export ImageJ &amp;ROIs...</source>
@@ -1398,7 +1417,7 @@ texte</translation>
     </message>
     <message>
         <source>Save the shapes as a ROI set that ImageJ opens and measures</source>
-        <translation>Enregistrer les formes comme ensemble de ROI qu'ImageJ ouvre et mesure</translation>
+        <translation>Enregistrer les formes comme ensemble de ROI qu&apos;ImageJ ouvre et mesure</translation>
     </message>
     <message>
         <source>&amp;Import ImageJ ROIs...</source>
@@ -1406,22 +1425,22 @@ texte</translation>
     </message>
     <message>
         <source>Add the ROIs of an ImageJ ROI set or .roi file</source>
-        <translation>Ajouter les ROI d'un ensemble de ROI ImageJ ou d'un fichier .roi</translation>
+        <translation>Ajouter les ROI d&apos;un ensemble de ROI ImageJ ou d&apos;un fichier .roi</translation>
     </message>
 </context>
 <context>
     <name>CommandLine</name>
     <message>
         <source>Use the simulated camera instead of a real one.</source>
-        <translation>Utiliser la caméra simulée au lieu d'une vraie caméra.</translation>
+        <translation>Utiliser la caméra simulée au lieu d&apos;une vraie caméra.</translation>
     </message>
     <message>
         <source>Show this help.</source>
         <translation>Afficher cette aide.</translation>
     </message>
     <message>
-        <source>Measure on a microscope camera's live picture.</source>
-        <translation>Mesurer sur l'image en direct d'une caméra de microscope.</translation>
+        <source>Measure on a microscope camera&apos;s live picture.</source>
+        <translation>Mesurer sur l&apos;image en direct d&apos;une caméra de microscope.</translation>
     </message>
     <message>
         <source>Picture file to open.</source>
@@ -1436,7 +1455,7 @@ texte</translation>
     </message>
     <message>
         <source>No preview</source>
-        <translation>Pas d'aperçu</translation>
+        <translation>Pas d&apos;aperçu</translation>
     </message>
     <message>
         <source>%1 x %2, %3 bits</source>
@@ -1447,31 +1466,31 @@ texte</translation>
     <name>FCObjImage</name>
     <message>
         <source>Invalid picture size or depth</source>
-        <translation>Taille ou profondeur d'image non valide</translation>
+        <translation>Taille ou profondeur d&apos;image non valide</translation>
     </message>
     <message>
         <source>Not enough memory for the picture</source>
-        <translation>Mémoire insuffisante pour l'image</translation>
+        <translation>Mémoire insuffisante pour l&apos;image</translation>
     </message>
     <message>
         <source>Invalid picture size</source>
-        <translation>Taille d'image non valide</translation>
+        <translation>Taille d&apos;image non valide</translation>
     </message>
     <message>
         <source>Not enough memory to resize the picture</source>
-        <translation>Mémoire insuffisante pour redimensionner l'image</translation>
+        <translation>Mémoire insuffisante pour redimensionner l&apos;image</translation>
     </message>
     <message>
         <source>No picture</source>
-        <translation>Pas d'image</translation>
+        <translation>Pas d&apos;image</translation>
     </message>
     <message>
         <source>The picture is too large</source>
-        <translation>L'image est trop grande</translation>
+        <translation>L&apos;image est trop grande</translation>
     </message>
     <message>
         <source>No picture to save</source>
-        <translation>Pas d'image à enregistrer</translation>
+        <translation>Pas d&apos;image à enregistrer</translation>
     </message>
 </context>
 <context>
@@ -1532,7 +1551,7 @@ texte</translation>
     <message>
         <source>Cannot open %1.
 %2</source>
-        <translation>Impossible d'ouvrir %1.
+        <translation>Impossible d&apos;ouvrir %1.
 %2</translation>
     </message>
     <message>
@@ -1544,7 +1563,7 @@ texte</translation>
     <message>
         <source>Cannot write %1.
 %2</source>
-        <translation>Impossible d'écrire %1.
+        <translation>Impossible d&apos;écrire %1.
 %2</translation>
     </message>
 </context>

@@ -244,7 +244,7 @@
         <translation>没有文件管理器可以显示 %1。</translation>
     </message>
     <message>
-        <source>Camera connected: %1. "New Preview" shows its video.</source>
+        <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
         <translation>相机已连接：%1。“新建预览”可显示其视频。</translation>
     </message>
     <message>
@@ -344,7 +344,7 @@ Background</source>
         <translation>导出</translation>
     </message>
     <message>
-        <source>The camera "%1" is not connected. Plug it in again to go on with the live video.</source>
+        <source>The camera &quot;%1&quot; is not connected. Plug it in again to go on with the live video.</source>
         <translation>相机“%1”未连接。请重新插入以继续实时视频。</translation>
     </message>
     <message>
@@ -376,7 +376,7 @@ Background</source>
         <translation>图片已保存，但无法保留其测量数据：%1</translation>
     </message>
     <message>
-        <source>this picture's calibration is not valid; the current calibration is used</source>
+        <source>this picture&apos;s calibration is not valid; the current calibration is used</source>
         <translation>此图片的校准无效；将使用当前校准</translation>
     </message>
     <message>
@@ -430,6 +430,25 @@ Background</source>
     <message>
         <source>%1 of the %2 ROIs have no kind of shape here (ellipses, open lines, composite shapes) and were left out.</source>
         <translation>%2 个 ROI 中有 %1 个在此没有对应的图形（椭圆、开放折线、组合图形），已被略过。</translation>
+    </message>
+</context>
+<context>
+    <name>CNoCameraHint</name>
+    <message>
+        <source>No camera found</source>
+        <translation>未找到相机</translation>
+    </message>
+    <message>
+        <source>Connect a USB microscope camera: it is found as soon as it is plugged in, and &quot;New Preview&quot; then shows its video. Cameras that other programs reach through PipeWire are listed too.
+
+You can also try measuring with the simulated camera.</source>
+        <translation>请连接 USB 显微镜相机：插入后即可被发现，然后“新建预览”会显示其视频。其他程序通过 PipeWire 使用的相机也会列出。
+
+您也可以先用模拟相机试用测量功能。</translation>
+    </message>
+    <message>
+        <source>Use the Simulated Camera</source>
+        <translation>使用模拟相机</translation>
     </message>
 </context>
 <context>
@@ -1269,7 +1288,7 @@ Background</source>
         <translation>打开图片文件夹(&amp;P)</translation>
     </message>
     <message>
-        <source>Open pictures' saved folder</source>
+        <source>Open pictures&apos; saved folder</source>
         <translation>打开已保存图片的文件夹</translation>
     </message>
     <message>
@@ -1420,7 +1439,7 @@ Background</source>
         <translation>显示此帮助。</translation>
     </message>
     <message>
-        <source>Measure on a microscope camera's live picture.</source>
+        <source>Measure on a microscope camera&apos;s live picture.</source>
         <translation>在显微镜相机的实时画面上测量。</translation>
     </message>
     <message>

@@ -31,6 +31,8 @@ CMeasureDoc::CMeasureDoc(bool openingFile, const QString& settingsFile)
             m_strDevice = m_graph.DeviceName();
             m_bHasCamera = true;
             m_graph.EnumFormats();
+        } else {
+            m_bFoundNoCamera = true;
         }
     }
     MapCommands();

@@ -76,6 +76,8 @@ public:
     // (nothing started) without a camera or while another document is live.
     bool StartLive(QWidget* videoOwner);
     bool HasCamera() const { return m_bHasCamera; }
+    // The document was to become live and no camera was there.
+    bool FoundNoCamera() const { return m_bFoundNoCamera; }
     bool IsPreviewRunning() const { return m_bPreviewRunning; }
     bool HasImage() const { return m_bHasImage; }
     // ILiveDocument: what the record, interval and colour-gain dialogs use.
@@ -265,6 +267,7 @@ private:
     bool m_bOpeningFile = false;
     std::atomic<bool> m_bLive { false };
     bool m_bHasCamera = false;
+    bool m_bFoundNoCamera = false;
     bool m_bCameraLost = false;
     std::atomic<bool> m_bPreviewRunning { false };
     bool m_bHasImage = false;

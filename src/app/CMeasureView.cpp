@@ -1,9 +1,12 @@
 #include "app/CMeasureView.h"
 
+#include "app/CChildFrame.h"
 #include "app/CDocTemplate.h"
 #include "app/CMainFrame.h"
 #include "app/CMeasureDoc.h"
+#include "app/CNoCameraHint.h"
 #include "app/CommandTable.h"
+#include "capture/SimDeviceProvider.h"
 #include "measure/CGVLElemMgr.h"
 #include "platform/DebugLog.h"
 #include "ui/CGVLWnd.h"
@@ -71,6 +74,8 @@ void CMeasureView::OnInitialUpdate()
 {
     if (m_document.HasCamera() && !CMeasureDoc::GetLiveDocument())
         m_document.StartLive(m_pOverlayWnd);
+    if (m_document.FoundNoCamera() && !IsDemoCameraEnabled())
+        m_pNoCamera = new CNoCameraHint([this] { UseSimulatedCamera(); }, viewport());
     Layout();
     // The calibration dialog exists, hidden, from the start; the first
     // command shows it with the ruler.
@@ -92,6 +97,14 @@ void CMeasureView::Layout()
     qCDebug(lcApp, "rect:%d, %d, %d, %d", 0, 0, client.width(), client.height());
 
     PlaceOverlayWindow();
+    if (m_pNoCamera) {
+        m_pNoCamera->adjustSize();
+        const QSize hint = m_pNoCamera->size().boundedTo(client);
+        m_pNoCamera->setGeometry(
+            QRect(QPoint((client.width() - hint.width()) / 2, (client.height() - hint.height()) / 2), hint));
+        m_pNoCamera->raise();
+        m_pNoCamera->show();
+    }
     if (m_document.IsLive()) {
         m_document.GetGraph().SetParentWnd(m_pOverlayWnd, 0, 0, m_displayed.width(), m_displayed.height());
         qCDebug(lcApp, "display %d, %d", m_displayed.width(), m_displayed.height());
@@ -111,6 +124,22 @@ void CMeasureView::PlaceOverlayWindow()
     m_pOverlayWnd->setGeometry(QRect(m_ptOffset - scroll, m_displayed));
     m_pOverlayWnd->raise();
     m_pOverlayWnd->show();
+}
+
+void CMeasureView::UseSimulatedCamera()
+{
+    EnableDemoCamera(true);
+    auto* frame = qobject_cast<CMainFrame*>(window());
+    if (!frame || !frame->RouteCommand(ID_FILE_NEW) || !CMeasureDoc::GetLiveDocument())
+        return;
+    m_pNoCamera->deleteLater();
+    m_pNoCamera = nullptr;
+    for (QWidget* w = parentWidget(); w; w = w->parentWidget()) {
+        if (auto* child = qobject_cast<CChildFrame*>(w)) {
+            QMetaObject::invokeMethod(child, &QWidget::close, Qt::QueuedConnection);
+            break;
+        }
+    }
 }
 
 void CMeasureView::resizeEvent(QResizeEvent* event)

@@ -11,6 +11,7 @@
 class CDocTemplate;
 class CGVLWnd;
 class CMeasureDoc;
+class CNoCameraHint;
 
 // The measuring view: a scrolling area that centres the document's picture
 // (or live video) at the zoom step and paints the margins gray. The picture
@@ -48,9 +49,13 @@ protected:
 
 private:
     void PlaceOverlayWindow();
+    // "Use the Simulated Camera": opens it as the live document, which takes
+    // this empty one's place.
+    void UseSimulatedCamera();
 
     CMeasureDoc& m_document;
     CGVLWnd* m_pOverlayWnd;
+    CNoCameraHint* m_pNoCamera = nullptr;
     QSize m_displayed;
     QPoint m_ptOffset;
 };

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <opencv2/imgproc.hpp>
 #include <random>
+#include <thread>
 
 namespace {
 
@@ -77,6 +78,16 @@ CSimScene::CSimScene(unsigned width, unsigned height)
 }
 
 void CSimScene::DrawSlide()
+{
+    // Text leaves font caches in the thread that draws it, freed when the
+    // thread ends. GStreamer keeps its streaming threads in a pool that can
+    // outlive the application object, whose end those caches must precede;
+    // a thread of the drawing's own ends at once.
+    std::thread drawing([this] { DrawSlideInThisThread(); });
+    drawing.join();
+}
+
+void CSimScene::DrawSlideInThisThread()
 {
     // The slide is bigger than the field by the drift on every side.
     const double fieldHeightUm = m_height * m_umPerPixel;

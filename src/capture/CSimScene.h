@@ -78,6 +78,7 @@ public:
 
 private:
     void DrawSlide();
+    void DrawSlideInThisThread();
     void BuildNoise();
     void BuildGains();
     void AdjustSlide();

@@ -8,6 +8,7 @@
 #include "platform/PrivateProfile.h"
 
 #include <QDialog>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -176,5 +177,32 @@ TEST_F(LiveCamera, CameraPluggedInWithoutALiveDocumentOpensWithNewPreview)
     EXPECT_EQ(live->GetGraph().DeviceName(), QStringLiteral("Bench Camera"));
     EXPECT_TRUE(FreshFrames(*live));
     EXPECT_FALSE(IsMjpgCamera()) << "not a known model";
+    EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+}
+
+// Started without a camera, the empty document says how to connect one and
+// offers the simulated camera, which then takes its place as the live
+// document; a document opened for a picture says nothing of cameras.
+TEST_F(LiveCamera, FirstStartWithoutACameraOffersTheSimulatedOne)
+{
+    if (!QDir(QStringLiteral("/dev")).entryList({ QStringLiteral("video*") }, QDir::System).isEmpty())
+        GTEST_SKIP() << "a camera is attached";
+    Start(false);
+    ASSERT_EQ(CMeasureDoc::GetLiveDocument(), nullptr);
+    messages.clear(); // the start says it found no camera, as it always has
+    CMeasureView* empty = ActiveView();
+    ASSERT_NE(empty, nullptr);
+    auto* use = empty->findChild<QPushButton*>(QStringLiteral("UseSimulatedCamera"));
+    ASSERT_NE(use, nullptr);
+    ASSERT_TRUE(WaitFor([&] { return use->isVisible(); }, 5000));
+
+    use->click();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_NE(live, nullptr) << messages.join('\n').toStdString();
+    EXPECT_EQ(live->GetGraph().DeviceName(), QString::fromLatin1(kDemoCameraName));
+    EXPECT_TRUE(FreshFrames(*live));
+    ASSERT_TRUE(WaitFor([&] { return frame->GetChildFrames().size() == 1; }, 5000)) << "the empty one closes";
+    EXPECT_EQ(ActiveDoc(), live);
+    EXPECT_EQ(ActiveView()->findChild<QPushButton*>(QStringLiteral("UseSimulatedCamera")), nullptr);
     EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
 }
