@@ -120,6 +120,8 @@ struct FocusStack::State
     cv::Size size;
     int levels = 0;
     std::unique_ptr<FrameAligner> aligner;
+    // The last frame's warp over the one before, where the next search starts.
+    FrameWarp step;
     std::vector<cv::Mat> fused;
     cv::Mat best;
     cv::Mat index;
@@ -182,7 +184,12 @@ bool FocusStack::Add(const QImage& frame)
         return true;
     }
 
-    const FrameWarp warp = m->aligner->Align(gray, m->warps.back());
+    // Over the previous frame, then over the first: scales multiply, and
+    // the previous warp's shift is scaled by the step's.
+    m->step = m->aligner->AlignAndAdvance(gray, m->step);
+    const FrameWarp& last = m->warps.back();
+    const FrameWarp warp { m->step.scale * last.dx + m->step.dx, m->step.scale * last.dy + m->step.dy,
+        m->step.scale * last.scale };
     const double cx = (m->size.width - 1) / 2.0;
     const double cy = (m->size.height - 1) / 2.0;
     const cv::Matx23d map(

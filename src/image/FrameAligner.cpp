@@ -41,11 +41,26 @@ FrameAligner::FrameAligner(const cv::Mat& reference)
 {
     while ((reference.cols >> m_skip) > kFinestSide || (reference.rows >> m_skip) > kFinestSide)
         ++m_skip;
-    m_reference = Pyramid(reference);
+    SetReference(Pyramid(reference));
+}
+
+void FrameAligner::SetReference(std::vector<cv::Mat> pyramid)
+{
+    m_reference = std::move(pyramid);
     m_gradX.resize(m_reference.size());
     m_gradY.resize(m_reference.size());
     for (std::size_t l = 0; l < m_reference.size(); ++l)
         Gradients(m_reference[l], m_gradX[l], m_gradY[l]);
+}
+
+FrameWarp FrameAligner::AlignAndAdvance(const cv::Mat& frame, const FrameWarp& start)
+{
+    if (frame.size() != m_size || m_reference.empty())
+        return start;
+    std::vector<cv::Mat> moving = Pyramid(frame);
+    const FrameWarp warp = AlignPyramid(moving, start);
+    SetReference(std::move(moving));
+    return warp;
 }
 
 std::vector<cv::Mat> FrameAligner::Pyramid(const cv::Mat& gray) const
@@ -72,7 +87,11 @@ FrameWarp FrameAligner::Align(const cv::Mat& frame, const FrameWarp& start) cons
 {
     if (frame.size() != m_size || m_reference.empty())
         return start;
-    const std::vector<cv::Mat> moving = Pyramid(frame);
+    return AlignPyramid(Pyramid(frame), start);
+}
+
+FrameWarp FrameAligner::AlignPyramid(const std::vector<cv::Mat>& moving, const FrameWarp& start) const
+{
     FrameWarp warp = start;
     cv::Mat warped;
     {

@@ -22,10 +22,16 @@ public:
     // usually the previous frame's warp: drift and breathing change slowly.
     // A frame without texture gives `start` back.
     FrameWarp Align(const cv::Mat& frame, const FrameWarp& start) const;
+    // The same, then the frame becomes the reference: a focus series is
+    // aligned neighbour to neighbour, where the two frames' blur is nearly
+    // the same, and the warps are chained.
+    FrameWarp AlignAndAdvance(const cv::Mat& frame, const FrameWarp& start);
 
 private:
     // Pyramid levels from the finest one used (index 0) to the coarsest.
     std::vector<cv::Mat> Pyramid(const cv::Mat& gray) const;
+    FrameWarp AlignPyramid(const std::vector<cv::Mat>& moving, const FrameWarp& start) const;
+    void SetReference(std::vector<cv::Mat> pyramid);
 
     std::vector<cv::Mat> m_reference;
     std::vector<cv::Mat> m_gradX;
