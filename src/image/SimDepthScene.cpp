@@ -63,7 +63,7 @@ struct SimDepthScene::State
     cv::Size size;
     cv::Mat height; // CV_32F, micrometres
     cv::Mat sharp; // CV_32FC3
-    // The sharp picture blurred by each spread of `sigmas`.
+    // The sharp picture blurred by each spread of `sigmas`, CV_8UC3.
     std::vector<double> sigmas;
     std::vector<cv::Mat> blurred;
 };
@@ -162,13 +162,17 @@ SimDepthScene::SimDepthScene(int width, int height, const Options& options)
         m->sigmas.push_back(s);
     if (m->sigmas.back() < most)
         m->sigmas.push_back(most);
+    // Kept in 8 bits: a frame is 8 bits anyway, and a large frame needs a
+    // dozen or more of these.
     for (double s : m->sigmas) {
         cv::Mat b;
         if (s < 0.3)
-            b = m->sharp.clone();
+            b = m->sharp;
         else
             cv::GaussianBlur(m->sharp, b, cv::Size(), s, s, cv::BORDER_REFLECT);
-        m->blurred.push_back(b);
+        cv::Mat b8;
+        b.convertTo(b8, CV_8UC3);
+        m->blurred.push_back(b8);
     }
 }
 
@@ -213,8 +217,10 @@ QImage SimDepthScene::Frame(double focusUm, std::uint64_t frame) const
                     = std::size_t(std::upper_bound(sigmas.begin(), sigmas.end(), s) - sigmas.begin() - 1);
                 const std::size_t j = std::min(i + 1, sigmas.size() - 1);
                 const float t = j == i ? 0.0f : float((s - sigmas[i]) / (sigmas[j] - sigmas[i]));
-                out[x]
-                    = m->blurred[i].at<cv::Vec3f>(y, x) * (1.0f - t) + m->blurred[j].at<cv::Vec3f>(y, x) * t;
+                const cv::Vec3b& a = m->blurred[i].at<cv::Vec3b>(y, x);
+                const cv::Vec3b& b = m->blurred[j].at<cv::Vec3b>(y, x);
+                out[x] = cv::Vec3f(a[0] + t * float(b[0] - a[0]), a[1] + t * float(b[1] - a[1]),
+                    a[2] + t * float(b[2] - a[2]));
             }
         }
     });
