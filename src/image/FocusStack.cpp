@@ -14,6 +14,7 @@ namespace {
 constexpr double kFocusWindowSigma = 4.0;
 // The smallest pyramid level is at least this wide and high.
 constexpr int kTopSide = 16;
+constexpr double kPyramidScale = 8.0;
 
 // An 8-bit RGB copy of the picture and a matrix over it.
 struct Rgb
@@ -45,17 +46,19 @@ int Levels(cv::Size size)
     return levels;
 }
 
+// In 16-bit fixed point, kPyramidScale steps to a level: half the memory
+// traffic of floating point, which the pyramid of a large frame is bound by.
 std::vector<cv::Mat> LaplacianPyramid(const cv::Mat& rgb8, int levels)
 {
     std::vector<cv::Mat> pyramid { std::size_t(levels) };
     cv::Mat current;
-    rgb8.convertTo(current, CV_32FC3);
+    rgb8.convertTo(current, CV_16SC3, kPyramidScale);
     for (int l = 0; l < levels - 1; ++l) {
         cv::Mat down;
         cv::Mat up;
         cv::pyrDown(current, down);
         cv::pyrUp(down, up, current.size());
-        pyramid[std::size_t(l)] = current - up;
+        cv::subtract(current, up, pyramid[std::size_t(l)]);
         current = down;
     }
     pyramid.back() = current;
@@ -79,16 +82,15 @@ void Blend(cv::Mat& fused, const cv::Mat& frame, const cv::Mat& weight)
 {
     cv::parallel_for_(cv::Range(0, fused.rows), [&](const cv::Range& rows) {
         for (int y = rows.start; y < rows.end; ++y) {
-            float* f = fused.ptr<float>(y);
-            const float* n = frame.ptr<float>(y);
+            short* f = fused.ptr<short>(y);
+            const short* n = frame.ptr<short>(y);
             const float* w = weight.ptr<float>(y);
             for (int x = 0; x < fused.cols; ++x) {
                 const float k = w[x];
                 if (k <= 0.0f)
                     continue;
-                f[3 * x] += k * (n[3 * x] - f[3 * x]);
-                f[3 * x + 1] += k * (n[3 * x + 1] - f[3 * x + 1]);
-                f[3 * x + 2] += k * (n[3 * x + 2] - f[3 * x + 2]);
+                for (int c = 3 * x; c < 3 * x + 3; ++c)
+                    f[c] = short(std::lround(f[c] + k * float(n[c] - f[c])));
             }
         }
     });
@@ -232,11 +234,11 @@ QImage FocusStack::Result() const
     for (int l = m->levels - 2; l >= 0; --l) {
         cv::Mat up;
         cv::pyrUp(current, up, m->fused[std::size_t(l)].size());
-        current = up + m->fused[std::size_t(l)];
+        cv::add(up, m->fused[std::size_t(l)], current);
     }
     QImage result(m->size.width, m->size.height, QImage::Format_RGB888);
     cv::Mat out(result.height(), result.width(), CV_8UC3, result.bits(), std::size_t(result.bytesPerLine()));
-    current.convertTo(out, CV_8UC3);
+    current.convertTo(out, CV_8UC3, 1.0 / kPyramidScale);
     return result;
 }
 

@@ -6,7 +6,7 @@
 namespace {
 
 // The finest level used is at most this wide or high.
-constexpr int kFinestSide = 1400;
+constexpr int kFinestSide = 800;
 // The coarsest level is at least this wide and high.
 constexpr int kCoarsestSide = 48;
 // The search reaches this share of the coarsest level's width and height.
@@ -182,7 +182,7 @@ FrameWarp FrameAligner::AlignPyramid(const std::vector<cv::Mat>& moving, const F
             warp.dy += step[1] * k;
             warp.scale += step[2];
             const double moved = std::hypot(step[0], step[1]) + std::abs(step[2]) * ref.cols;
-            if (moved < 0.002)
+            if (moved < 0.005)
                 break;
         }
     }
