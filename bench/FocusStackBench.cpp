@@ -143,8 +143,8 @@ QImage HuginStack(const std::vector<QImage>& frames, double* seconds)
     QElapsedTimer timer;
     timer.start();
     QProcess align;
-    align.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     align.setStandardOutputFile(QProcess::nullDevice());
+    align.setStandardErrorFile(QProcess::nullDevice());
     align.start(QStringLiteral("align_image_stack"),
         QStringList { QStringLiteral("-m"), QStringLiteral("-a"), dir.filePath(QStringLiteral("a_")) }
             + names);
@@ -158,8 +158,8 @@ QImage HuginStack(const std::vector<QImage>& frames, double* seconds)
     for (const QString& a : aligned)
         args << dir.filePath(a);
     QProcess fuse;
-    fuse.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     fuse.setStandardOutputFile(QProcess::nullDevice());
+    fuse.setStandardErrorFile(QProcess::nullDevice());
     fuse.start(QStringLiteral("enfuse"), args);
     if (!fuse.waitForFinished(-1) || fuse.exitCode() != 0)
         return {};

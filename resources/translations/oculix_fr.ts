@@ -247,6 +247,34 @@
         <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
         <translation>Caméra connectée : %1. « Nouvel aperçu » affiche sa vidéo.</translation>
     </message>
+    <message>
+        <source>Focus Stack Pictures</source>
+        <translation>Empiler des images de mise au point</translation>
+    </message>
+    <message>
+        <source>Choose at least two pictures of the same field, taken at different focus.</source>
+        <translation>Choisissez au moins deux images du même champ, prises à des mises au point différentes.</translation>
+    </message>
+    <message>
+        <source>Fusing the pictures...</source>
+        <translation>Fusion des images...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>%1 could not be read: %2</source>
+        <translation>Impossible de lire %1 : %2</translation>
+    </message>
+    <message>
+        <source>%1 does not fit the series: %2</source>
+        <translation>%1 ne convient pas à la série : %2</translation>
+    </message>
+    <message>
+        <source>Stack %1</source>
+        <translation>Pile %1</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -1202,6 +1230,14 @@ texte</translation>
         <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
         <translation>Placer les extrémités des lignes et le bord des cercles sur le contour le plus proche de l&apos;image</translation>
     </message>
+    <message>
+        <source>&amp;Focus Stack Pictures...</source>
+        <translation>&amp;Empiler des images de mise au point...</translation>
+    </message>
+    <message>
+        <source>Fuse pictures taken at different focus into one picture sharp everywhere</source>
+        <translation>Fusionner des images prises à des mises au point différentes en une image nette partout</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1266,6 +1302,21 @@ texte</translation>
     <message>
         <source>No picture to save</source>
         <translation>Pas d&apos;image à enregistrer</translation>
+    </message>
+</context>
+<context>
+    <name>FocusStack</name>
+    <message>
+        <source>The picture is empty.</source>
+        <translation>L&apos;image est vide.</translation>
+    </message>
+    <message>
+        <source>The picture is %1 x %2 pixels, the first of the series %3 x %4.</source>
+        <translation>L&apos;image fait %1 x %2 pixels, la première de la série %3 x %4.</translation>
+    </message>
+    <message>
+        <source>The series is full.</source>
+        <translation>La série est pleine.</translation>
     </message>
 </context>
 <context>

@@ -247,6 +247,34 @@
         <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
         <translation>相机已连接：%1。“新建预览”可显示其视频。</translation>
     </message>
+    <message>
+        <source>Focus Stack Pictures</source>
+        <translation>景深合成图片</translation>
+    </message>
+    <message>
+        <source>Choose at least two pictures of the same field, taken at different focus.</source>
+        <translation>请至少选择两张同一视场、不同对焦位置拍摄的图片。</translation>
+    </message>
+    <message>
+        <source>Fusing the pictures...</source>
+        <translation>正在合成图片...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>%1 could not be read: %2</source>
+        <translation>无法读取 %1：%2</translation>
+    </message>
+    <message>
+        <source>%1 does not fit the series: %2</source>
+        <translation>%1 与该序列不符：%2</translation>
+    </message>
+    <message>
+        <source>Stack %1</source>
+        <translation>合成 %1</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -1202,6 +1230,14 @@ Background</source>
         <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
         <translation>将直线的端点和圆周放到图像上最近的边缘</translation>
     </message>
+    <message>
+        <source>&amp;Focus Stack Pictures...</source>
+        <translation>景深合成图片(&amp;F)...</translation>
+    </message>
+    <message>
+        <source>Fuse pictures taken at different focus into one picture sharp everywhere</source>
+        <translation>将不同对焦位置拍摄的图片合成为一张处处清晰的图片</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1266,6 +1302,21 @@ Background</source>
     <message>
         <source>No picture to save</source>
         <translation>没有可保存的图片</translation>
+    </message>
+</context>
+<context>
+    <name>FocusStack</name>
+    <message>
+        <source>The picture is empty.</source>
+        <translation>图片为空。</translation>
+    </message>
+    <message>
+        <source>The picture is %1 x %2 pixels, the first of the series %3 x %4.</source>
+        <translation>该图片为 %1 x %2 像素，序列中第一张为 %3 x %4。</translation>
+    </message>
+    <message>
+        <source>The series is full.</source>
+        <translation>序列已满。</translation>
     </message>
 </context>
 <context>
