@@ -18,6 +18,8 @@ CDocument* CMeasureApp::OnFocusStackPictures()
     DlgSelectFile dialog(m_mainFrame, m_lastOpenedFile, PictureOpenFilters());
     dialog.setWindowTitle(tr("Focus Stack Pictures"));
     dialog.setFileMode(QFileDialog::ExistingFiles);
+    // A series is as often PNG or TIFF as JPEG: every type shows at once.
+    dialog.selectNameFilter(PictureOpenFilters().constLast());
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return nullptr;
     QStringList paths = dialog.selectedFiles();

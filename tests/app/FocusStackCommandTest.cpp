@@ -86,6 +86,7 @@ TEST_F(FocusStackCommandTest, TheFusionOpensAsAPictureDocumentWithTheFirstPictur
         });
         EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Focus Stack Pictures"));
         EXPECT_EQ(dialog->fileMode(), QFileDialog::ExistingFiles);
+        EXPECT_TRUE(dialog->selectedNameFilter().startsWith(QStringLiteral("All pictures")));
         dialog->setDirectory(home.filePath(QString()));
         auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
         ASSERT_NE(name, nullptr);
