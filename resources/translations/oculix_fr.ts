@@ -255,6 +255,34 @@
         <source>Oculix</source>
         <translation>Oculix</translation>
     </message>
+    <message>
+        <source>Focus Stack Pictures</source>
+        <translation>Empiler des images de mise au point</translation>
+    </message>
+    <message>
+        <source>Choose at least two pictures of the same field, taken at different focus.</source>
+        <translation>Choisissez au moins deux images du même champ, prises à des mises au point différentes.</translation>
+    </message>
+    <message>
+        <source>Fusing the pictures...</source>
+        <translation>Fusion des images...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>%1 could not be read: %2</source>
+        <translation>Impossible de lire %1 : %2</translation>
+    </message>
+    <message>
+        <source>%1 does not fit the series: %2</source>
+        <translation>%1 ne convient pas à la série : %2</translation>
+    </message>
+    <message>
+        <source>Stack %1</source>
+        <translation>Pile %1</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -1427,6 +1455,14 @@ Vous pouvez aussi essayer de mesurer avec la caméra simulée.</translation>
         <source>Add the ROIs of an ImageJ ROI set or .roi file</source>
         <translation>Ajouter les ROI d&apos;un ensemble de ROI ImageJ ou d&apos;un fichier .roi</translation>
     </message>
+    <message>
+        <source>&amp;Focus Stack Pictures...</source>
+        <translation>&amp;Empiler des images de mise au point...</translation>
+    </message>
+    <message>
+        <source>Fuse pictures taken at different focus into one picture sharp everywhere</source>
+        <translation>Fusionner des images prises à des mises au point différentes en une image nette partout</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1491,6 +1527,21 @@ Vous pouvez aussi essayer de mesurer avec la caméra simulée.</translation>
     <message>
         <source>No picture to save</source>
         <translation>Pas d&apos;image à enregistrer</translation>
+    </message>
+</context>
+<context>
+    <name>FocusStack</name>
+    <message>
+        <source>The picture is empty.</source>
+        <translation>L&apos;image est vide.</translation>
+    </message>
+    <message>
+        <source>The picture is %1 x %2 pixels, the first of the series %3 x %4.</source>
+        <translation>L&apos;image fait %1 x %2 pixels, la première de la série %3 x %4.</translation>
+    </message>
+    <message>
+        <source>The series is full.</source>
+        <translation>La série est pleine.</translation>
     </message>
 </context>
 <context>

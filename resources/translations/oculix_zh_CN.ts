@@ -255,6 +255,34 @@
         <source>Oculix</source>
         <translation>Oculix</translation>
     </message>
+    <message>
+        <source>Focus Stack Pictures</source>
+        <translation>景深合成图片</translation>
+    </message>
+    <message>
+        <source>Choose at least two pictures of the same field, taken at different focus.</source>
+        <translation>请至少选择两张同一视场、不同对焦位置拍摄的图片。</translation>
+    </message>
+    <message>
+        <source>Fusing the pictures...</source>
+        <translation>正在合成图片...</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>%1 could not be read: %2</source>
+        <translation>无法读取 %1：%2</translation>
+    </message>
+    <message>
+        <source>%1 does not fit the series: %2</source>
+        <translation>%1 与该序列不符：%2</translation>
+    </message>
+    <message>
+        <source>Stack %1</source>
+        <translation>合成 %1</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -1427,6 +1455,14 @@ You can also try measuring with the simulated camera.</source>
         <source>Add the ROIs of an ImageJ ROI set or .roi file</source>
         <translation>添加 ImageJ ROI 集或 .roi 文件中的 ROI</translation>
     </message>
+    <message>
+        <source>&amp;Focus Stack Pictures...</source>
+        <translation>景深合成图片(&amp;F)...</translation>
+    </message>
+    <message>
+        <source>Fuse pictures taken at different focus into one picture sharp everywhere</source>
+        <translation>将不同对焦位置拍摄的图片合成为一张处处清晰的图片</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1491,6 +1527,21 @@ You can also try measuring with the simulated camera.</source>
     <message>
         <source>No picture to save</source>
         <translation>没有可保存的图片</translation>
+    </message>
+</context>
+<context>
+    <name>FocusStack</name>
+    <message>
+        <source>The picture is empty.</source>
+        <translation>图片为空。</translation>
+    </message>
+    <message>
+        <source>The picture is %1 x %2 pixels, the first of the series %3 x %4.</source>
+        <translation>该图片为 %1 x %2 像素，序列中第一张为 %3 x %4。</translation>
+    </message>
+    <message>
+        <source>The series is full.</source>
+        <translation>序列已满。</translation>
     </message>
 </context>
 <context>

@@ -55,6 +55,13 @@ public:
     CDocument* OpenDocumentFile(const QString& path);
     // Not a file: it goes to no recent-file list.
     CDocument* OpenPictureDocument(const QImage& picture, const QString& title) override;
+    // "Focus Stack Pictures...": asks for the pictures of a focus series and
+    // opens their fusion (StackPictures).
+    CDocument* OnFocusStackPictures();
+    // The fusion of the pictures, in the first one's geometry and with the
+    // calibration it keeps, as a picture document "Stack n"; null, after
+    // telling the user, when a picture cannot be read or does not fit.
+    CDocument* StackPictures(const QStringList& paths);
     // The open dialog's filters, the classic one first.
     static QStringList PictureOpenFilters();
 
@@ -112,6 +119,7 @@ private:
     InterfaceLanguage m_language = InterfaceLanguage::English;
     QString m_resourceModule;
     QString m_lastOpenedFile;
+    int m_stacks = 0;
     QStringList m_recentFiles;
     CSingleInstance* m_instance = nullptr;
     std::vector<QTranslator*> m_translators;

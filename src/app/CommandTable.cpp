@@ -48,6 +48,8 @@ const CommandInfo kCommands[] = {
     { ID_PROCESS_RGB, CMD("&Rgb"), CMD("Rgb adjustment"), ":/icons/rgb.svg", false },
     { ID_PROCESS_PROPERTIES, "", CMD("Show the real-time processing settings"), ":/icons/processadjust.svg",
         false },
+    { ID_PROCESS_FOCUS_STACK, CMD("&Focus Stack Pictures..."),
+        CMD("Fuse pictures taken at different focus into one picture sharp everywhere"), nullptr, false },
     { ID_MEASURE_MOVE, CMD("Mo&ve"), CMD("Move elements"), ":/icons/move.svg", true, nullptr,
         ToolCode::Move },
     { ID_MEASURE_POINT, "", "", ":/icons/point.svg", true, CMD("Point"), ToolCode::Point },
@@ -181,7 +183,7 @@ template <std::size_t N> struct ProcessLayout
     constexpr std::span<const int> Ids() const { return { ids.data(), count }; }
 };
 
-constexpr ProcessLayout kProcessMenu(std::array<int, 0> {});
+constexpr ProcessLayout kProcessMenu(std::array { S, ID_PROCESS_FOCUS_STACK });
 constexpr std::array kVideoMenu { ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES,
     ID_VIDEO_ADJUST };
 constexpr std::array kWindowMenu { ID_WINDOW_CASCADE, ID_WINDOW_TILE_HORZ, ID_WINDOW_TILE_VERT };

@@ -74,6 +74,8 @@ constexpr int ID_PROCESS_SHARPEN = 32909;
 constexpr int ID_PROCESS_ENABLE = 32911;
 constexpr int ID_PROCESS_BINARY = 32912;
 constexpr int ID_PROCESS_PROPERTIES = 32913;
+// Fuses chosen picture files of a focus series into a new picture document.
+constexpr int ID_PROCESS_FOCUS_STACK = 33001;
 constexpr int ID_PROCESS_RGB = 32914;
 
 constexpr int ID_MEASURE_POINT = 32850;

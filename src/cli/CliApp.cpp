@@ -25,6 +25,7 @@ const std::map<QString, Command>& Commands()
         { QStringLiteral("calibrate"), { &RunCalibrate, "Calibrate from a picture of a stage micrometer." } },
         { QStringLiteral("particles"), { &RunParticles, "Count and size the particles of a picture." } },
         { QStringLiteral("rois"), { &RunRois, "Export the shapes kept in a picture as an ImageJ ROI set." } },
+        { QStringLiteral("stack"), { &RunStack, "Fuse a focus series into one picture sharp everywhere." } },
     };
     return commands;
 }

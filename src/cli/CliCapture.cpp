@@ -32,10 +32,6 @@
 
 namespace {
 
-const QStringList kPictureTypes { QStringLiteral("bmp"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
-    QStringLiteral("png"), QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("gif"),
-    QStringLiteral("tga"), QStringLiteral("pcx") };
-
 // The texts of the JPEG summary, in the order WriteJpegSummary takes them.
 constexpr const char* kSummaryOptions[] = { "title", "subject", "author", "comment" };
 

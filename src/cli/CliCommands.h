@@ -14,6 +14,7 @@ int RunMeasure(const QStringList& arguments);
 int RunCalibrate(const QStringList& arguments);
 int RunParticles(const QStringList& arguments);
 int RunRois(const QStringList& arguments);
+int RunStack(const QStringList& arguments);
 
 // Dispatches to the command, prints failures as one line on stderr and
 // returns the exit code.

@@ -16,6 +16,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+const QStringList kPictureTypes { QStringLiteral("bmp"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
+    QStringLiteral("png"), QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("gif"),
+    QStringLiteral("tga"), QStringLiteral("pcx") };
+
 namespace {
 
 // The codecs often say only "Unknown error" when the disk refuses a write;
@@ -65,6 +69,20 @@ QString TemporaryNameBeside(const QString& path)
     return reserve.fileName();
 }
 
+void WithoutCodecNoise(const std::function<void()>& work)
+{
+    const int keep = ::dup(STDERR_FILENO);
+    const int null = ::open("/dev/null", O_WRONLY);
+    if (null >= 0)
+        ::dup2(null, STDERR_FILENO);
+    work();
+    if (keep >= 0)
+        ::dup2(keep, STDERR_FILENO);
+    for (int fd : { keep, null })
+        if (fd >= 0)
+            ::close(fd);
+}
+
 void SavePictureFile(
     const FCObjImage& picture, const QString& path, const std::function<bool(const QString& file)>& finish)
 {
@@ -78,22 +96,11 @@ void SavePictureFile(
     };
     bool saved = false;
     int written = 0;
-    {
-        // A codec library that fails prints its own complaint on stderr,
-        // where scripts expect one line from us.
-        const int keep = ::dup(STDERR_FILENO);
-        const int null = ::open("/dev/null", O_WRONLY);
-        if (null >= 0)
-            ::dup2(null, STDERR_FILENO);
+    WithoutCodecNoise([&] {
         errno = 0;
         saved = picture.Save(temporary);
         written = errno;
-        if (keep >= 0)
-            ::dup2(keep, STDERR_FILENO);
-        for (int fd : { keep, null })
-            if (fd >= 0)
-                ::close(fd);
-    }
+    });
     if (!saved)
         fail(WriteErrorText(written, picture.ErrorString()));
     if (finish && !finish(temporary))

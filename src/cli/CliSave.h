@@ -2,14 +2,22 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
 class FCObjImage;
 
+// The extensions a picture is saved under, lower case.
+extern const QStringList kPictureTypes;
+
 // The output file's folder must exist and be writable; throws a one-line
 // failure naming the path otherwise.
 void CheckOutputFolder(const QString& path);
+
+// Runs work with stderr sent nowhere: a codec library that fails prints its
+// own complaint there, where scripts expect one line from us.
+void WithoutCodecNoise(const std::function<void()>& work);
 
 // Writes the picture under a temporary name beside path, lets finish() add
 // to that file (a JPEG summary), then renames it over path: a failed or

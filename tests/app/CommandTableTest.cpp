@@ -77,11 +77,11 @@ TEST(CommandTable, EveryIconDrawsSomething)
 TEST(CommandTable, ProcessMenuAndBarListTheOperationsInTheirGroups)
 {
     constexpr int S = ID_SEPARATOR;
-    const std::vector<int> menu { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_PROCESS_FLIP, S,
-        ID_PROCESS_GRAY, ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY,
-        ID_PROCESS_RGB };
+    std::vector<int> menu { ID_PROCESS_ENABLE, S, ID_PROCESS_MIRROR, ID_PROCESS_FLIP, S, ID_PROCESS_GRAY,
+        ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY, ID_PROCESS_RGB };
     std::vector<int> bar = menu;
     bar.insert(bar.end(), { S, ID_PROCESS_PROPERTIES });
+    menu.insert(menu.end(), { S, ID_PROCESS_FOCUS_STACK });
     const auto process = std::ranges::find_if(
         Menus(), [](const MenuInfo& m) { return std::string_view(m.title) == "&Process"; });
     ASSERT_NE(process, Menus().end());

@@ -564,6 +564,7 @@ TEST_F(Monkey, EveryCommandOfTheTableHasItsEffect)
                 EXPECT_TRUE(WaitFor([&] { return HasFrame(*live); }, 30000));
             } },
         { ID_FILE_OPEN, shows("DlgSelectFile") },
+        { ID_PROCESS_FOCUS_STACK, shows("DlgSelectFile") },
         { ID_FILE_SAVE, changes(saved, +1) },
         { ID_FILE_SAVE_PLUS_MEASURE, changes(saved, +1) },
         { ID_FILE_SAVE_ONLY_IMAGE, changes(saved, +1) },
