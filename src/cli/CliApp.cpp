@@ -23,6 +23,7 @@ const std::map<QString, Command>& Commands()
         { QStringLiteral("measure"),
             { &RunMeasure, "Export the measurements kept in saved pictures as CSV." } },
         { QStringLiteral("calibrate"), { &RunCalibrate, "Calibrate from a picture of a stage micrometer." } },
+        { QStringLiteral("stitch"), { &RunStitch, "Stitch overlapping pictures of a scan into one." } },
     };
     return commands;
 }

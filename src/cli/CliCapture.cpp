@@ -32,9 +32,7 @@
 
 namespace {
 
-const QStringList kPictureTypes { QStringLiteral("bmp"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
-    QStringLiteral("png"), QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("gif"),
-    QStringLiteral("tga"), QStringLiteral("pcx") };
+const QStringList& kPictureTypes = PictureTypes();
 
 // The texts of the JPEG summary, in the order WriteJpegSummary takes them.
 constexpr const char* kSummaryOptions[] = { "title", "subject", "author", "comment" };

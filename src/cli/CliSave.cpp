@@ -38,6 +38,14 @@ QString WriteErrorText(int error, const QString& codecText)
 
 } // namespace
 
+const QStringList& PictureTypes()
+{
+    static const QStringList types { QStringLiteral("bmp"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
+        QStringLiteral("png"), QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("gif"),
+        QStringLiteral("tga"), QStringLiteral("pcx") };
+    return types;
+}
+
 void CheckOutputFolder(const QString& path)
 {
     const QFileInfo folder(QFileInfo(path).absolutePath());
@@ -65,8 +73,8 @@ QString TemporaryNameBeside(const QString& path)
     return reserve.fileName();
 }
 
-void SavePictureFile(
-    const FCObjImage& picture, const QString& path, const std::function<bool(const QString& file)>& finish)
+void SavePictureFile(const FCObjImage& picture, const QString& path,
+    const std::function<bool(const QString& file)>& finish, const QString& finishFailed)
 {
     CheckOutputFolder(path);
     const QString temporary = TemporaryNameBeside(path);
@@ -97,7 +105,7 @@ void SavePictureFile(
     if (!saved)
         fail(WriteErrorText(written, picture.ErrorString()));
     if (finish && !finish(temporary))
-        fail(QStringLiteral("the summary could not be added"));
+        fail(finishFailed);
     // rename(2) replaces an existing file in one step.
     if (std::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(path).constData()) != 0)
         fail(QString::fromLocal8Bit(std::strerror(errno)));

@@ -2,10 +2,14 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
 class FCObjImage;
+
+// The extensions of the picture types a command can write.
+const QStringList& PictureTypes();
 
 // The output file's folder must exist and be writable; throws a one-line
 // failure naming the path otherwise.
@@ -14,9 +18,10 @@ void CheckOutputFolder(const QString& path);
 // Writes the picture under a temporary name beside path, lets finish() add
 // to that file (a JPEG summary), then renames it over path: a failed or
 // interrupted save never leaves a half-written file under the final name.
-// Throws a one-line failure.
+// Throws a one-line failure; `finishFailed` says why when finish() fails.
 void SavePictureFile(const FCObjImage& picture, const QString& path,
-    const std::function<bool(const QString& file)>& finish = {});
+    const std::function<bool(const QString& file)>& finish = {},
+    const QString& finishFailed = QStringLiteral("the summary could not be added"));
 
 // Writes the bytes under path in one step (ReplaceFileContents); throws a
 // one-line failure, leaving no file behind and an older one as it was.

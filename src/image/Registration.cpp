@@ -16,6 +16,8 @@ constexpr int kPeaks = 10;
 constexpr int kTaper = 8;
 // The high-pass disturbs this many full-size pixels along a frame's edges.
 constexpr int kEdge = 16;
+// The thinnest overlap, in pixels, the edges above are kept out of.
+constexpr int kThinnest = 24;
 // The pyramid stops at this smaller side; the refinement starts there.
 constexpr int kSmallestLevel = 48;
 constexpr int kMaxLevels = 3;
@@ -51,13 +53,17 @@ double Ncc(const cv::Mat& a, const cv::Mat& b)
     return cross / (devA[0] * devB[0]);
 }
 
-// The overlap in the moving view's pixels for an integer shift, shrunk by margin.
-cv::Rect OverlapInMoving(cv::Size reference, cv::Size moving, cv::Point shift, int margin)
+// The overlap in the moving view's pixels for an integer shift, shrunk by
+// `margin` and, as far as a thin overlap allows, by `edge` more.
+cv::Rect OverlapInMoving(cv::Size reference, cv::Size moving, cv::Point shift, int margin, int edge = 0)
 {
-    const int x0 = std::max(0, -shift.x) + margin;
-    const int y0 = std::max(0, -shift.y) + margin;
-    const int x1 = std::min(moving.width, reference.width - shift.x) - margin;
-    const int y1 = std::min(moving.height, reference.height - shift.y) - margin;
+    int x0 = std::max(0, -shift.x) + margin;
+    int y0 = std::max(0, -shift.y) + margin;
+    int x1 = std::min(moving.width, reference.width - shift.x) - margin;
+    int y1 = std::min(moving.height, reference.height - shift.y) - margin;
+    const int ex = std::clamp((x1 - x0 - kThinnest) / 2, 0, edge);
+    const int ey = std::clamp((y1 - y0 - kThinnest) / 2, 0, edge);
+    x0 += ex, x1 -= ex, y0 += ey, y1 -= ey;
     if (x1 <= x0 || y1 <= y0)
         return {};
     return { x0, y0, x1 - x0, y1 - y0 };
@@ -210,7 +216,7 @@ Match Coarse(const Prepared& reference, const Prepared& moving, double minOverla
             continue;
         const cv::Point whole(int(std::lround(shift.x)), int(std::lround(shift.y)));
         const cv::Rect inMoving
-            = OverlapInMoving(a.size(), b.size(), whole, int(std::ceil(kEdge * scale)) + 1);
+            = OverlapInMoving(a.size(), b.size(), whole, 1, int(std::ceil(kEdge * scale)));
         if (inMoving.width < 8 || inMoving.height < 8)
             continue;
         const double ncc = Ncc(b(inMoving), a(inMoving + whole));
@@ -241,7 +247,7 @@ Match Refine(const Prepared& reference, const Prepared& moving, cv::Point2d star
         // A margin the shift may move by without leaving the reference.
         const int margin = 3;
         cv::Rect roi = OverlapInMoving(ref.size(), mov.size(),
-            cv::Point(int(std::ceil(s.x)), int(std::ceil(s.y))), margin + int(std::ceil(kEdge * factor)));
+            cv::Point(int(std::ceil(s.x)), int(std::ceil(s.y))), margin, int(std::ceil(kEdge * factor)));
         if (roi.width < 8 || roi.height < 8) {
             // Too thin at this level: the finer ones still may do.
             if (level > 0)

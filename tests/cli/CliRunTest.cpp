@@ -56,7 +56,8 @@ TEST_F(CliUsage, HelpForTheToolAndEachCommand)
 {
     const CliRun main = Run({ "--help" });
     EXPECT_EQ(main.code, 0);
-    for (const char* command : { "devices", "snapshot", "record", "timelapse", "measure", "calibrate" }) {
+    for (const char* command :
+        { "devices", "snapshot", "record", "timelapse", "measure", "calibrate", "stitch" }) {
         EXPECT_TRUE(main.out.contains(QString::fromLatin1(command))) << command;
         for (const QStringList& args :
             { QStringList { command, "--help" }, QStringList { "help", command } }) {
@@ -100,6 +101,9 @@ TEST_F(CliUsage, BadUsageIsExitTwoWithOneLine)
         { { "calibrate", out }, "calibrate needs --division" },
         { { "calibrate", "--division", "0.01", out }, "bad --division \"0.01\"" },
         { { "calibrate", "--division", "10um", out, out }, "one PICTURE only" },
+        { { "stitch", "-o", out }, "PICTURE is missing" },
+        { { "stitch", out }, "stitch needs -o OUT" },
+        { { "stitch", "-o", Path("x.doc"), out }, "the extension names no picture type" },
     };
     for (const Case& c : cases) {
         const CliRun run = Run(c.args);
