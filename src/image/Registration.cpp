@@ -76,9 +76,17 @@ cv::Mat Gradient(const cv::Mat& level, int dx, int dy)
     return g;
 }
 
-// The frame sampled on a grid of `size` whose first point is `at`, by cubic
-// convolution with exact weights (warpAffine rounds positions to 1/32 pixel,
-// too coarse for the refinement to settle on).
+// The offset of a peak from its integer place by a parabola through three values.
+double PeakOffset(float before, float at, float after)
+{
+    const double curvature = double(before) - 2.0 * at + after;
+    if (curvature >= 0.0)
+        return 0.0;
+    return std::clamp(0.5 * (double(before) - after) / curvature, -0.5, 0.5);
+}
+
+} // namespace
+
 cv::Mat Sampled(const cv::Mat& frame, cv::Point2d at, cv::Size size)
 {
     const int ix = int(std::floor(at.x)), iy = int(std::floor(at.y));
@@ -105,17 +113,6 @@ cv::Mat Sampled(const cv::Mat& frame, cv::Point2d at, cv::Size size)
         source, out, CV_32F, weights(tx), weights(ty), cv::Point(0, 0), 0.0, cv::BORDER_REPLICATE);
     return out(cv::Rect(0, 0, size.width, size.height)).clone();
 }
-
-// The offset of a peak from its integer place by a parabola through three values.
-double PeakOffset(float before, float at, float after)
-{
-    const double curvature = double(before) - 2.0 * at + after;
-    if (curvature >= 0.0)
-        return 0.0;
-    return std::clamp(0.5 * (double(before) - after) / curvature, -0.5, 0.5);
-}
-
-} // namespace
 
 double OverlapFraction(cv::Size reference, cv::Size moving, cv::Point2d shift)
 {

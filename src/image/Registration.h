@@ -45,6 +45,12 @@ Match Coarse(const Prepared& reference, const Prepared& moving, double minOverla
 // off, the overlap is too small or the views disagree there.
 Match Refine(const Prepared& reference, const Prepared& moving, cv::Point2d start, double minOverlap);
 
+// The frame (any depth and channels) sampled on a grid of `size` whose first
+// point is `at`, by cubic convolution with exact weights, as float:
+// warpAffine rounds positions to 1/32 pixel, too coarse for the refinement
+// to settle on. Outside the frame its edge is repeated.
+cv::Mat Sampled(const cv::Mat& frame, cv::Point2d at, cv::Size size);
+
 // Fraction of the smaller view that the two share at that shift.
 double OverlapFraction(cv::Size reference, cv::Size moving, cv::Point2d shift);
 

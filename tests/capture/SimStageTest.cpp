@@ -1,0 +1,117 @@
+#include "capture/SimStage.h"
+
+#include "image/Stitcher.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace {
+
+double MeanGray(const QImage& picture, const QRect& area)
+{
+    double sum = 0.0;
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        for (int x = area.left(); x <= area.right(); ++x)
+            sum += qGray(picture.pixel(x, y));
+    return sum / (area.width() * area.height());
+}
+
+SimStage::Options Small()
+{
+    SimStage::Options options;
+    options.frame = QSize(320, 240);
+    options.cornerShading = 1.0;
+    return options;
+}
+
+} // namespace
+
+TEST(SimStage, FrameIsTheSlideAtItsTruePlace)
+{
+    SimStage stage(Small());
+    EXPECT_EQ(stage.Slide().size(), QSize(1280, 960));
+    EXPECT_DOUBLE_EQ(stage.MicrometresPerPixel(), 5.0);
+
+    stage.MoveTo(QPointF(200, 150));
+    const SimStage::Frame whole = stage.Capture();
+    EXPECT_EQ(whole.truth, QPointF(200, 150));
+    EXPECT_EQ(whole.picture, stage.Slide().copy(200, 150, 320, 240));
+
+    // Half a pixel on: between its neighbours.
+    stage.MoveBy(QPointF(0.5, 0));
+    const SimStage::Frame half = stage.Capture();
+    const QImage right = stage.Slide().copy(201, 150, 320, 240);
+    const QRect middle(20, 20, 280, 200);
+    const double between = MeanGray(half.picture, middle);
+    EXPECT_NEAR(between, 0.5 * (MeanGray(whole.picture, middle) + MeanGray(right, middle)), 0.3);
+
+    // The stage stops where the slide ends; the truth says where.
+    stage.MoveTo(QPointF(5000, -40));
+    const SimStage::Frame edge = stage.Capture();
+    EXPECT_LE(edge.truth.x() + 320, 1280);
+    EXPECT_GE(edge.truth.y(), 0);
+    ASSERT_EQ(stage.Taken().size(), 3u);
+    EXPECT_EQ(stage.Taken()[2], edge.truth);
+}
+
+TEST(SimStage, JitterMovesTheTruthAndTheLensDarkensTheCorners)
+{
+    SimStage::Options options = Small();
+    options.jitter = 0.5;
+    options.cornerShading = 0.65;
+    SimStage stage(options);
+    stage.MoveTo(QPointF(300, 200));
+    double spread = 0.0;
+    for (int i = 0; i < 8; ++i) {
+        const SimStage::Frame frame = stage.Capture();
+        spread += std::hypot(frame.truth.x() - 300, frame.truth.y() - 200);
+        EXPECT_EQ(stage.Taken().back(), frame.truth);
+    }
+    EXPECT_GT(spread / 8, 0.2);
+    EXPECT_LT(spread / 8, 1.5);
+
+    // Corners against the centre, each against the slide under it.
+    stage.MoveTo(QPointF(300, 200));
+    const SimStage::Frame frame = stage.Capture();
+    const QImage slide
+        = stage.Slide().copy(int(std::lround(frame.truth.x())), int(std::lround(frame.truth.y())), 320, 240);
+    const QRect centre(150, 110, 20, 20);
+    const QRect corner(0, 0, 6, 6);
+    const double ratio = (MeanGray(frame.picture, corner) / MeanGray(slide, corner))
+        / (MeanGray(frame.picture, centre) / MeanGray(slide, centre));
+    EXPECT_NEAR(ratio, 0.66, 0.03);
+}
+
+TEST(SimStage, ScriptedScanStitchesToTheTruthAndTrackingRecovers)
+{
+    SimStage::Options options = Small();
+    options.jitter = 0.3;
+    options.cornerShading = 0.65;
+    options.noise = 2.0;
+    options.jpegQuality = 90;
+    SimStage stage(options);
+    Stitcher stitcher;
+    std::vector<QPointF> placed;
+    int index = 0;
+    for (const QPointF& at : stage.Serpentine(3, 2, 0.6)) {
+        stage.MoveTo(at);
+        const SimStage::Frame frame = stage.Capture();
+        QString why;
+        ASSERT_TRUE(stitcher.Add(frame.picture, &why)) << index << ": " << why.toStdString();
+        placed.push_back(frame.truth);
+        ++index;
+        if (index == 3) {
+            // Too far at once: the frame is skipped, the mosaic stays as it was.
+            stage.MoveBy(QPointF(0, 500));
+            EXPECT_FALSE(stitcher.Add(stage.Capture().picture));
+        }
+    }
+    ASSERT_EQ(stitcher.Count(), 6);
+    double squares = 0.0;
+    for (int i = 0; i < 6; ++i) {
+        const QPointF error = (stitcher.Position(i) - stitcher.Position(0)) - (placed[i] - placed[0]);
+        EXPECT_LT(std::hypot(error.x(), error.y()), 0.3) << i;
+        squares += error.x() * error.x() + error.y() * error.y();
+    }
+    EXPECT_LT(std::sqrt(squares / 6), 0.15);
+}
