@@ -75,6 +75,7 @@ constexpr int ID_PROCESS_ENABLE = 32911;
 constexpr int ID_PROCESS_BINARY = 32912;
 constexpr int ID_PROCESS_PROPERTIES = 32913;
 constexpr int ID_PROCESS_RGB = 32914;
+constexpr int ID_PROCESS_STITCH = 32996;
 
 constexpr int ID_MEASURE_POINT = 32850;
 constexpr int ID_MEASURE_LINE = 32851;
