@@ -247,6 +247,26 @@
         <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
         <translation>Caméra connectée : %1. « Nouvel aperçu » affiche sa vidéo.</translation>
     </message>
+    <message>
+        <source>Stitch Pictures, in the Order Taken</source>
+        <translation>Assembler les images, dans l&apos;ordre de prise</translation>
+    </message>
+    <message>
+        <source>Cannot read the picture %1:
+%2</source>
+        <translation>Impossible de lire l&apos;image %1 :
+%2</translation>
+    </message>
+    <message>
+        <source>The picture %1 cannot be placed: %2.
+Each picture must overlap one taken before it by about a fifth.</source>
+        <translation>L&apos;image %1 ne peut pas être placée : %2.
+Chaque image doit recouvrir d&apos;environ un cinquième une image prise avant elle.</translation>
+    </message>
+    <message>
+        <source>Mosaic of %1 pictures</source>
+        <translation>Mosaïque de %1 images</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -1202,6 +1222,14 @@ texte</translation>
         <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
         <translation>Placer les extrémités des lignes et le bord des cercles sur le contour le plus proche de l&apos;image</translation>
     </message>
+    <message>
+        <source>S&amp;titch Pictures...</source>
+        <translation>A&amp;ssembler des images...</translation>
+    </message>
+    <message>
+        <source>Stitch overlapping pictures of a scan into one</source>
+        <translation>Assembler en une seule les images d&apos;un balayage qui se recouvrent</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1319,6 +1347,17 @@ texte</translation>
     <message>
         <source>&amp;Edit</source>
         <translation>&amp;Édition</translation>
+    </message>
+</context>
+<context>
+    <name>Stitcher</name>
+    <message>
+        <source>it overlaps none of the pictures placed before it</source>
+        <translation>elle ne recouvre aucune des images placées avant elle</translation>
+    </message>
+    <message>
+        <source>the picture is empty or too small</source>
+        <translation>l&apos;image est vide ou trop petite</translation>
     </message>
 </context>
 <context>

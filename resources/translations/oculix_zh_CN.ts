@@ -247,6 +247,26 @@
         <source>Camera connected: %1. &quot;New Preview&quot; shows its video.</source>
         <translation>相机已连接：%1。“新建预览”可显示其视频。</translation>
     </message>
+    <message>
+        <source>Stitch Pictures, in the Order Taken</source>
+        <translation>拼接图像（按拍摄顺序）</translation>
+    </message>
+    <message>
+        <source>Cannot read the picture %1:
+%2</source>
+        <translation>无法读取图像 %1：
+%2</translation>
+    </message>
+    <message>
+        <source>The picture %1 cannot be placed: %2.
+Each picture must overlap one taken before it by about a fifth.</source>
+        <translation>无法放置图像 %1：%2。
+每张图像须与之前拍摄的某张图像重叠约五分之一。</translation>
+    </message>
+    <message>
+        <source>Mosaic of %1 pictures</source>
+        <translation>%1 张图像的拼接图</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -1202,6 +1222,14 @@ Background</source>
         <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
         <translation>将直线的端点和圆周放到图像上最近的边缘</translation>
     </message>
+    <message>
+        <source>S&amp;titch Pictures...</source>
+        <translation>拼接图像(&amp;T)...</translation>
+    </message>
+    <message>
+        <source>Stitch overlapping pictures of a scan into one</source>
+        <translation>将扫描中相互重叠的图像拼接为一张</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1318,6 +1346,17 @@ Background</source>
     <message>
         <source>&amp;Edit</source>
         <translation>编辑(&amp;E)</translation>
+    </message>
+</context>
+<context>
+    <name>Stitcher</name>
+    <message>
+        <source>it overlaps none of the pictures placed before it</source>
+        <translation>它与之前放置的任何图像都不重叠</translation>
+    </message>
+    <message>
+        <source>the picture is empty or too small</source>
+        <translation>图像为空或太小</translation>
     </message>
 </context>
 <context>
