@@ -15,6 +15,7 @@
 #include "calibration/GraticuleDetector.h"
 #include "capture/SimStage.h"
 #include "image/FCObjImage.h"
+#include "image/Registration.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -244,7 +245,8 @@ void BM_StitchFiles(benchmark::State& state)
 BENCHMARK(BM_StitchFiles)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 // One 1280 x 1024 frame registered and placed against a mosaic of 3 x 3
-// frames it overlaps four of, as the live mosaic would place the next frame.
+// frames, overlapping the last one placed and three more, as the next frame
+// of a live scan would.
 void BM_PlaceFrame1280(benchmark::State& state)
 {
     cv::setNumThreads(1);
@@ -255,8 +257,8 @@ void BM_PlaceFrame1280(benchmark::State& state)
         stage.MoveTo(at);
         built.push_back(stage.Capture().picture);
     }
-    // Between the first four: the middle of the top-left square of fields.
-    stage.MoveTo(stage.Serpentine(3, 3, 0.6)[0] + QPointF(0.3 * 1280, 0.3 * 1024));
+    // Up and left of the last: between the bottom-right four fields.
+    stage.MoveTo(stage.Serpentine(3, 3, 0.6).back() - QPointF(0.3 * 1280, 0.3 * 1024));
     const QImage next = stage.Capture().picture;
     for (auto _ : state) {
         state.PauseTiming();
@@ -269,6 +271,61 @@ void BM_PlaceFrame1280(benchmark::State& state)
     }
 }
 BENCHMARK(BM_PlaceFrame1280)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+// Where a placement's time goes: preparing a frame once, the coarse search
+// against one picture, the refinement against one.
+struct Pair
+{
+    cv::Mat first;
+    cv::Mat second;
+};
+Pair GrayPair1280()
+{
+    SimStage::Options options = ScanOptions({ "pair", 2, 1 }, { 1280, 1024 });
+    SimStage stage(options);
+    stage.MoveTo(QPointF(300, 300));
+    const QImage a = stage.Capture().picture.convertToFormat(QImage::Format_Grayscale8);
+    stage.MoveBy(QPointF(500.3, 40.7));
+    const QImage b = stage.Capture().picture.convertToFormat(QImage::Format_Grayscale8);
+    auto mat = [](const QImage& g) {
+        return cv::Mat(
+            g.height(), g.width(), CV_8U, const_cast<uchar*>(g.constBits()), size_t(g.bytesPerLine()))
+            .clone();
+    };
+    return { mat(a), mat(b) };
+}
+
+void BM_Prepare1280(benchmark::State& state)
+{
+    cv::setNumThreads(1);
+    const Pair pair = GrayPair1280();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Registration::Prepare(pair.second));
+}
+BENCHMARK(BM_Prepare1280)->Unit(benchmark::kMillisecond);
+
+void BM_Coarse1280(benchmark::State& state)
+{
+    cv::setNumThreads(1);
+    const Pair pair = GrayPair1280();
+    const Registration::Prepared a = Registration::Prepare(pair.first),
+                                 b = Registration::Prepare(pair.second);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Registration::Coarse(a, b, 0.1));
+}
+BENCHMARK(BM_Coarse1280)->Unit(benchmark::kMillisecond);
+
+void BM_Refine1280(benchmark::State& state)
+{
+    cv::setNumThreads(1);
+    const Pair pair = GrayPair1280();
+    const Registration::Prepared a = Registration::Prepare(pair.first),
+                                 b = Registration::Prepare(pair.second);
+    const Registration::Match coarse = Registration::Coarse(a, b, 0.1);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Registration::Refine(a, b, coarse.shift, 0.1));
+}
+BENCHMARK(BM_Refine1280)->Unit(benchmark::kMillisecond);
 
 } // namespace
 #endif

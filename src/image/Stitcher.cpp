@@ -14,8 +14,6 @@ namespace {
 
 // Neighbours a new picture is refined against: the ones it overlaps most.
 constexpr int kNeighbours = 4;
-// Pictures compared at a time in the search for a picture's place, newest first.
-constexpr int kRecent = 8;
 // An estimate further than this from the others is dropped as a mismatch.
 constexpr double kOutlier = 2.0;
 // The shading is read from brightness at this fraction of the size.
@@ -105,22 +103,14 @@ struct Stitcher::Impl
 
 bool Stitcher::Impl::Place(Tile& tile, QString* why)
 {
-    // The most recent pictures first: a scan moves on from the last one, and
-    // comparing with every picture would make a long scan slow.
-    const int count = int(tiles.size());
-    for (int newest = count; newest > 0; newest -= kRecent) {
-        std::vector<std::pair<Registration::Match, int>> candidates;
-        for (int i = newest - 1; i >= std::max(0, newest - kRecent); --i) {
-            const Registration::Match coarse
-                = Registration::Coarse(tiles[size_t(i)].prepared, tile.prepared, options.minOverlap);
-            if (coarse.ok)
-                candidates.emplace_back(coarse, i);
-        }
-        std::sort(candidates.begin(), candidates.end(),
-            [](const auto& a, const auto& b) { return a.first.ncc > b.first.ncc; });
-        for (const auto& [coarse, i] : candidates)
-            if (Verify(tile, tiles[size_t(i)].position + coarse.shift))
-                return true;
+    // The most recent pictures first: a scan moves on from the last one, so
+    // the search usually ends at the first. A chance likeness is caught by
+    // Verify, against every picture the guess would overlap.
+    for (int i = int(tiles.size()) - 1; i >= 0; --i) {
+        const Registration::Match coarse
+            = Registration::Coarse(tiles[size_t(i)].prepared, tile.prepared, options.minOverlap);
+        if (coarse.ok && Verify(tile, tiles[size_t(i)].position + coarse.shift))
+            return true;
     }
     if (why)
         *why = QCoreApplication::translate("Stitcher", "it overlaps none of the pictures placed before it");
