@@ -3,9 +3,7 @@
 #include "capture/CSimScene.h"
 #include "image/Registration.h"
 
-#include <QBuffer>
 #include <QFont>
-#include <QImageWriter>
 #include <QPainter>
 #include <QRadialGradient>
 
@@ -159,15 +157,9 @@ SimStage::Frame SimStage::Capture()
     QImage picture(size.width, size.height, QImage::Format_RGB888);
     cv::Mat out(size, CV_8UC3, picture.bits(), size_t(picture.bytesPerLine()));
     frame.convertTo(out, CV_8UC3);
-    if (m_options.jpegQuality > 0) {
-        QByteArray bytes;
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        QImageWriter writer(&buffer, "jpeg");
-        writer.setQuality(std::min(m_options.jpegQuality, 100));
-        writer.write(picture);
-        picture = QImage::fromData(bytes, "jpeg").convertToFormat(QImage::Format_RGB888);
-    }
+    if (m_options.jpegQuality > 0)
+        picture = QImage::fromData(CSimScene::Jpeg(picture, std::min(m_options.jpegQuality, 100)), "jpeg")
+                      .convertToFormat(QImage::Format_RGB888);
     m_taken.push_back(at);
     return { picture, at };
 }

@@ -1,5 +1,8 @@
 #include "capture/SimStage.h"
 
+#include "CaptureTestSupport.h"
+#include "capture/CXCapGraph.h"
+#include "capture/SimCameraSource.h"
 #include "image/Stitcher.h"
 
 #include <cmath>
@@ -114,4 +117,62 @@ TEST(SimStage, ScriptedScanStitchesToTheTruthAndTrackingRecovers)
         squares += error.x() * error.x() + error.y() * error.y();
     }
     EXPECT_LT(std::sqrt(squares / 6), 0.15);
+}
+
+namespace {
+
+// The grabber's frame (bottom-up BGR, rows padded) as a picture.
+QImage Grabbed(CXCapGraph& graph)
+{
+    const std::vector<uchar> bits = Snapshot(graph);
+    const QSize size = ProcessedSize(graph);
+    QImage picture(size, QImage::Format_RGB888);
+    const std::size_t stride = bits.size() / std::size_t(size.height());
+    for (int y = 0; y < size.height(); ++y) {
+        const uchar* row = bits.data() + std::size_t(size.height() - 1 - y) * stride;
+        uchar* line = picture.scanLine(y);
+        for (int x = 0; x < size.width(); ++x) {
+            line[3 * x] = row[3 * x + 2];
+            line[3 * x + 1] = row[3 * x + 1];
+            line[3 * x + 2] = row[3 * x];
+        }
+    }
+    return picture;
+}
+
+} // namespace
+
+// The live camera shows the stage when asked, and moving it moves the view
+// over the slide by that much; other cameras, and the camera without its
+// stage, are left alone.
+TEST(SimStage, LiveCameraShowsTheStageAndMovesWithIt)
+{
+    SimCameraScope scope;
+    AddCapsCamera(QStringLiteral("Stage"), kSmallCameraCaps);
+    CXCapGraph graph;
+    ASSERT_TRUE(StartPreview(graph, QStringLiteral("Stage")));
+    GstElement* camera = graph.DeviceElement();
+    EXPECT_FALSE(MoveSimStage(camera, QPointF(32, 0))) << "no stage unless asked for";
+    EXPECT_FALSE(MoveSimStage(nullptr, QPointF(32, 0)));
+
+    g_object_set(camera, "stage", TRUE, nullptr);
+    ASSERT_TRUE(WaitFreshFrames(graph));
+    double x = 0.0, y = 0.0;
+    g_object_get(camera, "stage-x", &x, "stage-y", &y, nullptr);
+    EXPECT_GT(x, 100.0) << "it starts in the middle of the slide";
+    const QImage before = Grabbed(graph);
+
+    ASSERT_TRUE(MoveSimStage(camera, QPointF(48, -20)));
+    ASSERT_TRUE(WaitFreshFrames(graph));
+    const QImage after = Grabbed(graph);
+    double x2 = 0.0, y2 = 0.0;
+    g_object_get(camera, "stage-x", &x2, "stage-y", &y2, nullptr);
+    EXPECT_NEAR(x2 - x, 48.0, 1.0);
+    EXPECT_NEAR(y2 - y, -20.0, 1.0);
+    // The view moved with the stage (the jitter is a fraction of a pixel).
+    const std::optional<QPointF> shift = Stitcher::PairShift(before, after);
+    ASSERT_TRUE(shift.has_value());
+    EXPECT_NEAR(shift->x(), 48.0, 1.5);
+    EXPECT_NEAR(shift->y(), -20.0, 1.5);
+    graph.StopGraph();
 }
