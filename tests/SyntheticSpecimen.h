@@ -78,3 +78,13 @@ private:
 
     unsigned m_seed;
 };
+
+// The mean gray level of an area of a picture.
+inline double MeanGray(const QImage& picture, const QRect& area)
+{
+    double sum = 0.0;
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        for (int x = area.left(); x <= area.right(); ++x)
+            sum += qGray(picture.pixel(x, y));
+    return sum / (area.width() * area.height());
+}

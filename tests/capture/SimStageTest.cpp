@@ -1,6 +1,7 @@
 #include "capture/SimStage.h"
 
 #include "CaptureTestSupport.h"
+#include "SyntheticSpecimen.h"
 #include "capture/CXCapGraph.h"
 #include "capture/SimCameraSource.h"
 #include "image/Stitcher.h"
@@ -9,15 +10,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-double MeanGray(const QImage& picture, const QRect& area)
-{
-    double sum = 0.0;
-    for (int y = area.top(); y <= area.bottom(); ++y)
-        for (int x = area.left(); x <= area.right(); ++x)
-            sum += qGray(picture.pixel(x, y));
-    return sum / (area.width() * area.height());
-}
 
 SimStage::Options Small()
 {

@@ -10,15 +10,6 @@ namespace {
 constexpr int kW = 200;
 constexpr int kH = 150;
 
-double MeanGray(const QImage& picture, const QRect& area)
-{
-    double sum = 0.0;
-    for (int y = area.top(); y <= area.bottom(); ++y)
-        for (int x = area.left(); x <= area.right(); ++x)
-            sum += qGray(picture.pixel(x, y));
-    return sum / (area.width() * area.height());
-}
-
 } // namespace
 
 TEST(Stitcher, PairShiftRecoversPlantedSubPixelShifts)
