@@ -3,6 +3,8 @@
 #include "measure/CGVLElemMgr.h"
 #include "measure/MeasurementXmp.h"
 
+#include <QTest>
+
 // The pictures of a scan open as one picture document in the first one's
 // scale and calibration; a picture that fits nowhere is named and nothing opens.
 TEST_F(MeasureFrameTest, StitchedPicturesOpenAsOneCalibratedDocument)
@@ -38,4 +40,39 @@ TEST_F(MeasureFrameTest, StitchedPicturesOpenAsOneCalibratedDocument)
         << messages[0].toStdString();
     EXPECT_EQ(frame->GetChildFrames().size(), open);
     messages.clear();
+}
+
+// On the simulated camera's stage the arrow keys look further over the slide,
+// a tenth of the field a press and half with Shift; without the stage they
+// move nothing.
+TEST_F(MeasureFrameTest, ArrowKeysMoveTheSimulatedStage)
+{
+    Start();
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    CMeasureView* view = ActiveView();
+    ASSERT_NE(view, nullptr);
+    GstElement* camera = live->GetGraph().DeviceElement();
+    ASSERT_NE(camera, nullptr);
+    const QSize field = live->GetImageSize();
+    auto position = [camera] {
+        double x = 0.0, y = 0.0;
+        g_object_get(camera, "stage-x", &x, "stage-y", &y, nullptr);
+        return QPointF(x, y);
+    };
+    const QPointF still = position();
+    QTest::keyClick(view, Qt::Key_Right);
+    EXPECT_EQ(position(), still) << "no stage, nothing moves";
+
+    g_object_set(camera, "stage", TRUE, nullptr);
+    ASSERT_TRUE(WaitFor([&] { return position().x() > 0.0; }, 30000));
+    const QPointF start = position();
+    QTest::keyClick(view, Qt::Key_Right);
+    QTest::keyClick(view, Qt::Key_Down, Qt::ShiftModifier);
+    const QPointF moved = position();
+    EXPECT_NEAR(moved.x() - start.x(), 0.1 * field.width(), 0.5);
+    EXPECT_NEAR(moved.y() - start.y(), 0.5 * field.height(), 0.5);
+    QTest::keyClick(view, Qt::Key_Left);
+    QTest::keyClick(view, Qt::Key_Up, Qt::ShiftModifier);
+    EXPECT_NEAR(position().x(), start.x(), 0.5);
+    EXPECT_NEAR(position().y(), start.y(), 0.5);
 }
