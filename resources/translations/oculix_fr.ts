@@ -283,6 +283,26 @@
         <source>Stack %1</source>
         <translation>Pile %1</translation>
     </message>
+    <message>
+        <source>Stitch Pictures, in the Order Taken</source>
+        <translation>Assembler les images, dans l&apos;ordre de prise</translation>
+    </message>
+    <message>
+        <source>Cannot read the picture %1:
+%2</source>
+        <translation>Impossible de lire l&apos;image %1 :
+%2</translation>
+    </message>
+    <message>
+        <source>The picture %1 cannot be placed: %2.
+Each picture must overlap one taken before it by about a fifth.</source>
+        <translation>L&apos;image %1 ne peut pas être placée : %2.
+Chaque image doit recouvrir d&apos;environ un cinquième une image prise avant elle.</translation>
+    </message>
+    <message>
+        <source>Mosaic of %1 pictures</source>
+        <translation>Mosaïque de %1 images</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -1463,6 +1483,14 @@ Vous pouvez aussi essayer de mesurer avec la caméra simulée.</translation>
         <source>Fuse pictures taken at different focus into one picture sharp everywhere</source>
         <translation>Fusionner des images prises à des mises au point différentes en une image nette partout</translation>
     </message>
+    <message>
+        <source>S&amp;titch Pictures...</source>
+        <translation>A&amp;ssembler des images...</translation>
+    </message>
+    <message>
+        <source>Stitch overlapping pictures of a scan into one</source>
+        <translation>Assembler en une seule les images d&apos;un balayage qui se recouvrent</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1595,6 +1623,17 @@ Vous pouvez aussi essayer de mesurer avec la caméra simulée.</translation>
     <message>
         <source>&amp;Edit</source>
         <translation>&amp;Édition</translation>
+    </message>
+</context>
+<context>
+    <name>Stitcher</name>
+    <message>
+        <source>it overlaps none of the pictures placed before it</source>
+        <translation>elle ne recouvre aucune des images placées avant elle</translation>
+    </message>
+    <message>
+        <source>the picture is empty or too small</source>
+        <translation>l&apos;image est vide ou trop petite</translation>
     </message>
 </context>
 <context>

@@ -283,6 +283,26 @@
         <source>Stack %1</source>
         <translation>合成 %1</translation>
     </message>
+    <message>
+        <source>Stitch Pictures, in the Order Taken</source>
+        <translation>拼接图像（按拍摄顺序）</translation>
+    </message>
+    <message>
+        <source>Cannot read the picture %1:
+%2</source>
+        <translation>无法读取图像 %1：
+%2</translation>
+    </message>
+    <message>
+        <source>The picture %1 cannot be placed: %2.
+Each picture must overlap one taken before it by about a fifth.</source>
+        <translation>无法放置图像 %1：%2。
+每张图像须与之前拍摄的某张图像重叠约五分之一。</translation>
+    </message>
+    <message>
+        <source>Mosaic of %1 pictures</source>
+        <translation>%1 张图像的拼接图</translation>
+    </message>
 </context>
 <context>
     <name>CMeasureColorDlg</name>
@@ -1463,6 +1483,14 @@ You can also try measuring with the simulated camera.</source>
         <source>Fuse pictures taken at different focus into one picture sharp everywhere</source>
         <translation>将不同对焦位置拍摄的图片合成为一张处处清晰的图片</translation>
     </message>
+    <message>
+        <source>S&amp;titch Pictures...</source>
+        <translation>拼接图像(&amp;T)...</translation>
+    </message>
+    <message>
+        <source>Stitch overlapping pictures of a scan into one</source>
+        <translation>将扫描中相互重叠的图像拼接为一张</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1594,6 +1622,17 @@ You can also try measuring with the simulated camera.</source>
     <message>
         <source>&amp;Edit</source>
         <translation>编辑(&amp;E)</translation>
+    </message>
+</context>
+<context>
+    <name>Stitcher</name>
+    <message>
+        <source>it overlaps none of the pictures placed before it</source>
+        <translation>它与之前放置的任何图像都不重叠</translation>
+    </message>
+    <message>
+        <source>the picture is empty or too small</source>
+        <translation>图像为空或太小</translation>
     </message>
 </context>
 <context>

@@ -76,6 +76,7 @@ void CMeasureApp::MapAppCommands()
         MapCommand(ID_FILE_MRU_FILE1 + i, [this, i] { OnOpenRecentFile(i); });
     MapCommand(ID_FILE_OPEN_PICTURE_FOLDER, [this] { OnOpenPictureFolder(); });
     MapCommand(ID_PROCESS_FOCUS_STACK, [this] { OnFocusStackPictures(); });
+    MapCommand(ID_PROCESS_STITCH, [this] { OnStitchPictures(); });
     MapCommand(ID_HELP_MANUAL, [this] { OnHelp(); });
     MapCommand(ID_APP_ABOUT, [this] { OnAppAbout(); });
 }

@@ -64,6 +64,12 @@ public:
     CDocument* StackPictures(const QStringList& paths);
     // The open dialog's filters, the classic one first.
     static QStringList PictureOpenFilters();
+    // "Stitch Pictures...": asks for the pictures of a scan and stitches them.
+    void OnStitchPictures();
+    // The pictures, in the order taken, stitched into a picture document
+    // with the first one's stored calibration; null, with a message saying
+    // which picture and why, when one cannot be read or placed.
+    CDocument* StitchPictures(const QStringList& files);
 
     CMainFrame* GetMainFrame() const { return m_mainFrame; }
     const AppPaths& GetPaths() const { return m_paths; }

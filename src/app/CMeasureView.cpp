@@ -6,11 +6,13 @@
 #include "app/CMeasureDoc.h"
 #include "app/CNoCameraHint.h"
 #include "app/CommandTable.h"
+#include "capture/SimCameraSource.h"
 #include "capture/SimDeviceProvider.h"
 #include "measure/CGVLElemMgr.h"
 #include "platform/DebugLog.h"
 #include "ui/CGVLWnd.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
 
@@ -164,4 +166,37 @@ void CMeasureView::paintEvent(QPaintEvent*)
         m_ptOffset - QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value()), m_displayed);
     for (const QRect& margin : QRegion(client) - QRegion(image))
         dc.fillRect(margin, kMarginGray);
+}
+
+void CMeasureView::keyPressEvent(QKeyEvent* event)
+{
+    // On the simulated stage the arrows look further over the slide, as the
+    // stage's knobs would: a tenth of the field a press, half with Shift.
+    QPointF direction;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        direction = { -1, 0 };
+        break;
+    case Qt::Key_Right:
+        direction = { 1, 0 };
+        break;
+    case Qt::Key_Up:
+        direction = { 0, -1 };
+        break;
+    case Qt::Key_Down:
+        direction = { 0, 1 };
+        break;
+    default:
+        break;
+    }
+    if (!direction.isNull() && m_document.IsLive()) {
+        const QSize field = m_document.GetImageSize();
+        const double share = event->modifiers() & Qt::ShiftModifier ? 0.5 : 0.1;
+        const QPointF step(direction.x() * share * field.width(), direction.y() * share * field.height());
+        if (MoveSimStage(m_document.GetGraph().DeviceElement(), step)) {
+            event->accept();
+            return;
+        }
+    }
+    QAbstractScrollArea::keyPressEvent(event);
 }

@@ -46,6 +46,8 @@ const CommandInfo kCommands[] = {
     { ID_PROCESS_SHARPEN, CMD("&Sharpen"), CMD("Sharpen image"), ":/icons/sharpen.svg", true },
     { ID_PROCESS_BINARY, CMD("&Binary"), CMD("Binary image"), ":/icons/binary.svg", false },
     { ID_PROCESS_RGB, CMD("&Rgb"), CMD("Rgb adjustment"), ":/icons/rgb.svg", false },
+    { ID_PROCESS_STITCH, CMD("S&titch Pictures..."), CMD("Stitch overlapping pictures of a scan into one"),
+        ":/icons/stitch.svg", false },
     { ID_PROCESS_PROPERTIES, "", CMD("Show the real-time processing settings"), ":/icons/processadjust.svg",
         false },
     { ID_PROCESS_FOCUS_STACK, CMD("&Focus Stack Pictures..."),
@@ -183,7 +185,7 @@ template <std::size_t N> struct ProcessLayout
     constexpr std::span<const int> Ids() const { return { ids.data(), count }; }
 };
 
-constexpr ProcessLayout kProcessMenu(std::array { S, ID_PROCESS_FOCUS_STACK });
+constexpr ProcessLayout kProcessMenu(std::array { S, ID_PROCESS_FOCUS_STACK, ID_PROCESS_STITCH });
 constexpr std::array kVideoMenu { ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES,
     ID_VIDEO_ADJUST };
 constexpr std::array kWindowMenu { ID_WINDOW_CASCADE, ID_WINDOW_TILE_HORZ, ID_WINDOW_TILE_VERT };

@@ -188,13 +188,18 @@ void CSimScene::DrawSlideInThisThread()
         cv::GaussianBlur(rgb, rgb, cv::Size(), m_controls.blur, m_controls.blur, cv::BORDER_REPLICATE);
     }
 
-    // The same slide in YUY2 (BT.601, limited range), chroma of each pair averaged.
     m_slideYuy2Stride = std::size_t(w) * 2;
     m_slideYuy2.assign(m_slideYuy2Stride * h, 0);
-    for (int y = 0; y < h; ++y) {
-        const uchar* s = m_slide.constScanLine(y);
-        uchar* d = m_slideYuy2.data() + y * m_slideYuy2Stride;
-        for (int x = 0; x < w; x += 2, s += 6, d += 4) {
+    Yuy2FromRgb(m_slide, m_slideYuy2.data(), m_slideYuy2Stride);
+}
+
+void CSimScene::Yuy2FromRgb(const QImage& rgb, uchar* dst, std::size_t stride)
+{
+    // BT.601, limited range, chroma of each pair averaged.
+    for (int y = 0; y < rgb.height(); ++y) {
+        const uchar* s = rgb.constScanLine(y);
+        uchar* d = dst + y * stride;
+        for (int x = 0; x + 1 < rgb.width(); x += 2, s += 6, d += 4) {
             int u = 0;
             int v = 0;
             for (int k = 0; k < 2; ++k) {
@@ -381,11 +386,16 @@ QImage CSimScene::RenderRgb(std::uint64_t frame) const
 
 QByteArray CSimScene::RenderJpeg(std::uint64_t frame, int quality) const
 {
+    return Jpeg(RenderRgb(frame), quality);
+}
+
+QByteArray CSimScene::Jpeg(const QImage& picture, int quality)
+{
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     QImageWriter writer(&buffer, "jpeg");
     writer.setQuality(quality);
-    writer.write(RenderRgb(frame));
+    writer.write(picture);
     return bytes;
 }

@@ -68,6 +68,12 @@ public:
     // Frame n as a baseline JPEG, as a camera's MJPG mode sends it.
     QByteArray RenderJpeg(std::uint64_t frame, int quality = 80) const;
 
+    // An RGB888 picture as packed YUY2 (BT.601, limited range), as the
+    // camera sends it; the width is even.
+    static void Yuy2FromRgb(const QImage& rgb, uchar* dst, std::size_t stride);
+    // A picture as a baseline JPEG of that quality.
+    static QByteArray Jpeg(const QImage& picture, int quality);
+
     // The slide as drawn, before noise and vignetting (tests, documentation).
     const QImage& Slide() const { return m_slide; }
 

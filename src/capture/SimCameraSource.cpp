@@ -1,10 +1,12 @@
 #include "capture/SimCameraSource.h"
 
 #include "capture/CSimScene.h"
+#include "capture/SimStage.h"
 
 #include <gst/base/gstpushsrc.h>
 #include <gst/video/video.h>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <map>
@@ -36,8 +38,15 @@ struct SimState
     CSimScene::Controls controls;
     bool controlsChanged = false;
 
+    // The stage under a slide larger than the field ("stage"), and where it
+    // is to go next, in slide pixels (negative: where it is).
+    bool stage = false;
+    QPointF stageTarget { -1.0, -1.0 };
+    QPointF stageAt;
+
     // Streaming thread only, between set_caps and stop.
     std::unique_ptr<CSimScene> scene;
+    std::unique_ptr<SimStage> simStage;
     bool jpeg = false;
     GstVideoInfo info;
     GstClockTime frameDuration = GST_SECOND / 30;
@@ -81,11 +90,25 @@ enum {
     PROP_BLUR,
     PROP_NOISE_LEVEL,
     PROP_UNEVEN_LIGHT,
+    PROP_STAGE,
+    PROP_STAGE_X,
+    PROP_STAGE_Y,
 };
 
 SimState* State(gpointer object)
 {
     return reinterpret_cast<OculixSimSrc*>(object)->state;
+}
+
+// The live stage: mild shading, noise and jitter, as a hand-moved stage shows.
+SimStage::Options StageOptions(QSize frame)
+{
+    SimStage::Options options;
+    options.frame = frame;
+    options.cornerShading = 0.75;
+    options.jitter = 0.2;
+    options.noise = 1.5;
+    return options;
 }
 
 GstCaps* TemplateCaps()
@@ -148,6 +171,17 @@ void SetProperty(GObject* object, guint id, const GValue* value, GParamSpec* psp
         s->controls.unevenLight = g_value_get_int(value);
         s->controlsChanged = true;
         break;
+    case PROP_STAGE:
+        s->stage = g_value_get_boolean(value);
+        break;
+    case PROP_STAGE_X:
+        s->stageTarget = QPointF(
+            g_value_get_double(value), s->stageTarget.y() < 0 ? s->stageAt.y() : s->stageTarget.y());
+        break;
+    case PROP_STAGE_Y:
+        s->stageTarget = QPointF(
+            s->stageTarget.x() < 0 ? s->stageAt.x() : s->stageTarget.x(), g_value_get_double(value));
+        break;
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, pspec);
     }
@@ -196,6 +230,15 @@ void GetProperty(GObject* object, guint id, GValue* value, GParamSpec* pspec)
         break;
     case PROP_UNEVEN_LIGHT:
         g_value_set_int(value, s->controls.unevenLight);
+        break;
+    case PROP_STAGE:
+        g_value_set_boolean(value, s->stage);
+        break;
+    case PROP_STAGE_X:
+        g_value_set_double(value, s->stageTarget.x() >= 0 ? s->stageTarget.x() : s->stageAt.x());
+        break;
+    case PROP_STAGE_Y:
+        g_value_set_double(value, s->stageTarget.y() >= 0 ? s->stageTarget.y() : s->stageAt.y());
         break;
     default:
         G_OBJECT_WARN_INVALID_PROPERTY_ID(object, id, pspec);
@@ -291,6 +334,7 @@ gboolean Stop(GstBaseSrc* src)
 {
     SimState* s = State(src);
     s->scene.reset();
+    s->simStage.reset();
     return TRUE;
 }
 
@@ -327,9 +371,14 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
         return GST_FLOW_NOT_NEGOTIATED;
 
     QString name;
+    bool stage = false;
+    QPointF stageTarget;
     {
         std::lock_guard lock(s->mutex);
         name = s->cameraName;
+        stage = s->stage;
+        stageTarget = s->stageTarget;
+        s->stageTarget = QPointF(-1.0, -1.0);
         if (s->controlsChanged) {
             s->scene->SetControls(s->controls);
             s->controlsChanged = false;
@@ -343,9 +392,20 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
         return GST_FLOW_ERROR;
     }
 
+    QImage staged;
+    if (stage) {
+        const QSize size(int(s->scene->Width()), int(s->scene->Height()));
+        if (!s->simStage || s->simStage->FrameSize() != size)
+            s->simStage = std::make_unique<SimStage>(StageOptions(size));
+        if (stageTarget.x() >= 0.0 && stageTarget.y() >= 0.0)
+            s->simStage->MoveTo(stageTarget);
+        staged = s->simStage->Capture().picture;
+        std::lock_guard lock(s->mutex);
+        s->stageAt = s->simStage->Position();
+    }
     GstBuffer* buffer = nullptr;
     if (s->jpeg) {
-        const QByteArray jpeg = s->scene->RenderJpeg(s->frame);
+        const QByteArray jpeg = stage ? CSimScene::Jpeg(staged, 80) : s->scene->RenderJpeg(s->frame);
         buffer = gst_buffer_new_memdup(jpeg.constData(), gsize(jpeg.size()));
     } else {
         buffer = gst_buffer_new_allocate(nullptr, GST_VIDEO_INFO_SIZE(&s->info), nullptr);
@@ -354,7 +414,11 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
             gst_buffer_unref(buffer);
             return GST_FLOW_ERROR;
         }
-        s->scene->RenderYuy2(s->frame, map.data, std::size_t(GST_VIDEO_INFO_PLANE_STRIDE(&s->info, 0)));
+        const std::size_t stride = std::size_t(GST_VIDEO_INFO_PLANE_STRIDE(&s->info, 0));
+        if (stage)
+            CSimScene::Yuy2FromRgb(staged, map.data, stride);
+        else
+            s->scene->RenderYuy2(s->frame, map.data, stride);
         gst_buffer_unmap(buffer, &map);
     }
     GST_BUFFER_PTS(buffer) = s->frame * s->frameDuration;
@@ -414,6 +478,16 @@ static void oculix_sim_src_class_init(OculixSimSrcClass* klass)
     g_object_class_install_property(object, PROP_UNEVEN_LIGHT,
         g_param_spec_int(
             "uneven-light", "Uneven light", "Light falling off across the field, percent", 0, 90, 0, flags));
+    g_object_class_install_property(object, PROP_STAGE,
+        g_param_spec_boolean("stage", "Stage",
+            "A slide several fields across under a stage that moves (default: OCULIX_DEMO_STAGE=1)", FALSE,
+            flags));
+    g_object_class_install_property(object, PROP_STAGE_X,
+        g_param_spec_double(
+            "stage-x", "Stage x", "The field's left edge on the slide, pixels", 0, 1e6, 0, flags));
+    g_object_class_install_property(object, PROP_STAGE_Y,
+        g_param_spec_double(
+            "stage-y", "Stage y", "The field's top edge on the slide, pixels", 0, 1e6, 0, flags));
     g_object_class_install_property(object, PROP_FRAMES,
         g_param_spec_int("frames", "Frames", "Frames delivered since start", 0, G_MAXINT, 0,
             GParamFlags(G_PARAM_READABLE | G_PARAM_STATIC_STRINGS)));
@@ -442,6 +516,7 @@ static void oculix_sim_src_init(OculixSimSrc* self)
 {
     self->state = new SimState();
     self->state->cameraName = QStringLiteral("Simulated Microscope Camera");
+    self->state->stage = qEnvironmentVariableIntValue("OCULIX_DEMO_STAGE") == 1;
     gst_video_info_init(&self->state->info);
     GstBaseSrc* base = GST_BASE_SRC(self);
     gst_base_src_set_live(base, TRUE);
@@ -453,6 +528,22 @@ void RegisterSimCameraSource()
     static const bool registered
         = gst_element_register(nullptr, kSimCameraElement, GST_RANK_NONE, oculix_sim_src_get_type());
     (void)registered;
+}
+
+bool MoveSimStage(GstElement* camera, const QPointF& step)
+{
+    GstElementFactory* factory = camera ? gst_element_get_factory(camera) : nullptr;
+    if (!factory || g_strcmp0(GST_OBJECT_NAME(factory), kSimCameraElement) != 0)
+        return false;
+    gboolean stage = FALSE;
+    g_object_get(camera, "stage", &stage, nullptr);
+    if (!stage)
+        return false;
+    double x = 0.0, y = 0.0;
+    g_object_get(camera, "stage-x", &x, "stage-y", &y, nullptr);
+    g_object_set(
+        camera, "stage-x", std::max(0.0, x + step.x()), "stage-y", std::max(0.0, y + step.y()), nullptr);
+    return true;
 }
 
 void SetSimCameraFault(const QString& cameraName, const SimCameraFault& fault)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointF>
 #include <QString>
 
 #include <gst/gst.h>
@@ -14,13 +15,19 @@
 // "saturation" (0..200), "vignetting", "noise", "drift" (bools; with noise
 // and drift off every frame is the same), "rotation" (degrees), "blur"
 // (pixels), "noise-level" (levels, 0 for the mild default), "uneven-light"
-// (0..90 percent), "frames" (read-only count of frames delivered since the
-// last start).
+// (0..90 percent), "stage" (bool: frames of SimStage's larger slide instead,
+// on by default when OCULIX_DEMO_STAGE=1), "stage-x" and "stage-y" (the
+// stage's position in slide pixels), "frames" (read-only count of frames
+// delivered since the last start).
 
 inline constexpr const char* kSimCameraElement = "oculixsimcamsrc";
 
 // Registers the element type in this process (no plugin file). Idempotent.
 void RegisterSimCameraSource();
+
+// Moves the stage of a simulated camera showing its stage ("stage" on) by
+// `step` slide pixels; false, doing nothing, for any other camera.
+bool MoveSimStage(GstElement* camera, const QPointF& step);
 
 // Faults a test may inject into every running and future camera of a name,
 // as a pulled camera or a slow one would behave.

@@ -26,6 +26,7 @@ const std::map<QString, Command>& Commands()
         { QStringLiteral("particles"), { &RunParticles, "Count and size the particles of a picture." } },
         { QStringLiteral("rois"), { &RunRois, "Export the shapes kept in a picture as an ImageJ ROI set." } },
         { QStringLiteral("stack"), { &RunStack, "Fuse a focus series into one picture sharp everywhere." } },
+        { QStringLiteral("stitch"), { &RunStitch, "Stitch overlapping pictures of a scan into one." } },
     };
     return commands;
 }

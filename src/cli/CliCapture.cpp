@@ -111,10 +111,8 @@ int RunSnapshot(const QStringList& arguments)
     if (!parser.Parse(arguments))
         return kExitOk;
     const QString out = parser.OnePositional(QStringLiteral("OUT"));
+    CheckPictureType(out);
     const QString type = QFileInfo(out).suffix().toLower();
-    if (!kPictureTypes.contains(type))
-        ThrowUsage(QStringLiteral("%1: the extension names no picture type (%2)")
-                       .arg(out, kPictureTypes.join(QStringLiteral(", "))));
     const bool jpeg = type == QLatin1String("jpg") || type == QLatin1String("jpeg");
     QStringList texts;
     for (const char* name : kSummaryOptions) {

@@ -15,6 +15,7 @@ int RunCalibrate(const QStringList& arguments);
 int RunParticles(const QStringList& arguments);
 int RunRois(const QStringList& arguments);
 int RunStack(const QStringList& arguments);
+int RunStitch(const QStringList& arguments);
 
 // Dispatches to the command, prints failures as one line on stderr and
 // returns the exit code.

@@ -26,16 +26,6 @@ namespace {
 // data file keeps the real length they measure.
 constexpr int kRulerArm = 200;
 
-// A text field of the CSV, quoted when it holds the separator, a quote or a line end.
-QByteArray CsvField(const QString& text, char separator)
-{
-    QByteArray bytes = text.toUtf8();
-    if (!bytes.contains(separator) && !bytes.contains('"') && !bytes.contains('\n') && !bytes.contains('\r'))
-        return bytes;
-    bytes.replace("\"", "\"\"");
-    return '"' + bytes + '"';
-}
-
 // The program's export of the picture's stored measurements, or nothing when
 // the picture keeps no shapes.
 QByteArray PictureCsv(const QString& path, const SettingsKeys::DocumentSettings& settings, bool semicolon)

@@ -31,3 +31,12 @@ void PrintProgress(const QString& text)
     if (!g_quiet)
         PrintError(text + QLatin1Char('\n'));
 }
+
+QByteArray CsvField(const QString& text, char separator)
+{
+    QByteArray bytes = text.toUtf8();
+    if (!bytes.contains(separator) && !bytes.contains('"') && !bytes.contains('\n') && !bytes.contains('\r'))
+        return bytes;
+    bytes.replace("\"", "\"\"");
+    return '"' + bytes + '"';
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <stdexcept>
@@ -33,3 +34,6 @@ void PrintError(const QString& text);
 // Progress of long work on stderr, unless --quiet.
 void SetQuiet(bool quiet);
 void PrintProgress(const QString& text);
+
+// A text field of a CSV file, quoted when it holds the separator, a quote or a line end.
+QByteArray CsvField(const QString& text, char separator);

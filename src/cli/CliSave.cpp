@@ -16,10 +16,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-const QStringList kPictureTypes { QStringLiteral("bmp"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
-    QStringLiteral("png"), QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("gif"),
-    QStringLiteral("tga"), QStringLiteral("pcx") };
-
 namespace {
 
 // The codecs often say only "Unknown error" when the disk refuses a write;
@@ -41,6 +37,21 @@ QString WriteErrorText(int error, const QString& codecText)
 }
 
 } // namespace
+
+const QStringList& PictureTypes()
+{
+    static const QStringList types { QStringLiteral("bmp"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
+        QStringLiteral("png"), QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("gif"),
+        QStringLiteral("tga"), QStringLiteral("pcx") };
+    return types;
+}
+
+void CheckPictureType(const QString& path)
+{
+    if (!PictureTypes().contains(QFileInfo(path).suffix().toLower()))
+        ThrowUsage(QStringLiteral("%1: the extension names no picture type (%2)")
+                       .arg(path, PictureTypes().join(QStringLiteral(", "))));
+}
 
 void CheckOutputFolder(const QString& path)
 {
@@ -83,8 +94,8 @@ void WithoutCodecNoise(const std::function<void()>& work)
             ::close(fd);
 }
 
-void SavePictureFile(
-    const FCObjImage& picture, const QString& path, const std::function<bool(const QString& file)>& finish)
+void SavePictureFile(const FCObjImage& picture, const QString& path,
+    const std::function<bool(const QString& file)>& finish, const QString& finishFailed)
 {
     CheckOutputFolder(path);
     const QString temporary = TemporaryNameBeside(path);
@@ -104,7 +115,7 @@ void SavePictureFile(
     if (!saved)
         fail(WriteErrorText(written, picture.ErrorString()));
     if (finish && !finish(temporary))
-        fail(QStringLiteral("the summary could not be added"));
+        fail(finishFailed);
     // rename(2) replaces an existing file in one step.
     if (std::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(path).constData()) != 0)
         fail(QString::fromLocal8Bit(std::strerror(errno)));

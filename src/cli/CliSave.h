@@ -8,8 +8,10 @@
 
 class FCObjImage;
 
-// The extensions a picture is saved under, lower case.
-extern const QStringList kPictureTypes;
+// The extensions of the picture types a command can write, lower case.
+const QStringList& PictureTypes();
+// OUT's extension must name one of them: bad usage otherwise.
+void CheckPictureType(const QString& path);
 
 // The output file's folder must exist and be writable; throws a one-line
 // failure naming the path otherwise.
@@ -22,9 +24,10 @@ void WithoutCodecNoise(const std::function<void()>& work);
 // Writes the picture under a temporary name beside path, lets finish() add
 // to that file (a JPEG summary), then renames it over path: a failed or
 // interrupted save never leaves a half-written file under the final name.
-// Throws a one-line failure.
+// Throws a one-line failure; `finishFailed` says why when finish() fails.
 void SavePictureFile(const FCObjImage& picture, const QString& path,
-    const std::function<bool(const QString& file)>& finish = {});
+    const std::function<bool(const QString& file)>& finish = {},
+    const QString& finishFailed = QStringLiteral("the summary could not be added"));
 
 // Writes the bytes under path in one step (ReplaceFileContents); throws a
 // one-line failure, leaving no file behind and an older one as it was.

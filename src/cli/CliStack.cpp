@@ -14,14 +14,6 @@
 
 namespace {
 
-// OUT's extension must name a picture type: bad usage otherwise.
-void CheckPictureType(const QString& path)
-{
-    if (!kPictureTypes.contains(QFileInfo(path).suffix().toLower()))
-        ThrowUsage(QStringLiteral("%1: the extension names no picture type (%2)")
-                       .arg(path, kPictureTypes.join(QStringLiteral(", "))));
-}
-
 // Saves the picture with the calibration the first picture kept, if any.
 void SaveWithCalibration(const QImage& picture, const QString& path, const MeasurementXmp::Stored& stored)
 {

@@ -97,7 +97,8 @@ TEST_F(MainFrameTest, MenusToolbarsAndZoomBoxCarryTheCommandTable)
     EXPECT_EQ(Texts(Menu("&Help")), (QStringList { "&Help", "-", "&About..." }));
     EXPECT_EQ(Texts(Menu("&Process")),
         (QStringList { "&Enable", "-", "Flip &Horizontal", "Flip &Vertical", "-", "&Gray", "&Negative",
-            "&Emboss", "&Sharpen", "&Binary", "&Rgb", "-", "&Focus Stack Pictures..." }));
+            "&Emboss", "&Sharpen", "&Binary", "&Rgb", "-", "&Focus Stack Pictures...",
+            "S&titch Pictures..." }));
     EXPECT_EQ(frame->FindAction(ID_FILE_NEW)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_N));
     EXPECT_EQ(frame->FindAction(ID_MEASURE_ANGLE)->statusTip(), "Draw angle ");
     // Toolbar-only commands show their prompt as the button's text.

@@ -81,11 +81,12 @@ TEST(CommandTable, ProcessMenuAndBarListTheOperationsInTheirGroups)
         ID_PROCESS_NEGATIVE, ID_PROCESS_EMBOSS, ID_PROCESS_SHARPEN, ID_PROCESS_BINARY, ID_PROCESS_RGB };
     std::vector<int> bar = menu;
     bar.insert(bar.end(), { S, ID_PROCESS_PROPERTIES });
-    menu.insert(menu.end(), { S, ID_PROCESS_FOCUS_STACK });
+    std::vector<int> withTools = menu;
+    withTools.insert(withTools.end(), { S, ID_PROCESS_FOCUS_STACK, ID_PROCESS_STITCH });
     const auto process = std::ranges::find_if(
         Menus(), [](const MenuInfo& m) { return std::string_view(m.title) == "&Process"; });
     ASSERT_NE(process, Menus().end());
-    EXPECT_EQ(std::vector<int>(process->ids.begin(), process->ids.end()), menu);
+    EXPECT_EQ(std::vector<int>(process->ids.begin(), process->ids.end()), withTools);
     const auto processBar = std::ranges::find_if(
         ToolBars(), [](const ToolBarInfo& b) { return b.toggleId == ID_VIEW_PROCESSBAR; });
     ASSERT_NE(processBar, ToolBars().end());

@@ -624,6 +624,7 @@ TEST_F(Monkey, EveryCommandOfTheTableHasItsEffect)
         { ID_PROCESS_BINARY, shows("CBinaryDlg") },
         { ID_PROCESS_RGB, shows("CRgbDlg") },
         { ID_PROCESS_PROPERTIES, shows("CProcessPropertiesDlg") },
+        { ID_PROCESS_STITCH, shows("DlgSelectFile") },
         { ID_MEASURE_MOVE, tool },
         { ID_MEASURE_POINT, tool },
         { ID_MEASURE_LINE, tool },

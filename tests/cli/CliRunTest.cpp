@@ -58,7 +58,7 @@ TEST_F(CliUsage, HelpForTheToolAndEachCommand)
     const CliRun main = Run({ "--help" });
     EXPECT_EQ(main.code, 0);
     for (const char* command : { "devices", "snapshot", "record", "timelapse", "measure", "calibrate",
-             "particles", "rois", "stack" }) {
+             "particles", "rois", "stack", "stitch" }) {
         EXPECT_TRUE(main.out.contains(QString::fromLatin1(command))) << command;
         for (const QStringList& args :
             { QStringList { command, "--help" }, QStringList { "help", command } }) {
@@ -108,6 +108,9 @@ TEST_F(CliUsage, BadUsageIsExitTwoWithOneLine)
             "--precision takes a whole number" },
         { { "particles", "--threshold", "otsu", "--min-circularity", "2", out },
             "--min-circularity takes a number" },
+        { { "stitch", "-o", out }, "PICTURE is missing" },
+        { { "stitch", out }, "stitch needs -o OUT" },
+        { { "stitch", "-o", Path("x.doc"), out }, "the extension names no picture type" },
     };
     for (const Case& c : cases) {
         const CliRun run = Run(c.args);
