@@ -77,7 +77,7 @@ constexpr int ID_PROCESS_PROPERTIES = 32913;
 // Fuses chosen picture files of a focus series into a new picture document.
 constexpr int ID_PROCESS_FOCUS_STACK = 33001;
 constexpr int ID_PROCESS_RGB = 32914;
-constexpr int ID_PROCESS_STITCH = 32996;
+constexpr int ID_PROCESS_STITCH = 33002;
 
 constexpr int ID_MEASURE_POINT = 32850;
 constexpr int ID_MEASURE_LINE = 32851;
