@@ -1,6 +1,8 @@
 #include "capture/CCamProcess.h"
 
 #include "capture/HResult.h"
+#include "image/CorrectedRows.h"
+#include "image/FlatField.h"
 #include "image/ImageProcess.h"
 #include "image/ProcessOperations.h"
 
@@ -92,6 +94,16 @@ void CCamProcess::WaitOverlayUnused(const uchar* buffer) const
         std::this_thread::yield();
 }
 
+void CCamProcess::SetFlatField(std::shared_ptr<const FlatField> field)
+{
+    Update([&field](State& s) { s.flatField = std::move(field); });
+}
+
+std::shared_ptr<const FlatField> CCamProcess::GetFlatField() const
+{
+    return Snapshot().flatField;
+}
+
 void CCamProcess::KeepCleanFrames(bool on)
 {
     Update([on](State& s) { s.keepClean = on; });
@@ -130,7 +142,7 @@ void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* 
 }
 
 void CCamProcess::ProcessFrame(
-    const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, unsigned width, unsigned height)
+    const FrameRows& frameRows, uchar* dst, std::ptrdiff_t dstStep, unsigned width, unsigned height)
 {
     // The frame lock is taken before the state is read, so that SetOverlay,
     // which waits for it after changing the state, cannot return while a
@@ -142,6 +154,13 @@ void CCamProcess::ProcessFrame(
     const State s = Snapshot();
     m_lastWidth = int(width);
     m_lastHeight = int(height);
+
+    const FlatField* flat
+        = s.enable && s.flatField && s.flatField->Width() == width && s.flatField->Height() == height
+        ? s.flatField.get()
+        : nullptr;
+    const CorrectedRows corrected(frameRows, flat);
+    const FrameRows& rows = flat ? static_cast<const FrameRows&>(corrected) : frameRows;
 
     const bool overlay
         = s.enable && s.overlayOn && s.overlayPointer && s.overlayWidth == width && s.overlayHeight == height;

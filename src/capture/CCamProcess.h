@@ -7,8 +7,11 @@
 
 #include <atomic>
 #include <cstddef>
+#include <memory>
 #include <mutex>
 #include <vector>
+
+class FlatField;
 
 // The state and the frame work of the live processing element. The switches
 // are set on the user-interface thread and read by the streaming thread once
@@ -47,6 +50,11 @@ public:
     // Any thread: waits while a frame is reading this overlay buffer.
     void WaitOverlayUnused(const uchar* buffer) const;
 
+    // The flat-field correction applied to each frame of its size before the
+    // operations, while processing is on; null: none (the default).
+    void SetFlatField(std::shared_ptr<const FlatField> field);
+    std::shared_ptr<const FlatField> GetFlatField() const;
+
     // Keeps each frame as processed, before the overlay is laid over it, so
     // that shapes can snap to the picture under them. Off by default: it
     // costs a pass over every frame.
@@ -72,6 +80,7 @@ private:
         unsigned overlayWidth = 0;
         unsigned overlayHeight = 0;
         bool keepClean = false;
+        std::shared_ptr<const FlatField> flatField;
     };
     template <typename Fn> int Update(Fn&& fn);
     State Snapshot() const;

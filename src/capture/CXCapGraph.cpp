@@ -318,6 +318,11 @@ void CXCapGraph::KeepCleanFrames(bool on)
     m_processState->KeepCleanFrames(on);
 }
 
+void CXCapGraph::SetFlatField(std::shared_ptr<const FlatField> field)
+{
+    m_processState->SetFlatField(std::move(field));
+}
+
 QImage CXCapGraph::CleanFrame() const
 {
     return m_processState->CleanFrame();

@@ -21,6 +21,7 @@
 #include <vector>
 
 class CCamProcess;
+class FlatField;
 class CFrameMailbox;
 class CVideoWidget;
 class QObject;
@@ -125,6 +126,9 @@ public:
     // (see CCamProcess); they outlast a rebuild of the pipeline.
     void KeepCleanFrames(bool on);
     QImage CleanFrame() const;
+    // The processing element's flat-field correction (see CCamProcess); it
+    // outlasts a rebuild of the pipeline.
+    void SetFlatField(std::shared_ptr<const FlatField> field);
 
     // The grabber's last frame: with a null buffer, *size becomes the bytes
     // needed (width * height * 3); with a buffer of at least *size bytes, the

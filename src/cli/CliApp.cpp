@@ -23,6 +23,8 @@ const std::map<QString, Command>& Commands()
         { QStringLiteral("measure"),
             { &RunMeasure, "Export the measurements kept in saved pictures as CSV." } },
         { QStringLiteral("calibrate"), { &RunCalibrate, "Calibrate from a picture of a stage micrometer." } },
+        { QStringLiteral("process"),
+            { &RunProcess, "Correct and process a picture file (flat field, white balance, operations)." } },
     };
     return commands;
 }

@@ -12,6 +12,7 @@ int RunRecord(const QStringList& arguments);
 int RunTimelapse(const QStringList& arguments);
 int RunMeasure(const QStringList& arguments);
 int RunCalibrate(const QStringList& arguments);
+int RunProcess(const QStringList& arguments);
 
 // Dispatches to the command, prints failures as one line on stderr and
 // returns the exit code.

@@ -36,7 +36,31 @@ QString WriteErrorText(int error, const QString& codecText)
     }
 }
 
+const QStringList kPictureTypes { QStringLiteral("bmp"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
+    QStringLiteral("png"), QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("gif"),
+    QStringLiteral("tga"), QStringLiteral("pcx") };
+
 } // namespace
+
+FCObjImage ReadPictureFile(const QString& path)
+{
+    FCObjImage picture;
+    if (!QFileInfo(path).isFile() || !picture.Load(path))
+        ThrowFailure(
+            QStringLiteral("cannot read %1: %2")
+                .arg(
+                    path, QFileInfo(path).isFile() ? picture.ErrorString() : QStringLiteral("no such file")));
+    if (picture.ColorBits() != 24 && !picture.ConvertTo24Bit())
+        ThrowFailure(QStringLiteral("cannot read %1: not enough memory").arg(path));
+    return picture;
+}
+
+void CheckPictureType(const QString& path)
+{
+    if (!kPictureTypes.contains(QFileInfo(path).suffix().toLower()))
+        ThrowUsage(QStringLiteral("%1: the extension names no picture type (%2)")
+                       .arg(path, kPictureTypes.join(QStringLiteral(", "))));
+}
 
 void CheckOutputFolder(const QString& path)
 {

@@ -7,6 +7,14 @@
 
 class FCObjImage;
 
+// Reads a picture file as a 24-bit picture; a failure naming the path and
+// the reason otherwise.
+FCObjImage ReadPictureFile(const QString& path);
+
+// path's extension must name a picture type that can be saved; bad usage
+// naming the types otherwise.
+void CheckPictureType(const QString& path);
+
 // The output file's folder must exist and be writable; throws a one-line
 // failure naming the path otherwise.
 void CheckOutputFolder(const QString& path);

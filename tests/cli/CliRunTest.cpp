@@ -56,7 +56,8 @@ TEST_F(CliUsage, HelpForTheToolAndEachCommand)
 {
     const CliRun main = Run({ "--help" });
     EXPECT_EQ(main.code, 0);
-    for (const char* command : { "devices", "snapshot", "record", "timelapse", "measure", "calibrate" }) {
+    for (const char* command :
+        { "devices", "snapshot", "record", "timelapse", "measure", "calibrate", "process" }) {
         EXPECT_TRUE(main.out.contains(QString::fromLatin1(command))) << command;
         for (const QStringList& args :
             { QStringList { command, "--help" }, QStringList { "help", command } }) {

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QRect>
+#include <QtGlobal>
+
+#include <optional>
+
+// White balance from a neutral region: the gains that make the region's mean
+// colour gray. Pictures are 24-bit bottom-up with padded rows
+// (ImageProcess.h); regions are in picture coordinates, (0, 0) the top-left
+// pixel.
+struct ChannelGains
+{
+    double blue = 1;
+    double green = 1;
+    double red = 1;
+};
+
+struct ChannelMeans
+{
+    double blue = 0;
+    double green = 0;
+    double red = 0;
+};
+
+// The mean of each channel over the region clipped to the picture; nothing
+// when no pixel is left.
+std::optional<ChannelMeans> RegionMeans(
+    const uchar* bits, unsigned width, unsigned height, const QRect& region);
+
+// The gains that bring each channel's mean to the mean of the three, so the
+// region turns gray and keeps its brightness; nothing when a channel is black.
+std::optional<ChannelGains> GainsToGray(const ChannelMeans& means);
+
+// Multiplies each channel by its gain, rounding and stopping at 255.
+void ApplyGains(uchar* bits, unsigned width, unsigned height, const ChannelGains& gains);
