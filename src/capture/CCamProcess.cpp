@@ -104,6 +104,24 @@ std::shared_ptr<const FlatField> CCamProcess::GetFlatField() const
     return Snapshot().flatField;
 }
 
+void CCamProcess::KeepHistograms(bool on)
+{
+    Update([on](State& s) { s.keepHistogram = on; });
+    if (!on) {
+        std::lock_guard lock(m_histogramMutex);
+        m_hasHistogram = false;
+    }
+}
+
+bool CCamProcess::LastHistogram(FrameHistogram* histogram) const
+{
+    std::lock_guard lock(m_histogramMutex);
+    if (!m_hasHistogram || !histogram)
+        return false;
+    *histogram = m_histogram;
+    return true;
+}
+
 void CCamProcess::KeepCleanFrames(bool on)
 {
     Update([on](State& s) { s.keepClean = on; });
@@ -159,8 +177,23 @@ void CCamProcess::ProcessFrame(
         = s.enable && s.flatField && s.flatField->Width() == width && s.flatField->Height() == height
         ? s.flatField.get()
         : nullptr;
-    const CorrectedRows corrected(frameRows, flat);
-    const FrameRows& rows = flat ? static_cast<const FrameRows&>(corrected) : frameRows;
+    FrameHistogram histogram;
+    const CorrectedRows corrected(frameRows, width, height, flat, s.keepHistogram ? &histogram : nullptr);
+    const FrameRows& rows = flat || s.keepHistogram ? static_cast<const FrameRows&>(corrected) : frameRows;
+    // Published when the frame is done, whichever way it went.
+    struct Publish
+    {
+        CCamProcess& self;
+        const FrameHistogram* histogram;
+        ~Publish()
+        {
+            if (!histogram)
+                return;
+            std::lock_guard lock(self.m_histogramMutex);
+            self.m_histogram = *histogram;
+            self.m_hasHistogram = true;
+        }
+    } publish { *this, s.keepHistogram ? &histogram : nullptr };
 
     const bool overlay
         = s.enable && s.overlayOn && s.overlayPointer && s.overlayWidth == width && s.overlayHeight == height;

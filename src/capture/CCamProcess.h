@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/ICamProcess.h"
+#include "image/FrameHistogram.h"
 #include "image/FusedProcess.h"
 
 #include <QImage>
@@ -55,6 +56,13 @@ public:
     void SetFlatField(std::shared_ptr<const FlatField> field);
     std::shared_ptr<const FlatField> GetFlatField() const;
 
+    // Takes the histogram of each frame, after the flat field and before the
+    // operations, on the sample FrameHistogram describes. Off by default.
+    void KeepHistograms(bool on);
+    // Any thread: the last frame's histogram; false when none was taken
+    // since they were switched on.
+    bool LastHistogram(FrameHistogram* histogram) const;
+
     // Keeps each frame as processed, before the overlay is laid over it, so
     // that shapes can snap to the picture under them. Off by default: it
     // costs a pass over every frame.
@@ -81,6 +89,7 @@ private:
         unsigned overlayHeight = 0;
         bool keepClean = false;
         std::shared_ptr<const FlatField> flatField;
+        bool keepHistogram = false;
     };
     template <typename Fn> int Update(Fn&& fn);
     State Snapshot() const;
@@ -100,6 +109,10 @@ private:
     std::vector<uchar> m_clean;
     unsigned m_cleanWidth = 0;
     unsigned m_cleanHeight = 0;
+
+    mutable std::mutex m_histogramMutex;
+    FrameHistogram m_histogram;
+    bool m_hasHistogram = false;
 
     std::atomic<int> m_lastWidth { 0 };
     std::atomic<int> m_lastHeight { 0 };

@@ -1,7 +1,9 @@
 #include "capture/CCamProcess.h"
 #include "image/FlatField.h"
+#include "image/FrameHistogram.h"
 #include "image/ImageProcess.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>
 #include <vector>
@@ -98,4 +100,80 @@ TEST(CamProcessFlatField, OffLeavesFramesAsTheyWere)
     process.SetProcessEnable(1);
     process.SetFlatField(nullptr);
     EXPECT_EQ(Live(process, src, kWidth, kHeight), plain) << "switched off again";
+}
+
+namespace {
+
+// The histogram counted the slow way over every sample pixel of a picture.
+FrameHistogram Reference(const std::vector<uchar>& bits, unsigned width, unsigned height)
+{
+    FrameHistogram h;
+    for (unsigned y = 0; y < height; y += 8)
+        for (unsigned x = 0; x < width; x += 4) {
+            const uchar* p = &bits[y * DibStride(width) + 3 * x];
+            ++h.blue[p[0]];
+            ++h.green[p[1]];
+            ++h.red[p[2]];
+            ++h.luma[(77 * p[2] + 150 * p[1] + 29 * p[0] + 128) / 256];
+            ++h.samples;
+            h.overexposed += std::max({ p[0], p[1], p[2] }) == 255;
+            h.underexposed += std::min({ p[0], p[1], p[2] }) == 0;
+        }
+    return h;
+}
+
+void ExpectSame(const FrameHistogram& a, const FrameHistogram& b)
+{
+    EXPECT_EQ(a.samples, b.samples);
+    EXPECT_EQ(a.overexposed, b.overexposed);
+    EXPECT_EQ(a.underexposed, b.underexposed);
+    EXPECT_EQ(a.blue, b.blue);
+    EXPECT_EQ(a.green, b.green);
+    EXPECT_EQ(a.red, b.red);
+    EXPECT_EQ(a.luma, b.luma);
+}
+
+} // namespace
+
+// Counted on the frame as the camera gives it after the flat field, each
+// sample pixel once, whatever the operations read: the flip reverses the
+// rows, sharpen and emboss read rows twice where bands meet.
+TEST(CamProcessHistogram, CountsEachSamplePixelOnceAfterTheFlatField)
+{
+    // Read bottom to top, band edges fall on sample rows; the last band is short.
+    constexpr unsigned kTall = 73;
+    auto src = Frame(kWidth, kTall, 3);
+    // Clipped pixels of both kinds, some on sample rows.
+    for (unsigned y = 0; y < kTall; y += 5)
+        src[y * DibStride(kWidth) + 3 * (y % kWidth)] = 255;
+    for (unsigned y = 0; y < kTall; y += 3)
+        src[y * DibStride(kWidth) + 3 * ((y * 3) % kWidth) + 1] = 0;
+    CCamProcess process;
+    FrameHistogram h;
+    EXPECT_FALSE(process.LastHistogram(&h)) << "off by default";
+    Live(process, src, kWidth, kTall);
+    EXPECT_FALSE(process.LastHistogram(&h));
+
+    process.KeepHistograms(true);
+    ProcessSwitches s = Busy();
+    s.emboss = true;
+    for (const ProcessOp op : { ProcessOp::Flip, ProcessOp::Emboss, ProcessOp::Sharpen, ProcessOp::Rgb })
+        process.SetOperation(op, s);
+    const auto out = Live(process, src, kWidth, kTall);
+    EXPECT_EQ(out, Expected(src, kWidth, kTall, s, nullptr)) << "counting leaves the frame alone";
+    ASSERT_TRUE(process.LastHistogram(&h));
+    ExpectSame(h, Reference(src, kWidth, kTall));
+    EXPECT_GT(h.overexposed, 0u);
+    EXPECT_GT(h.underexposed, 0u);
+
+    const auto field = Field(kWidth, kTall);
+    process.SetFlatField(field);
+    Live(process, src, kWidth, kTall);
+    ASSERT_TRUE(process.LastHistogram(&h));
+    auto corrected = src;
+    field->Apply(corrected.data(), kWidth, kTall);
+    ExpectSame(h, Reference(corrected, kWidth, kTall));
+
+    process.KeepHistograms(false);
+    EXPECT_FALSE(process.LastHistogram(&h));
 }
