@@ -117,6 +117,28 @@
     </message>
 </context>
 <context>
+    <name>CHistogramDock</name>
+    <message>
+        <source>Histogram</source>
+        <translation>Histogramme</translation>
+    </message>
+</context>
+<context>
+    <name>CHistogramPanel</name>
+    <message>
+        <source>No live picture</source>
+        <translation>Pas d&apos;image en direct</translation>
+    </message>
+    <message>
+        <source>Clipped: %1 % bright, %2 % dark</source>
+        <translation>Écrêté : %1 % clair, %2 % sombre</translation>
+    </message>
+    <message>
+        <source>&amp;Log scale</source>
+        <translation>Échelle &amp;logarithmique</translation>
+    </message>
+</context>
+<context>
     <name>CInputTextDlg</name>
     <message>
         <source>Input Text</source>
@@ -1201,6 +1223,14 @@ texte</translation>
     <message>
         <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
         <translation>Placer les extrémités des lignes et le bord des cercles sur le contour le plus proche de l&apos;image</translation>
+    </message>
+    <message>
+        <source>Hist&amp;ogram</source>
+        <translation>Hist&amp;ogramme</translation>
+    </message>
+    <message>
+        <source>Show or hide the live histogram</source>
+        <translation>Afficher ou masquer l&apos;histogramme en direct</translation>
     </message>
 </context>
 <context>

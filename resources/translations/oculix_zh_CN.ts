@@ -117,6 +117,28 @@
     </message>
 </context>
 <context>
+    <name>CHistogramDock</name>
+    <message>
+        <source>Histogram</source>
+        <translation>直方图</translation>
+    </message>
+</context>
+<context>
+    <name>CHistogramPanel</name>
+    <message>
+        <source>No live picture</source>
+        <translation>没有实时图像</translation>
+    </message>
+    <message>
+        <source>Clipped: %1 % bright, %2 % dark</source>
+        <translation>溢出：亮部 %1 %，暗部 %2 %</translation>
+    </message>
+    <message>
+        <source>&amp;Log scale</source>
+        <translation>对数刻度(&amp;L)</translation>
+    </message>
+</context>
+<context>
     <name>CInputTextDlg</name>
     <message>
         <source>Input Text</source>
@@ -1201,6 +1223,14 @@ Background</source>
     <message>
         <source>Put the ends of lines and the rims of circles on the nearest edge of the picture</source>
         <translation>将直线的端点和圆周放到图像上最近的边缘</translation>
+    </message>
+    <message>
+        <source>Hist&amp;ogram</source>
+        <translation>直方图(&amp;O)</translation>
+    </message>
+    <message>
+        <source>Show or hide the live histogram</source>
+        <translation>显示或隐藏实时直方图</translation>
     </message>
 </context>
 <context>

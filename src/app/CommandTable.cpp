@@ -33,6 +33,7 @@ const CommandInfo kCommands[] = {
     { ID_VIEW_TOOLBAR, CMD("&Tool Bar"), CMD("Show or hide the toolbar"), nullptr, true },
     { ID_VIEW_PROCESSBAR, CMD("&Process Bar"), CMD("Show or hide Process Bar"), nullptr, true },
     { ID_VIEW_MEASUREBAR, CMD("&Measure Bar"), CMD("Show or hide the measure bar"), nullptr, true },
+    { ID_VIEW_HISTOGRAM, CMD("Hist&ogram"), CMD("Show or hide the live histogram"), nullptr, true },
     { ID_VIEW_FULLSCREEN, CMD("&Full Screen"), CMD("Toggles full screen mode On and Off"),
         ":/icons/fullscreen.svg", false },
     { ID_CAMERA_FULLSCREEN, "", CMD("Fullscreen camera video"), ":/icons/fullscreen.svg", false },
@@ -120,7 +121,7 @@ constexpr std::array kFileMenu { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_CLOSE, ID_FI
     ID_FILE_MRU_FILE1 + 2, ID_FILE_MRU_FILE1 + 3, S, ID_APP_EXIT };
 constexpr std::array kEditMenu { ID_EDIT_UNDO, ID_EDIT_REDO };
 constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR,
-    ID_VIEW_PRINTHELPBAR, ID_VIEW_STATUS_BAR, S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE,
+    ID_VIEW_PRINTHELPBAR, ID_VIEW_STATUS_BAR, ID_VIEW_HISTOGRAM, S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE,
     ID_VIEW_DASHED_CROSSLINE };
 constexpr std::array kMeasureMenu { ID_MEASURE_MOVE, S, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT,
     ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, S, ID_MEASURE_ARROW,

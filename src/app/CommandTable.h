@@ -51,6 +51,7 @@ constexpr int ID_VIEW_PROCESSBAR = 32919;
 constexpr int ID_VIEW_FULLSCREEN = 32886;
 constexpr int ID_VIEW_CROSSLINE = 32927;
 constexpr int ID_VIEW_DASHED_CROSSLINE = 32928;
+constexpr int ID_VIEW_HISTOGRAM = 33300;
 
 constexpr int ID_CAMERA_CAPTURE = 32842;
 constexpr int ID_CAMERA_PREVIEW = 32843;

@@ -323,6 +323,16 @@ void CXCapGraph::SetFlatField(std::shared_ptr<const FlatField> field)
     m_processState->SetFlatField(std::move(field));
 }
 
+void CXCapGraph::KeepHistograms(bool on)
+{
+    m_processState->KeepHistograms(on);
+}
+
+bool CXCapGraph::LastHistogram(FrameHistogram* histogram) const
+{
+    return m_processState->LastHistogram(histogram);
+}
+
 QImage CXCapGraph::CleanFrame() const
 {
     return m_processState->CleanFrame();

@@ -22,6 +22,7 @@
 
 class CCamProcess;
 class FlatField;
+struct FrameHistogram;
 class CFrameMailbox;
 class CVideoWidget;
 class QObject;
@@ -129,6 +130,9 @@ public:
     // The processing element's flat-field correction (see CCamProcess); it
     // outlasts a rebuild of the pipeline.
     void SetFlatField(std::shared_ptr<const FlatField> field);
+    // Each frame's histogram, kept while asked for (see CCamProcess).
+    void KeepHistograms(bool on);
+    bool LastHistogram(FrameHistogram* histogram) const;
 
     // The grabber's last frame: with a null buffer, *size becomes the bytes
     // needed (width * height * 3); with a buffer of at least *size bytes, the
