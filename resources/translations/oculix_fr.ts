@@ -76,6 +76,53 @@
     </message>
 </context>
 <context>
+    <name>CFlatFieldDlg</name>
+    <message>
+        <source>&amp;Take Blank Field</source>
+        <translation>&amp;Prendre le champ vide</translation>
+    </message>
+    <message>
+        <source>&amp;Correct the shading</source>
+        <translation>&amp;Corriger l&apos;éclairage</translation>
+    </message>
+    <message>
+        <source>Flat-Field</source>
+        <translation>Champ plat</translation>
+    </message>
+    <message>
+        <source>Move to an empty area of the slide, or take the slide away, keep the light as for the specimen, then take the blank field. It is kept for this camera and resolution and used again whenever they match.</source>
+        <translation>Placez-vous sur une zone vide de la lame, ou retirez la lame, gardez l&apos;éclairage du spécimen, puis prenez le champ vide. Il est conservé pour cette caméra et cette résolution et réutilisé chaque fois qu&apos;elles correspondent.</translation>
+    </message>
+    <message>
+        <source>No picture from the camera yet.</source>
+        <translation>Pas encore d&apos;image de la caméra.</translation>
+    </message>
+    <message>
+        <source>A blank field is kept for this camera at %1 x %2.</source>
+        <translation>Un champ vide est conservé pour cette caméra en %1 x %2.</translation>
+    </message>
+    <message>
+        <source>No blank field is kept for this camera at %1 x %2.</source>
+        <translation>Aucun champ vide n&apos;est conservé pour cette caméra en %1 x %2.</translation>
+    </message>
+    <message>
+        <source>Taking the blank field...</source>
+        <translation>Prise du champ vide...</translation>
+    </message>
+    <message>
+        <source>No frames came from the camera; the blank field was not taken.</source>
+        <translation>Aucune image n&apos;est venue de la caméra ; le champ vide n&apos;a pas été pris.</translation>
+    </message>
+    <message>
+        <source>The blank field cannot be kept: %1</source>
+        <translation>Le champ vide ne peut pas être conservé : %1</translation>
+    </message>
+    <message>
+        <source>The blank field is black in a colour and cannot correct the picture.</source>
+        <translation>Le champ vide est noir dans une couleur et ne peut pas corriger l&apos;image.</translation>
+    </message>
+</context>
+<context>
     <name>CFolderEdit</name>
     <message>
         <source>Select Path:</source>
@@ -1231,6 +1278,22 @@ texte</translation>
     <message>
         <source>Show or hide the live histogram</source>
         <translation>Afficher ou masquer l&apos;histogramme en direct</translation>
+    </message>
+    <message>
+        <source>&amp;Flat-Field...</source>
+        <translation>Champ &amp;plat...</translation>
+    </message>
+    <message>
+        <source>Take a blank field to even out the shading</source>
+        <translation>Prendre un champ vide pour égaliser l&apos;éclairage</translation>
+    </message>
+    <message>
+        <source>&amp;White Balance</source>
+        <translation>Balance des &amp;blancs</translation>
+    </message>
+    <message>
+        <source>Make the rectangle drawn over a neutral area gray</source>
+        <translation>Rendre gris le rectangle tracé sur une zone neutre</translation>
     </message>
 </context>
 <context>

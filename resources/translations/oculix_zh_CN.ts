@@ -76,6 +76,53 @@
     </message>
 </context>
 <context>
+    <name>CFlatFieldDlg</name>
+    <message>
+        <source>&amp;Take Blank Field</source>
+        <translation>拍摄空白视场(&amp;T)</translation>
+    </message>
+    <message>
+        <source>&amp;Correct the shading</source>
+        <translation>校正亮度不均(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Flat-Field</source>
+        <translation>平场校正</translation>
+    </message>
+    <message>
+        <source>Move to an empty area of the slide, or take the slide away, keep the light as for the specimen, then take the blank field. It is kept for this camera and resolution and used again whenever they match.</source>
+        <translation>移到载玻片的空白区域，或取下载玻片，保持与标本相同的照明，然后拍摄空白视场。它会按此相机和分辨率保存，并在二者匹配时再次使用。</translation>
+    </message>
+    <message>
+        <source>No picture from the camera yet.</source>
+        <translation>相机尚无图像。</translation>
+    </message>
+    <message>
+        <source>A blank field is kept for this camera at %1 x %2.</source>
+        <translation>已为此相机保存 %1 x %2 的空白视场。</translation>
+    </message>
+    <message>
+        <source>No blank field is kept for this camera at %1 x %2.</source>
+        <translation>尚未为此相机保存 %1 x %2 的空白视场。</translation>
+    </message>
+    <message>
+        <source>Taking the blank field...</source>
+        <translation>正在拍摄空白视场...</translation>
+    </message>
+    <message>
+        <source>No frames came from the camera; the blank field was not taken.</source>
+        <translation>相机没有传来图像；未拍摄空白视场。</translation>
+    </message>
+    <message>
+        <source>The blank field cannot be kept: %1</source>
+        <translation>无法保存空白视场：%1</translation>
+    </message>
+    <message>
+        <source>The blank field is black in a colour and cannot correct the picture.</source>
+        <translation>空白视场的某个颜色通道全黑，无法校正图像。</translation>
+    </message>
+</context>
+<context>
     <name>CFolderEdit</name>
     <message>
         <source>Select Path:</source>
@@ -1231,6 +1278,22 @@ Background</source>
     <message>
         <source>Show or hide the live histogram</source>
         <translation>显示或隐藏实时直方图</translation>
+    </message>
+    <message>
+        <source>&amp;Flat-Field...</source>
+        <translation>平场校正(&amp;F)...</translation>
+    </message>
+    <message>
+        <source>Take a blank field to even out the shading</source>
+        <translation>拍摄空白视场以校正亮度不均</translation>
+    </message>
+    <message>
+        <source>&amp;White Balance</source>
+        <translation>白平衡(&amp;W)</translation>
+    </message>
+    <message>
+        <source>Make the rectangle drawn over a neutral area gray</source>
+        <translation>使绘制在中性区域上的矩形变为灰色</translation>
     </message>
 </context>
 <context>

@@ -65,6 +65,8 @@ constexpr int ID_VIDEO_DEVICE = 32876;
 constexpr int ID_VIDEO_ADJUST = 32889;
 constexpr int ID_VIDEO_RESOLUTION = 32917;
 constexpr int ID_VIDEO_PROPERTIES = 32918;
+constexpr int ID_VIDEO_FLAT_FIELD = 33301;
+constexpr int ID_VIDEO_WHITE_BALANCE = 33302;
 
 constexpr int ID_PROCESS_FLIP = 32904;
 constexpr int ID_PROCESS_MIRROR = 32905;

@@ -122,6 +122,54 @@ bool CCamProcess::LastHistogram(FrameHistogram* histogram) const
     return true;
 }
 
+void CCamProcess::CaptureBlank(unsigned frames)
+{
+    std::lock_guard lock(m_blankMutex);
+    m_blankWanted = frames;
+    m_blankCount = 0;
+    m_blankSum.clear();
+    m_blankPending = frames > 0;
+}
+
+QImage CCamProcess::CapturedBlank() const
+{
+    std::lock_guard lock(m_blankMutex);
+    if (m_blankWanted == 0 || m_blankCount < m_blankWanted || m_blankSum.empty())
+        return QImage();
+    QImage blank(int(m_blankWidth), int(m_blankHeight), QImage::Format_BGR888);
+    const std::size_t rowValues = std::size_t(m_blankWidth) * 3;
+    for (unsigned y = 0; y < m_blankHeight; ++y) {
+        const std::uint32_t* sum = m_blankSum.data() + (m_blankHeight - 1 - y) * rowValues;
+        uchar* out = blank.scanLine(int(y));
+        for (std::size_t i = 0; i < rowValues; ++i)
+            out[i] = uchar((sum[i] + m_blankCount / 2) / m_blankCount);
+    }
+    return blank;
+}
+
+void CCamProcess::AddToBlank(const FrameRows& rows, unsigned width, unsigned height)
+{
+    std::lock_guard lock(m_blankMutex);
+    if (m_blankCount >= m_blankWanted)
+        return;
+    const std::size_t rowValues = std::size_t(width) * 3;
+    if (m_blankSum.empty() || width != m_blankWidth || height != m_blankHeight) {
+        m_blankWidth = width;
+        m_blankHeight = height;
+        m_blankCount = 0;
+        m_blankSum.assign(rowValues * height, 0);
+    }
+    std::vector<uchar> row(DibStride(width));
+    for (unsigned y = 0; y < height; ++y) {
+        rows.Read(y, row.data());
+        std::uint32_t* sum = m_blankSum.data() + y * rowValues;
+        for (std::size_t i = 0; i < rowValues; ++i)
+            sum[i] += row[i];
+    }
+    if (++m_blankCount >= m_blankWanted)
+        m_blankPending = false;
+}
+
 void CCamProcess::KeepCleanFrames(bool on)
 {
     Update([on](State& s) { s.keepClean = on; });
@@ -172,6 +220,8 @@ void CCamProcess::ProcessFrame(
     const State s = Snapshot();
     m_lastWidth = int(width);
     m_lastHeight = int(height);
+    if (m_blankPending)
+        AddToBlank(frameRows, width, height);
 
     const FlatField* flat
         = s.enable && s.flatField && s.flatField->Width() == width && s.flatField->Height() == height

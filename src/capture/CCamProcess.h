@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -63,6 +64,14 @@ public:
     // since they were switched on.
     bool LastHistogram(FrameHistogram* histogram) const;
 
+    // Averages the next `frames` frames as the camera gives them, before the
+    // flat field and the operations: a blank field for a new correction.
+    // Starts over when the frame size changes meanwhile.
+    void CaptureBlank(unsigned frames);
+    // Any thread: the averaged frames once all came, top-down 24-bit; null
+    // before, and after another CaptureBlank.
+    QImage CapturedBlank() const;
+
     // Keeps each frame as processed, before the overlay is laid over it, so
     // that shapes can snap to the picture under them. Off by default: it
     // costs a pass over every frame.
@@ -109,6 +118,17 @@ private:
     std::vector<uchar> m_clean;
     unsigned m_cleanWidth = 0;
     unsigned m_cleanHeight = 0;
+
+    // Adds the frame to the blank field being averaged.
+    void AddToBlank(const FrameRows& rows, unsigned width, unsigned height);
+
+    mutable std::mutex m_blankMutex;
+    unsigned m_blankWanted = 0;
+    unsigned m_blankCount = 0;
+    unsigned m_blankWidth = 0;
+    unsigned m_blankHeight = 0;
+    std::vector<std::uint32_t> m_blankSum; // bottom-up rows of width * 3 values
+    std::atomic<bool> m_blankPending { false };
 
     mutable std::mutex m_histogramMutex;
     FrameHistogram m_histogram;

@@ -31,6 +31,22 @@ std::optional<ChannelGains> GainsToGray(const ChannelMeans& m)
     return ChannelGains { gray / m.blue, gray / m.green, gray / m.red };
 }
 
+ChannelOffsets OffsetsToGray(const ChannelMeans& m, const ChannelOffsets& current, int maxOffset)
+{
+    // The offsets already in the means come off first: they are replaced,
+    // not added to.
+    const double raw[3] = { m.blue - current.blue, m.green - current.green, m.red - current.red };
+    const double top = std::max({ raw[0], raw[1], raw[2] });
+    ChannelOffsets out;
+    int* offset[3] = { &out.blue, &out.green, &out.red };
+    for (int c = 0; c < 3; ++c) {
+        const long wanted = std::lround(top - raw[c]);
+        *offset[c] = int(std::clamp<long>(wanted, 0, maxOffset));
+        out.reached = out.reached && wanted <= maxOffset;
+    }
+    return out;
+}
+
 void ApplyGains(uchar* bits, unsigned width, unsigned height, const ChannelGains& gains)
 {
     if (!bits)

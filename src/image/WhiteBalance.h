@@ -32,5 +32,19 @@ std::optional<ChannelMeans> RegionMeans(
 // region turns gray and keeps its brightness; nothing when a channel is black.
 std::optional<ChannelGains> GainsToGray(const ChannelMeans& means);
 
+// The colour offsets (the processing element's RGB gains, added to each
+// channel) that make a region gray, given its means measured with the
+// current offsets applied: each channel is raised to the brightest one's
+// mean. Offsets stay within 0 and maxOffset; reached is false when one had
+// to stop there, the region then as gray as the offsets allow.
+struct ChannelOffsets
+{
+    int blue = 0;
+    int green = 0;
+    int red = 0;
+    bool reached = true;
+};
+ChannelOffsets OffsetsToGray(const ChannelMeans& means, const ChannelOffsets& current, int maxOffset);
+
 // Multiplies each channel by its gain, rounding and stopping at 255.
 void ApplyGains(uchar* bits, unsigned width, unsigned height, const ChannelGains& gains);

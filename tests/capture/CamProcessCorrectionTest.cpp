@@ -177,3 +177,39 @@ TEST(CamProcessHistogram, CountsEachSamplePixelOnceAfterTheFlatField)
     process.KeepHistograms(false);
     EXPECT_FALSE(process.LastHistogram(&h));
 }
+
+// A blank field averages the frames as the camera gives them, before the
+// flat field and the operations, and starts over when the size changes.
+TEST(CamProcessBlank, AveragesRawFrames)
+{
+    CCamProcess process;
+    process.SetOperation(ProcessOp::Negative, [] {
+        ProcessSwitches s;
+        s.negative = true;
+        return s;
+    }());
+    process.SetFlatField(Field(kWidth, kHeight));
+    const auto frameOf = [](unsigned width, unsigned height, int level) {
+        std::vector<uchar> bits(DibStride(width) * height, 0);
+        for (unsigned y = 0; y < height; ++y)
+            for (unsigned x = 0; x < width * 3; ++x)
+                bits[y * DibStride(width) + x] = uchar(level + (y == 0 ? 40 : 0) + x % 3);
+        return bits;
+    };
+    process.CaptureBlank(3);
+    Live(process, frameOf(kWidth + 2, kHeight, 10), kWidth + 2, kHeight); // another size: dropped
+    Live(process, frameOf(kWidth, kHeight, 100), kWidth, kHeight);
+    Live(process, frameOf(kWidth, kHeight, 103), kWidth, kHeight);
+    EXPECT_TRUE(process.CapturedBlank().isNull()) << "two of three frames";
+    Live(process, frameOf(kWidth, kHeight, 107), kWidth, kHeight);
+    const QImage blank = process.CapturedBlank();
+    ASSERT_EQ(blank.size(), QSize(kWidth, kHeight));
+    // (100 + 103 + 107) / 3 = 103.3; the bottom row, brighter, is the last line.
+    EXPECT_EQ(blank.constScanLine(0)[0], 103);
+    EXPECT_EQ(blank.constScanLine(0)[2], 105);
+    EXPECT_EQ(blank.constScanLine(kHeight - 1)[0], 143);
+    Live(process, frameOf(kWidth, kHeight, 200), kWidth, kHeight);
+    EXPECT_EQ(process.CapturedBlank().constScanLine(0)[0], 103) << "later frames left out";
+    process.CaptureBlank(0);
+    EXPECT_TRUE(process.CapturedBlank().isNull());
+}

@@ -82,3 +82,26 @@ TEST(WhiteBalance, GainsSaturateAndKeepPadding)
         for (std::size_t i = kWidth * 3; i < stride; ++i)
             EXPECT_EQ(bits[row * stride + i], 0x5A) << row;
 }
+
+// Offsets measured under offsets already set replace them; a cast beyond the
+// largest offset is corrected as far as it goes and says so.
+TEST(WhiteBalance, OffsetsToGrayReplaceTheCurrentOnes)
+{
+    const ChannelOffsets none = OffsetsToGray({ 120, 150, 175 }, {}, 63);
+    EXPECT_EQ(none.blue, 55);
+    EXPECT_EQ(none.green, 25);
+    EXPECT_EQ(none.red, 0);
+    EXPECT_TRUE(none.reached);
+    // The same card seen with those offsets on, and with others on.
+    const ChannelOffsets again = OffsetsToGray({ 175, 175, 175 }, none, 63);
+    EXPECT_EQ(again.blue, 55);
+    EXPECT_EQ(again.green, 25);
+    EXPECT_EQ(again.red, 0);
+    const ChannelOffsets other = OffsetsToGray({ 130, 160, 185 }, { 10, 10, 10, true }, 63);
+    EXPECT_EQ(other.blue, 55);
+    EXPECT_EQ(other.red, 0);
+    const ChannelOffsets far = OffsetsToGray({ 50, 150, 200 }, {}, 63);
+    EXPECT_EQ(far.blue, 63);
+    EXPECT_EQ(far.green, 50);
+    EXPECT_FALSE(far.reached);
+}
