@@ -3,9 +3,7 @@
 #include "app/CMeasureDoc.h"
 #include "app/CommandTable.h"
 #include "capture/CFlatFieldDlg.h"
-#include "capture/GrabPicture.h"
-#include "image/FCObjImage.h"
-#include "image/WhiteBalance.h"
+#include "capture/LiveWhiteBalance.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLShape.h"
 #include "measure/ShapeKinds.h"
@@ -14,12 +12,6 @@
 #include <QCoreApplication>
 
 namespace {
-
-// The RGB dialog's sliders stop here.
-constexpr int kMaxOffset = 63;
-// The outline and handles of the rectangle are in the grabbed frame: the
-// region is taken this far inside them.
-constexpr int kOutline = 4;
 
 QString Text(const char* text)
 {
@@ -74,33 +66,24 @@ void CMeasureDoc::OnWhiteBalance()
             caption, MB_OK | MB_ICONINFORMATION);
         return;
     }
-    const QRect region = drawn.adjusted(kOutline, kOutline, -kOutline, -kOutline);
-    FCObjImage frame;
-    if (region.width() < 2 || region.height() < 2 || !GrabPicture(m_graph, frame)) {
-        MessageBox(region.width() < 2 || region.height() < 2
-                ? Text("The rectangle is too small; draw it larger over the neutral area.")
-                : Text("No picture from the camera yet."),
-            caption, MB_OK | MB_ICONWARNING);
+    switch (BalanceLiveRegion(*this, drawn)) {
+    case LiveWhiteBalance::Done:
         return;
-    }
-    const auto means
-        = RegionMeans(frame.GetMemStart(), unsigned(frame.Width()), unsigned(frame.Height()), region);
-    if (!means) {
-        MessageBox(Text("The rectangle lies outside the picture."), caption, MB_OK | MB_ICONWARNING);
-        return;
-    }
-    ProcessSwitches& s = LiveSwitches();
-    const ChannelOffsets current
-        = s.rgb ? ChannelOffsets { s.blue, s.green, s.red, true } : ChannelOffsets {};
-    const ChannelOffsets offsets = OffsetsToGray(*means, current, kMaxOffset);
-    s.rgb = true;
-    s.red = offsets.red;
-    s.green = offsets.green;
-    s.blue = offsets.blue;
-    m_graph.SetRgbGain(1, s.red, s.green, s.blue);
-    if (!offsets.reached)
+    case LiveWhiteBalance::Partial:
         MessageBox(
             Text("The colour cast is stronger than the gains reach: the rectangle is as neutral as they "
                  "allow. Adjust the lamp or the camera's white balance."),
             caption, MB_OK | MB_ICONWARNING);
+        return;
+    case LiveWhiteBalance::TooSmall:
+        MessageBox(Text("The rectangle is too small; draw it larger over the neutral area."), caption,
+            MB_OK | MB_ICONWARNING);
+        return;
+    case LiveWhiteBalance::NoPicture:
+        MessageBox(Text("No picture from the camera yet."), caption, MB_OK | MB_ICONWARNING);
+        return;
+    case LiveWhiteBalance::Outside:
+        MessageBox(Text("The rectangle lies outside the picture."), caption, MB_OK | MB_ICONWARNING);
+        return;
+    }
 }
