@@ -432,6 +432,30 @@ texte</translation>
         <source>Failed to write JPEG file Summary information!</source>
         <translation>Impossible d’écrire le résumé du fichier JPEG !</translation>
     </message>
+    <message>
+        <source>White Balance</source>
+        <translation>Balance des blancs</translation>
+    </message>
+    <message>
+        <source>Draw a rectangle over something neutral (white or gray), then choose White Balance again.</source>
+        <translation>Tracez un rectangle sur une zone neutre (blanche ou grise), puis choisissez de nouveau Balance des blancs.</translation>
+    </message>
+    <message>
+        <source>The colour cast is stronger than the gains reach: the rectangle is as neutral as they allow. Adjust the lamp or the camera&apos;s white balance.</source>
+        <translation>La dominante de couleur dépasse la portée des gains : le rectangle est aussi neutre qu&apos;ils le permettent. Réglez la lampe ou la balance des blancs de la caméra.</translation>
+    </message>
+    <message>
+        <source>The rectangle is too small; draw it larger over the neutral area.</source>
+        <translation>Le rectangle est trop petit ; tracez-le plus grand sur la zone neutre.</translation>
+    </message>
+    <message>
+        <source>No picture from the camera yet.</source>
+        <translation>Pas encore d&apos;image de la caméra.</translation>
+    </message>
+    <message>
+        <source>The rectangle lies outside the picture.</source>
+        <translation>Le rectangle est hors de l&apos;image.</translation>
+    </message>
 </context>
 <context>
     <name>CProcessPropertiesDlg</name>

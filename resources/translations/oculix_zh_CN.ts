@@ -432,6 +432,30 @@ Background</source>
         <source>Failed to write JPEG file Summary information!</source>
         <translation>写入 JPEG 文件摘要信息失败！</translation>
     </message>
+    <message>
+        <source>White Balance</source>
+        <translation>白平衡</translation>
+    </message>
+    <message>
+        <source>Draw a rectangle over something neutral (white or gray), then choose White Balance again.</source>
+        <translation>在中性（白色或灰色）区域上绘制一个矩形，然后再次选择白平衡。</translation>
+    </message>
+    <message>
+        <source>The colour cast is stronger than the gains reach: the rectangle is as neutral as they allow. Adjust the lamp or the camera&apos;s white balance.</source>
+        <translation>色偏超出增益范围：矩形已在增益允许范围内尽量中性。请调整灯光或相机的白平衡。</translation>
+    </message>
+    <message>
+        <source>The rectangle is too small; draw it larger over the neutral area.</source>
+        <translation>矩形太小；请在中性区域上画得大一些。</translation>
+    </message>
+    <message>
+        <source>No picture from the camera yet.</source>
+        <translation>相机尚无图像。</translation>
+    </message>
+    <message>
+        <source>The rectangle lies outside the picture.</source>
+        <translation>矩形在图像之外。</translation>
+    </message>
 </context>
 <context>
     <name>CProcessPropertiesDlg</name>

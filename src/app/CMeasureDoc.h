@@ -200,7 +200,6 @@ private:
     void OnIntervalCapture();
     void OnRgb();
     // CMeasureDocCorrection.cpp
-    void MapCorrectionCommands();
     void OnFlatField();
     void OnWhiteBalance();
     // The rectangle white balance is taken from: the selected one, else the

@@ -168,7 +168,6 @@ void CMeasureDoc::MapCommands()
              ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST, ID_PROCESS_PROPERTIES })
         MapUpdate(id, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
     MapCaptureDialogs();
-    MapCorrectionCommands();
 }
 
 void CMeasureDoc::DeleteAll()

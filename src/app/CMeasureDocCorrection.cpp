@@ -1,39 +1,11 @@
 // "Flat-Field..." and "White Balance": the corrections of the live picture.
-#include "app/CCmdUI.h"
 #include "app/CMeasureDoc.h"
-#include "app/CommandTable.h"
 #include "capture/CFlatFieldDlg.h"
 #include "capture/LiveWhiteBalance.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLShape.h"
 #include "measure/ShapeKinds.h"
 #include "platform/MessageBox.h"
-
-#include <QCoreApplication>
-
-namespace {
-
-QString Text(const char* text)
-{
-    return QCoreApplication::translate("CMeasureDoc", text);
-}
-
-} // namespace
-
-void CMeasureDoc::MapCorrectionCommands()
-{
-    m_graph.SetUseStoredFlatField(true);
-    const auto onLive = [](void (CMeasureDoc::*open)()) {
-        return [open] {
-            if (CMeasureDoc* live = GetLiveDocument())
-                (live->*open)();
-        };
-    };
-    MapCommand(ID_VIDEO_FLAT_FIELD, onLive(&CMeasureDoc::OnFlatField));
-    MapCommand(ID_VIDEO_WHITE_BALANCE, onLive(&CMeasureDoc::OnWhiteBalance));
-    for (int id : { ID_VIDEO_FLAT_FIELD, ID_VIDEO_WHITE_BALANCE })
-        MapUpdate(id, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
-}
 
 void CMeasureDoc::OnFlatField()
 {
@@ -58,11 +30,11 @@ QRect CMeasureDoc::WhiteBalanceRegion() const
 
 void CMeasureDoc::OnWhiteBalance()
 {
-    const QString caption = Text("White Balance");
+    const QString caption = tr("White Balance");
     const QRect drawn = WhiteBalanceRegion();
     if (drawn.isNull()) {
         MessageBox(
-            Text("Draw a rectangle over something neutral (white or gray), then choose White Balance again."),
+            tr("Draw a rectangle over something neutral (white or gray), then choose White Balance again."),
             caption, MB_OK | MB_ICONINFORMATION);
         return;
     }
@@ -70,20 +42,19 @@ void CMeasureDoc::OnWhiteBalance()
     case LiveWhiteBalance::Done:
         return;
     case LiveWhiteBalance::Partial:
-        MessageBox(
-            Text("The colour cast is stronger than the gains reach: the rectangle is as neutral as they "
-                 "allow. Adjust the lamp or the camera's white balance."),
+        MessageBox(tr("The colour cast is stronger than the gains reach: the rectangle is as neutral as they "
+                      "allow. Adjust the lamp or the camera's white balance."),
             caption, MB_OK | MB_ICONWARNING);
         return;
     case LiveWhiteBalance::TooSmall:
-        MessageBox(Text("The rectangle is too small; draw it larger over the neutral area."), caption,
+        MessageBox(tr("The rectangle is too small; draw it larger over the neutral area."), caption,
             MB_OK | MB_ICONWARNING);
         return;
     case LiveWhiteBalance::NoPicture:
-        MessageBox(Text("No picture from the camera yet."), caption, MB_OK | MB_ICONWARNING);
+        MessageBox(tr("No picture from the camera yet."), caption, MB_OK | MB_ICONWARNING);
         return;
     case LiveWhiteBalance::Outside:
-        MessageBox(Text("The rectangle lies outside the picture."), caption, MB_OK | MB_ICONWARNING);
+        MessageBox(tr("The rectangle lies outside the picture."), caption, MB_OK | MB_ICONWARNING);
         return;
     }
 }

@@ -158,12 +158,7 @@ int RunCalibrate(const QStringList& arguments)
     if (parser.IsSet(QStringLiteral("save")))
         CheckOutputFolder(save);
 
-    FCObjImage picture;
-    if (!QFileInfo(path).isFile() || !picture.Load(path))
-        ThrowFailure(
-            QStringLiteral("cannot read %1: %2")
-                .arg(
-                    path, QFileInfo(path).isFile() ? picture.ErrorString() : QStringLiteral("no such file")));
+    const FCObjImage picture = ReadPictureFile(path, false);
     const GraticuleFit fit = DetectGraticule(picture.ToQImage(), division.micrometres);
     if (!fit.found)
         ThrowFailure(QStringLiteral("%1: %2").arg(path, fit.reason.simplified()));

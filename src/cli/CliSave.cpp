@@ -42,7 +42,7 @@ const QStringList kPictureTypes { QStringLiteral("bmp"), QStringLiteral("jpg"), 
 
 } // namespace
 
-FCObjImage ReadPictureFile(const QString& path)
+FCObjImage ReadPictureFile(const QString& path, bool to24Bit)
 {
     FCObjImage picture;
     if (!QFileInfo(path).isFile() || !picture.Load(path))
@@ -50,7 +50,7 @@ FCObjImage ReadPictureFile(const QString& path)
             QStringLiteral("cannot read %1: %2")
                 .arg(
                     path, QFileInfo(path).isFile() ? picture.ErrorString() : QStringLiteral("no such file")));
-    if (picture.ColorBits() != 24 && !picture.ConvertTo24Bit())
+    if (to24Bit && picture.ColorBits() != 24 && !picture.ConvertTo24Bit())
         ThrowFailure(QStringLiteral("cannot read %1: not enough memory").arg(path));
     return picture;
 }

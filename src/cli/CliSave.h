@@ -7,9 +7,9 @@
 
 class FCObjImage;
 
-// Reads a picture file as a 24-bit picture; a failure naming the path and
-// the reason otherwise.
-FCObjImage ReadPictureFile(const QString& path);
+// Reads a picture file (made 24-bit when asked); a failure naming the path
+// and the reason otherwise.
+FCObjImage ReadPictureFile(const QString& path, bool to24Bit = true);
 
 // path's extension must name a picture type that can be saved; bad usage
 // naming the types otherwise.
