@@ -11,6 +11,9 @@ void CMeasureDoc::OnFlatField()
 {
     CFlatFieldDlg dialog(this, DialogParent());
     dialog.exec();
+    // A blank field still being taken when the dialog closed is dropped, and
+    // the frames' sums with it.
+    m_graph.CaptureBlank(0);
 }
 
 QRect CMeasureDoc::WhiteBalanceRegion() const
