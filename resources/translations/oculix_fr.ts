@@ -76,6 +76,53 @@
     </message>
 </context>
 <context>
+    <name>CFlatFieldDlg</name>
+    <message>
+        <source>&amp;Take Blank Field</source>
+        <translation>&amp;Prendre le champ vide</translation>
+    </message>
+    <message>
+        <source>&amp;Correct the shading</source>
+        <translation>&amp;Corriger l&apos;éclairage</translation>
+    </message>
+    <message>
+        <source>Flat-Field</source>
+        <translation>Champ plat</translation>
+    </message>
+    <message>
+        <source>Move to an empty area of the slide, or take the slide away, keep the light as for the specimen, then take the blank field. It is kept for this camera and resolution and used again whenever they match.</source>
+        <translation>Placez-vous sur une zone vide de la lame, ou retirez la lame, gardez l&apos;éclairage du spécimen, puis prenez le champ vide. Il est conservé pour cette caméra et cette résolution et réutilisé chaque fois qu&apos;elles correspondent.</translation>
+    </message>
+    <message>
+        <source>No picture from the camera yet.</source>
+        <translation>Pas encore d&apos;image de la caméra.</translation>
+    </message>
+    <message>
+        <source>A blank field is kept for this camera at %1 x %2.</source>
+        <translation>Un champ vide est conservé pour cette caméra en %1 x %2.</translation>
+    </message>
+    <message>
+        <source>No blank field is kept for this camera at %1 x %2.</source>
+        <translation>Aucun champ vide n&apos;est conservé pour cette caméra en %1 x %2.</translation>
+    </message>
+    <message>
+        <source>Taking the blank field...</source>
+        <translation>Prise du champ vide...</translation>
+    </message>
+    <message>
+        <source>No frames came from the camera; the blank field was not taken.</source>
+        <translation>Aucune image n&apos;est venue de la caméra ; le champ vide n&apos;a pas été pris.</translation>
+    </message>
+    <message>
+        <source>The blank field cannot be kept: %1</source>
+        <translation>Le champ vide ne peut pas être conservé : %1</translation>
+    </message>
+    <message>
+        <source>The blank field is black in a colour and cannot correct the picture.</source>
+        <translation>Le champ vide est noir dans une couleur et ne peut pas corriger l&apos;image.</translation>
+    </message>
+</context>
+<context>
     <name>CFolderEdit</name>
     <message>
         <source>Select Path:</source>
@@ -114,6 +161,28 @@
     <message>
         <source>No picture</source>
         <translation>Pas d&apos;image</translation>
+    </message>
+</context>
+<context>
+    <name>CHistogramDock</name>
+    <message>
+        <source>Histogram</source>
+        <translation>Histogramme</translation>
+    </message>
+</context>
+<context>
+    <name>CHistogramPanel</name>
+    <message>
+        <source>No live picture</source>
+        <translation>Pas d&apos;image en direct</translation>
+    </message>
+    <message>
+        <source>Clipped: %1 % bright, %2 % dark</source>
+        <translation>Écrêté : %1 % clair, %2 % sombre</translation>
+    </message>
+    <message>
+        <source>&amp;Log scale</source>
+        <translation>Échelle &amp;logarithmique</translation>
     </message>
 </context>
 <context>
@@ -478,6 +547,30 @@ texte</translation>
     <message>
         <source>%1 of the %2 ROIs have no kind of shape here (ellipses, open lines, composite shapes) and were left out.</source>
         <translation>%1 des %2 ROI n&apos;ont pas de forme correspondante ici (ellipses, lignes ouvertes, formes composées) et ont été ignorées.</translation>
+    </message>
+    <message>
+        <source>White Balance</source>
+        <translation>Balance des blancs</translation>
+    </message>
+    <message>
+        <source>Draw a rectangle over something neutral (white or gray), then choose White Balance again.</source>
+        <translation>Tracez un rectangle sur une zone neutre (blanche ou grise), puis choisissez de nouveau Balance des blancs.</translation>
+    </message>
+    <message>
+        <source>The colour cast is stronger than the gains reach: the rectangle is as neutral as they allow. Adjust the lamp or the camera&apos;s white balance.</source>
+        <translation>La dominante de couleur dépasse la portée des gains : le rectangle est aussi neutre qu&apos;ils le permettent. Réglez la lampe ou la balance des blancs de la caméra.</translation>
+    </message>
+    <message>
+        <source>The rectangle is too small; draw it larger over the neutral area.</source>
+        <translation>Le rectangle est trop petit ; tracez-le plus grand sur la zone neutre.</translation>
+    </message>
+    <message>
+        <source>No picture from the camera yet.</source>
+        <translation>Pas encore d&apos;image de la caméra.</translation>
+    </message>
+    <message>
+        <source>The rectangle lies outside the picture.</source>
+        <translation>Le rectangle est hors de l&apos;image.</translation>
     </message>
 </context>
 <context>
@@ -1491,6 +1584,30 @@ Vous pouvez aussi essayer de mesurer avec la caméra simulée.</translation>
         <source>Stitch overlapping pictures of a scan into one</source>
         <translation>Assembler en une seule les images d&apos;un balayage qui se recouvrent</translation>
     </message>
+    <message>
+        <source>Hist&amp;ogram</source>
+        <translation>Hist&amp;ogramme</translation>
+    </message>
+    <message>
+        <source>Show or hide the live histogram</source>
+        <translation>Afficher ou masquer l&apos;histogramme en direct</translation>
+    </message>
+    <message>
+        <source>&amp;Flat-Field...</source>
+        <translation>Champ &amp;plat...</translation>
+    </message>
+    <message>
+        <source>Take a blank field to even out the shading</source>
+        <translation>Prendre un champ vide pour égaliser l&apos;éclairage</translation>
+    </message>
+    <message>
+        <source>&amp;White Balance</source>
+        <translation>Balance des &amp;blancs</translation>
+    </message>
+    <message>
+        <source>Make the rectangle drawn over a neutral area gray</source>
+        <translation>Rendre gris le rectangle tracé sur une zone neutre</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1581,8 +1698,9 @@ Vous pouvez aussi essayer de mesurer avec la caméra simulée.</translation>
     <message numerus="yes">
         <source>%n ticks, scale at %1°</source>
         <translation>
-            <numerusform>%n graduation, échelle à %1°</numerusform>
-            <numerusform>%n graduations, échelle à %1°</numerusform>
+            <numerusform>
+            </numerusform>
+            <numerusform></numerusform>
         </translation>
     </message>
 </context>

@@ -76,6 +76,53 @@
     </message>
 </context>
 <context>
+    <name>CFlatFieldDlg</name>
+    <message>
+        <source>&amp;Take Blank Field</source>
+        <translation>拍摄空白视场(&amp;T)</translation>
+    </message>
+    <message>
+        <source>&amp;Correct the shading</source>
+        <translation>校正亮度不均(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Flat-Field</source>
+        <translation>平场校正</translation>
+    </message>
+    <message>
+        <source>Move to an empty area of the slide, or take the slide away, keep the light as for the specimen, then take the blank field. It is kept for this camera and resolution and used again whenever they match.</source>
+        <translation>移到载玻片的空白区域，或取下载玻片，保持与标本相同的照明，然后拍摄空白视场。它会按此相机和分辨率保存，并在二者匹配时再次使用。</translation>
+    </message>
+    <message>
+        <source>No picture from the camera yet.</source>
+        <translation>相机尚无图像。</translation>
+    </message>
+    <message>
+        <source>A blank field is kept for this camera at %1 x %2.</source>
+        <translation>已为此相机保存 %1 x %2 的空白视场。</translation>
+    </message>
+    <message>
+        <source>No blank field is kept for this camera at %1 x %2.</source>
+        <translation>尚未为此相机保存 %1 x %2 的空白视场。</translation>
+    </message>
+    <message>
+        <source>Taking the blank field...</source>
+        <translation>正在拍摄空白视场...</translation>
+    </message>
+    <message>
+        <source>No frames came from the camera; the blank field was not taken.</source>
+        <translation>相机没有传来图像；未拍摄空白视场。</translation>
+    </message>
+    <message>
+        <source>The blank field cannot be kept: %1</source>
+        <translation>无法保存空白视场：%1</translation>
+    </message>
+    <message>
+        <source>The blank field is black in a colour and cannot correct the picture.</source>
+        <translation>空白视场的某个颜色通道全黑，无法校正图像。</translation>
+    </message>
+</context>
+<context>
     <name>CFolderEdit</name>
     <message>
         <source>Select Path:</source>
@@ -114,6 +161,28 @@
     <message>
         <source>No picture</source>
         <translation>没有图片</translation>
+    </message>
+</context>
+<context>
+    <name>CHistogramDock</name>
+    <message>
+        <source>Histogram</source>
+        <translation>直方图</translation>
+    </message>
+</context>
+<context>
+    <name>CHistogramPanel</name>
+    <message>
+        <source>No live picture</source>
+        <translation>没有实时图像</translation>
+    </message>
+    <message>
+        <source>Clipped: %1 % bright, %2 % dark</source>
+        <translation>溢出：亮部 %1 %，暗部 %2 %</translation>
+    </message>
+    <message>
+        <source>&amp;Log scale</source>
+        <translation>对数刻度(&amp;L)</translation>
     </message>
 </context>
 <context>
@@ -478,6 +547,30 @@ Background</source>
     <message>
         <source>%1 of the %2 ROIs have no kind of shape here (ellipses, open lines, composite shapes) and were left out.</source>
         <translation>%2 个 ROI 中有 %1 个在此没有对应的图形（椭圆、开放折线、组合图形），已被略过。</translation>
+    </message>
+    <message>
+        <source>White Balance</source>
+        <translation>白平衡</translation>
+    </message>
+    <message>
+        <source>Draw a rectangle over something neutral (white or gray), then choose White Balance again.</source>
+        <translation>在中性（白色或灰色）区域上绘制一个矩形，然后再次选择白平衡。</translation>
+    </message>
+    <message>
+        <source>The colour cast is stronger than the gains reach: the rectangle is as neutral as they allow. Adjust the lamp or the camera&apos;s white balance.</source>
+        <translation>色偏超出增益范围：矩形已在增益允许范围内尽量中性。请调整灯光或相机的白平衡。</translation>
+    </message>
+    <message>
+        <source>The rectangle is too small; draw it larger over the neutral area.</source>
+        <translation>矩形太小；请在中性区域上画得大一些。</translation>
+    </message>
+    <message>
+        <source>No picture from the camera yet.</source>
+        <translation>相机尚无图像。</translation>
+    </message>
+    <message>
+        <source>The rectangle lies outside the picture.</source>
+        <translation>矩形在图像之外。</translation>
     </message>
 </context>
 <context>
@@ -1491,6 +1584,30 @@ You can also try measuring with the simulated camera.</source>
         <source>Stitch overlapping pictures of a scan into one</source>
         <translation>将扫描中相互重叠的图像拼接为一张</translation>
     </message>
+    <message>
+        <source>Hist&amp;ogram</source>
+        <translation>直方图(&amp;O)</translation>
+    </message>
+    <message>
+        <source>Show or hide the live histogram</source>
+        <translation>显示或隐藏实时直方图</translation>
+    </message>
+    <message>
+        <source>&amp;Flat-Field...</source>
+        <translation>平场校正(&amp;F)...</translation>
+    </message>
+    <message>
+        <source>Take a blank field to even out the shading</source>
+        <translation>拍摄空白视场以校正亮度不均</translation>
+    </message>
+    <message>
+        <source>&amp;White Balance</source>
+        <translation>白平衡(&amp;W)</translation>
+    </message>
+    <message>
+        <source>Make the rectangle drawn over a neutral area gray</source>
+        <translation>使绘制在中性区域上的矩形变为灰色</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1581,7 +1698,8 @@ You can also try measuring with the simulated camera.</source>
     <message numerus="yes">
         <source>%n ticks, scale at %1°</source>
         <translation>
-            <numerusform>%n 个刻度，标尺角度 %1°</numerusform>
+            <numerusform>
+            </numerusform>
         </translation>
     </message>
 </context>

@@ -2,6 +2,8 @@
 
 #include "app/CChildFrame.h"
 #include "app/CDocument.h"
+#include "app/CHistogramDock.h"
+#include "app/CMeasureDoc.h"
 #include "app/CommandTable.h"
 #include "platform/DebugLog.h"
 #include "platform/KeyLockState.h"
@@ -92,6 +94,18 @@ CMainFrame::CMainFrame(int langId, QWidget* parent)
     CreateMenus();
     CreateToolBars();
     CreateStatusBar();
+    m_histogramDock = new CHistogramDock(
+        [this] {
+            std::vector<CHistogramDock::LiveGraph> graphs;
+            CChildFrame* active = MDIGetActive();
+            for (CChildFrame* child : GetChildFrames())
+                if (auto* doc = dynamic_cast<CMeasureDoc*>(child->GetActiveDocument()); doc && doc->IsLive())
+                    graphs.push_back({ &doc->GetGraph(), child == active });
+            return graphs;
+        },
+        this);
+    addDockWidget(Qt::RightDockWidgetArea, m_histogramDock);
+    m_histogramDock->hide();
     MapFrameCommands();
 
     if (langId == kSimplifiedChinese) {
@@ -266,6 +280,8 @@ void CMainFrame::MapFrameCommands()
     }
     MapCommand(ID_VIEW_STATUS_BAR, [this] { statusBar()->setVisible(statusBar()->isHidden()); });
     MapUpdate(ID_VIEW_STATUS_BAR, [this](CCmdUI& ui) { ui.SetCheck(!statusBar()->isHidden()); });
+    MapCommand(ID_VIEW_HISTOGRAM, [this] { m_histogramDock->setVisible(m_histogramDock->isHidden()); });
+    MapUpdate(ID_VIEW_HISTOGRAM, [this](CCmdUI& ui) { ui.SetCheck(!m_histogramDock->isHidden()); });
 
     MapCommand(ID_WINDOW_CASCADE, [this] {
         m_mdiArea->setViewMode(QMdiArea::SubWindowView);

@@ -24,6 +24,8 @@ class QToolBar;
 // bar, and the tabbed area that holds one child frame per document. Every
 // command goes through RouteCommand: the active child frame (its view, then
 // its document, then itself), this frame, then the application.
+class CHistogramDock;
+
 class CMainFrame : public QMainWindow, public CCmdTarget
 {
     Q_OBJECT
@@ -61,6 +63,7 @@ public:
     QAction* FindAction(int id) const;
     QToolBar* FindToolBar(int toggleId) const;
     QComboBox* GetZoomBox() const { return m_zoomBox; }
+    CHistogramDock* GetHistogramDock() const { return m_histogramDock; }
     // The zoom box's position, which is the zoom index.
     int GetZoomIndex() const;
 
@@ -97,6 +100,7 @@ private:
     QMdiArea* m_mdiArea;
     QComboBox* m_zoomBox = nullptr;
     QTimer* m_idleTimer;
+    CHistogramDock* m_histogramDock = nullptr;
     std::array<QLabel*, 3> m_keyIndicators {};
     CCmdTarget* m_appTarget = nullptr;
     std::map<int, QAction*> m_actions;

@@ -31,6 +31,7 @@ CMeasureDoc::CMeasureDoc(bool openingFile, const QString& settingsFile)
             m_strDevice = m_graph.DeviceName();
             m_bHasCamera = true;
             m_graph.EnumFormats();
+            m_graph.SetUseStoredFlatField(true);
         } else {
             m_bFoundNoCamera = true;
         }

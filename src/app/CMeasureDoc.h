@@ -223,6 +223,12 @@ private:
     void OnRecord();
     void OnIntervalCapture();
     void OnRgb();
+    // CMeasureDocCorrection.cpp
+    void OnFlatField();
+    void OnWhiteBalance();
+    // The rectangle white balance is taken from: the selected one, else the
+    // last; null without one.
+    QRect WhiteBalanceRegion() const;
     void OnBinaryCommand();
     void OnMeasureSetting();
     void OnChangeDevice();

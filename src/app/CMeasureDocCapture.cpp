@@ -18,8 +18,11 @@ void CMeasureDoc::MapCaptureDialogs()
     MapCommand(ID_CAMERA_RECORD, onLive(&CMeasureDoc::OnRecord));
     MapCommand(ID_CAMERA_INTERVAL, onLive(&CMeasureDoc::OnIntervalCapture));
     MapCommand(ID_PROCESS_RGB, onLive(&CMeasureDoc::OnRgb));
+    MapCommand(ID_VIDEO_FLAT_FIELD, onLive(&CMeasureDoc::OnFlatField));
+    MapCommand(ID_VIDEO_WHITE_BALANCE, onLive(&CMeasureDoc::OnWhiteBalance));
     MapUpdate(ID_CAMERA_RECORD, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
-    MapUpdate(ID_PROCESS_RGB, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
+    for (int id : { ID_PROCESS_RGB, ID_VIDEO_FLAT_FIELD, ID_VIDEO_WHITE_BALANCE })
+        MapUpdate(id, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
     // A paused picture is saved as well as a moving one.
     MapUpdate(ID_CAMERA_INTERVAL, [this](CCmdUI& ui) { UpdateCameraCommand(ui, false); });
 }

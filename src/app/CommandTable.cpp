@@ -33,6 +33,7 @@ const CommandInfo kCommands[] = {
     { ID_VIEW_TOOLBAR, CMD("&Tool Bar"), CMD("Show or hide the toolbar"), nullptr, true },
     { ID_VIEW_PROCESSBAR, CMD("&Process Bar"), CMD("Show or hide Process Bar"), nullptr, true },
     { ID_VIEW_MEASUREBAR, CMD("&Measure Bar"), CMD("Show or hide the measure bar"), nullptr, true },
+    { ID_VIEW_HISTOGRAM, CMD("Hist&ogram"), CMD("Show or hide the live histogram"), nullptr, true },
     { ID_VIEW_FULLSCREEN, CMD("&Full Screen"), CMD("Toggles full screen mode On and Off"),
         ":/icons/fullscreen.svg", false },
     { ID_CAMERA_FULLSCREEN, "", CMD("Fullscreen camera video"), ":/icons/fullscreen.svg", false },
@@ -94,6 +95,10 @@ const CommandInfo kCommands[] = {
         ":/icons/device.svg", false },
     { ID_VIDEO_RESOLUTION, CMD("Video &Resolution"), CMD("Setting video capture properties"), nullptr,
         false },
+    { ID_VIDEO_FLAT_FIELD, CMD("&Flat-Field..."), CMD("Take a blank field to even out the shading"), nullptr,
+        false },
+    { ID_VIDEO_WHITE_BALANCE, CMD("&White Balance"), CMD("Make the rectangle drawn over a neutral area gray"),
+        nullptr, false },
     { ID_VIDEO_PROPERTIES, CMD("Video &Properties"), CMD("Adjusting video capture filter properties"),
         nullptr, false },
     { ID_CAMERA_CAPTURE, "", CMD("Capture picture to an active view"), ":/icons/capture.svg", false },
@@ -130,7 +135,7 @@ constexpr std::array kFileMenu { ID_FILE_NEW, ID_FILE_OPEN, ID_FILE_CLOSE, ID_FI
     ID_FILE_MRU_FILE1 + 2, ID_FILE_MRU_FILE1 + 3, S, ID_APP_EXIT };
 constexpr std::array kEditMenu { ID_EDIT_UNDO, ID_EDIT_REDO };
 constexpr std::array kViewMenu { ID_VIEW_TOOLBAR, ID_VIEW_MEASUREBAR, ID_VIEW_PROCESSBAR,
-    ID_VIEW_PRINTHELPBAR, ID_VIEW_STATUS_BAR, S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE,
+    ID_VIEW_PRINTHELPBAR, ID_VIEW_STATUS_BAR, ID_VIEW_HISTOGRAM, S, ID_VIEW_FULLSCREEN, S, ID_VIEW_CROSSLINE,
     ID_VIEW_DASHED_CROSSLINE };
 constexpr std::array kMeasureMenu { ID_MEASURE_MOVE, S, ID_MEASURE_LINE, ID_MEASURE_ANGLE, ID_MEASURE_RECT,
     ID_MEASURE_POLYGON, ID_MEASURE_CIRCLE, ID_MEASURE_TRICIRCLE, ID_MEASURE_COUNTING, ID_MEASURE_PARTICLES, S,
@@ -186,8 +191,8 @@ template <std::size_t N> struct ProcessLayout
 };
 
 constexpr ProcessLayout kProcessMenu(std::array { S, ID_PROCESS_FOCUS_STACK, ID_PROCESS_STITCH });
-constexpr std::array kVideoMenu { ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES,
-    ID_VIDEO_ADJUST };
+constexpr std::array kVideoMenu { ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST,
+    S, ID_VIDEO_FLAT_FIELD, ID_VIDEO_WHITE_BALANCE };
 constexpr std::array kWindowMenu { ID_WINDOW_CASCADE, ID_WINDOW_TILE_HORZ, ID_WINDOW_TILE_VERT };
 constexpr std::array kLanguageMenu { ID_LANGUAGE_ENGLISH, ID_LANGUAGE_FRENCH, ID_LANGUAGE_CHINESE };
 constexpr std::array kHelpMenu { ID_HELP_MANUAL, S, ID_APP_ABOUT };

@@ -51,6 +51,7 @@ constexpr int ID_VIEW_PROCESSBAR = 32919;
 constexpr int ID_VIEW_FULLSCREEN = 32886;
 constexpr int ID_VIEW_CROSSLINE = 32927;
 constexpr int ID_VIEW_DASHED_CROSSLINE = 32928;
+constexpr int ID_VIEW_HISTOGRAM = 33300;
 
 constexpr int ID_CAMERA_CAPTURE = 32842;
 constexpr int ID_CAMERA_PREVIEW = 32843;
@@ -64,6 +65,8 @@ constexpr int ID_VIDEO_DEVICE = 32876;
 constexpr int ID_VIDEO_ADJUST = 32889;
 constexpr int ID_VIDEO_RESOLUTION = 32917;
 constexpr int ID_VIDEO_PROPERTIES = 32918;
+constexpr int ID_VIDEO_FLAT_FIELD = 33301;
+constexpr int ID_VIDEO_WHITE_BALANCE = 33302;
 
 constexpr int ID_PROCESS_FLIP = 32904;
 constexpr int ID_PROCESS_MIRROR = 32905;

@@ -1,6 +1,8 @@
 #include "capture/CCamProcess.h"
 
 #include "capture/HResult.h"
+#include "image/CorrectedRows.h"
+#include "image/FlatField.h"
 #include "image/ImageProcess.h"
 #include "image/ProcessOperations.h"
 
@@ -92,6 +94,82 @@ void CCamProcess::WaitOverlayUnused(const uchar* buffer) const
         std::this_thread::yield();
 }
 
+void CCamProcess::SetFlatField(std::shared_ptr<const FlatField> field)
+{
+    Update([&field](State& s) { s.flatField = std::move(field); });
+}
+
+std::shared_ptr<const FlatField> CCamProcess::GetFlatField() const
+{
+    return Snapshot().flatField;
+}
+
+void CCamProcess::KeepHistograms(bool on)
+{
+    Update([on](State& s) { s.keepHistogram = on; });
+    if (!on) {
+        std::lock_guard lock(m_histogramMutex);
+        m_hasHistogram = false;
+    }
+}
+
+bool CCamProcess::LastHistogram(FrameHistogram* histogram) const
+{
+    std::lock_guard lock(m_histogramMutex);
+    if (!m_hasHistogram || !histogram)
+        return false;
+    *histogram = m_histogram;
+    return true;
+}
+
+void CCamProcess::CaptureBlank(unsigned frames)
+{
+    std::lock_guard lock(m_blankMutex);
+    m_blankWanted = frames;
+    m_blankCount = 0;
+    m_blankSum.clear();
+    m_blankPending = frames > 0;
+}
+
+QImage CCamProcess::CapturedBlank() const
+{
+    std::lock_guard lock(m_blankMutex);
+    if (m_blankWanted == 0 || m_blankCount < m_blankWanted || m_blankSum.empty())
+        return QImage();
+    QImage blank(int(m_blankWidth), int(m_blankHeight), QImage::Format_BGR888);
+    const std::size_t rowValues = std::size_t(m_blankWidth) * 3;
+    for (unsigned y = 0; y < m_blankHeight; ++y) {
+        const std::uint32_t* sum = m_blankSum.data() + (m_blankHeight - 1 - y) * rowValues;
+        uchar* out = blank.scanLine(int(y));
+        for (std::size_t i = 0; i < rowValues; ++i)
+            out[i] = uchar((sum[i] + m_blankCount / 2) / m_blankCount);
+    }
+    return blank;
+}
+
+void CCamProcess::AddToBlank(const FrameRows& rows, unsigned width, unsigned height)
+{
+    std::lock_guard lock(m_blankMutex);
+    if (m_blankCount >= m_blankWanted)
+        return;
+    const std::size_t rowValues = std::size_t(width) * 3;
+    if (m_blankSum.empty() || width != m_blankWidth || height != m_blankHeight) {
+        m_blankWidth = width;
+        m_blankHeight = height;
+        m_blankCount = 0;
+        m_blankSum.assign(rowValues * height, 0);
+    }
+    std::vector<uchar> row(DibStride(width));
+    for (unsigned y = 0; y < height; ++y) {
+        rows.Read(y, row.data());
+        std::uint32_t* sum = m_blankSum.data() + y * rowValues;
+        for (std::size_t i = 0; i < rowValues; ++i)
+            sum[i] += row[i];
+    }
+    if (++m_blankCount >= m_blankWanted)
+        m_blankPending = false;
+}
+
 void CCamProcess::KeepCleanFrames(bool on)
 {
     Update([on](State& s) { s.keepClean = on; });
@@ -130,7 +208,7 @@ void CCamProcess::ProcessFrame(const uchar* src, std::ptrdiff_t srcStep, uchar* 
 }
 
 void CCamProcess::ProcessFrame(
-    const FrameRows& rows, uchar* dst, std::ptrdiff_t dstStep, unsigned width, unsigned height)
+    const FrameRows& frameRows, uchar* dst, std::ptrdiff_t dstStep, unsigned width, unsigned height)
 {
     // The frame lock is taken before the state is read, so that SetOverlay,
     // which waits for it after changing the state, cannot return while a
@@ -142,6 +220,30 @@ void CCamProcess::ProcessFrame(
     const State s = Snapshot();
     m_lastWidth = int(width);
     m_lastHeight = int(height);
+    if (m_blankPending)
+        AddToBlank(frameRows, width, height);
+
+    const FlatField* flat
+        = s.enable && s.flatField && s.flatField->Width() == width && s.flatField->Height() == height
+        ? s.flatField.get()
+        : nullptr;
+    FrameHistogram histogram;
+    const CorrectedRows corrected(frameRows, width, height, flat, s.keepHistogram ? &histogram : nullptr);
+    const FrameRows& rows = flat || s.keepHistogram ? static_cast<const FrameRows&>(corrected) : frameRows;
+    // Published when the frame is done, whichever way it went.
+    struct Publish
+    {
+        CCamProcess& self;
+        const FrameHistogram* histogram;
+        ~Publish()
+        {
+            if (!histogram)
+                return;
+            std::lock_guard lock(self.m_histogramMutex);
+            self.m_histogram = *histogram;
+            self.m_hasHistogram = true;
+        }
+    } publish { *this, s.keepHistogram ? &histogram : nullptr };
 
     const bool overlay
         = s.enable && s.overlayOn && s.overlayPointer && s.overlayWidth == width && s.overlayHeight == height;

@@ -1,14 +1,19 @@
 #pragma once
 
 #include "capture/ICamProcess.h"
+#include "image/FrameHistogram.h"
 #include "image/FusedProcess.h"
 
 #include <QImage>
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <mutex>
 #include <vector>
+
+class FlatField;
 
 // The state and the frame work of the live processing element. The switches
 // are set on the user-interface thread and read by the streaming thread once
@@ -47,6 +52,26 @@ public:
     // Any thread: waits while a frame is reading this overlay buffer.
     void WaitOverlayUnused(const uchar* buffer) const;
 
+    // The flat-field correction applied to each frame of its size before the
+    // operations, while processing is on; null: none (the default).
+    void SetFlatField(std::shared_ptr<const FlatField> field);
+    std::shared_ptr<const FlatField> GetFlatField() const;
+
+    // Takes the histogram of each frame, after the flat field and before the
+    // operations, on the sample FrameHistogram describes. Off by default.
+    void KeepHistograms(bool on);
+    // Any thread: the last frame's histogram; false when none was taken
+    // since they were switched on.
+    bool LastHistogram(FrameHistogram* histogram) const;
+
+    // Averages the next `frames` frames as the camera gives them, before the
+    // flat field and the operations: a blank field for a new correction.
+    // Starts over when the frame size changes meanwhile.
+    void CaptureBlank(unsigned frames);
+    // Any thread: the averaged frames once all came, top-down 24-bit; null
+    // before, and after another CaptureBlank.
+    QImage CapturedBlank() const;
+
     // Keeps each frame as processed, before the overlay is laid over it, so
     // that shapes can snap to the picture under them. Off by default: it
     // costs a pass over every frame.
@@ -72,6 +97,8 @@ private:
         unsigned overlayWidth = 0;
         unsigned overlayHeight = 0;
         bool keepClean = false;
+        std::shared_ptr<const FlatField> flatField;
+        bool keepHistogram = false;
     };
     template <typename Fn> int Update(Fn&& fn);
     State Snapshot() const;
@@ -91,6 +118,21 @@ private:
     std::vector<uchar> m_clean;
     unsigned m_cleanWidth = 0;
     unsigned m_cleanHeight = 0;
+
+    // Adds the frame to the blank field being averaged.
+    void AddToBlank(const FrameRows& rows, unsigned width, unsigned height);
+
+    mutable std::mutex m_blankMutex;
+    unsigned m_blankWanted = 0;
+    unsigned m_blankCount = 0;
+    unsigned m_blankWidth = 0;
+    unsigned m_blankHeight = 0;
+    std::vector<std::uint32_t> m_blankSum; // bottom-up rows of width * 3 values
+    std::atomic<bool> m_blankPending { false };
+
+    mutable std::mutex m_histogramMutex;
+    FrameHistogram m_histogram;
+    bool m_hasHistogram = false;
 
     std::atomic<int> m_lastWidth { 0 };
     std::atomic<int> m_lastHeight { 0 };

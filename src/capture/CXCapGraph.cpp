@@ -3,6 +3,7 @@
 #include "capture/CCamProcess.h"
 #include "capture/CCameraControlStore.h"
 #include "capture/CCameraControls.h"
+#include "capture/CFlatFieldStore.h"
 #include "capture/CFrameMailbox.h"
 #include "capture/CVideoWidget.h"
 #include "capture/GstInit.h"
@@ -129,6 +130,8 @@ int CXCapGraph::RunGraph()
         CCameraControls controls(m_device, m_boundDevice);
         CCameraControlStore().ApplyTo(CCameraControlStore::CameraKey(m_deviceName, m_boundDevice), controls);
     }
+    if (before == GST_STATE_NULL && m_useStoredFlatField)
+        ApplyStoredFlatField();
     return S_OK;
 }
 
@@ -316,6 +319,45 @@ void CXCapGraph::WaitOverlayUnused(const uchar* buffer) const
 void CXCapGraph::KeepCleanFrames(bool on)
 {
     m_processState->KeepCleanFrames(on);
+}
+
+void CXCapGraph::SetFlatField(std::shared_ptr<const FlatField> field)
+{
+    m_processState->SetFlatField(std::move(field));
+}
+
+bool CXCapGraph::ApplyStoredFlatField()
+{
+    const CFlatFieldStore store;
+    auto field = store.Enabled() ? store.Correction(CameraKey(), m_width, m_height) : nullptr;
+    const bool found = field != nullptr;
+    m_processState->SetFlatField(std::move(field));
+    return found;
+}
+
+QString CXCapGraph::CameraKey() const
+{
+    return CCameraControlStore::CameraKey(m_deviceName, m_boundDevice);
+}
+
+void CXCapGraph::CaptureBlank(unsigned frames)
+{
+    m_processState->CaptureBlank(frames);
+}
+
+QImage CXCapGraph::CapturedBlank() const
+{
+    return m_processState->CapturedBlank();
+}
+
+void CXCapGraph::KeepHistograms(bool on)
+{
+    m_processState->KeepHistograms(on);
+}
+
+bool CXCapGraph::LastHistogram(FrameHistogram* histogram) const
+{
+    return m_processState->LastHistogram(histogram);
 }
 
 QImage CXCapGraph::CleanFrame() const

@@ -21,6 +21,8 @@
 #include <vector>
 
 class CCamProcess;
+class FlatField;
+struct FrameHistogram;
 class CFrameMailbox;
 class CVideoWidget;
 class QObject;
@@ -125,6 +127,24 @@ public:
     // (see CCamProcess); they outlast a rebuild of the pipeline.
     void KeepCleanFrames(bool on);
     QImage CleanFrame() const;
+    // The processing element's flat-field correction (see CCamProcess); it
+    // outlasts a rebuild of the pipeline.
+    void SetFlatField(std::shared_ptr<const FlatField> field);
+    // The blank field kept for this camera and size (CFlatFieldStore), set
+    // whenever the camera starts while the store's switch is on; off by
+    // default, for the program's live documents only.
+    void SetUseStoredFlatField(bool on) { m_useStoredFlatField = on; }
+    // Sets the kept correction for the current camera and size now, or none
+    // when the switch is off or nothing is kept; true when one was set.
+    bool ApplyStoredFlatField();
+    // The key the camera's settings are kept under (CCameraControlStore).
+    QString CameraKey() const;
+    // Averaging a blank field from the next frames (see CCamProcess).
+    void CaptureBlank(unsigned frames);
+    QImage CapturedBlank() const;
+    // Each frame's histogram, kept while asked for (see CCamProcess).
+    void KeepHistograms(bool on);
+    bool LastHistogram(FrameHistogram* histogram) const;
 
     // The grabber's last frame: with a null buffer, *size becomes the bytes
     // needed (width * height * 3); with a buffer of at least *size bytes, the
@@ -225,6 +245,7 @@ private:
     GstElement* m_firstAfterDevice = nullptr;
     ICamProcess* m_process = nullptr; // the element's interface while it exists
     std::shared_ptr<CCamProcess> m_processState;
+    bool m_useStoredFlatField = false;
     GstCaps* m_sourceCaps = nullptr; // format chosen for the next build
 
     // Devices.

@@ -27,6 +27,8 @@ const std::map<QString, Command>& Commands()
         { QStringLiteral("rois"), { &RunRois, "Export the shapes kept in a picture as an ImageJ ROI set." } },
         { QStringLiteral("stack"), { &RunStack, "Fuse a focus series into one picture sharp everywhere." } },
         { QStringLiteral("stitch"), { &RunStitch, "Stitch overlapping pictures of a scan into one." } },
+        { QStringLiteral("process"),
+            { &RunProcess, "Correct and process a picture file (flat field, white balance, operations)." } },
     };
     return commands;
 }

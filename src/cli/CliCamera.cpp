@@ -172,7 +172,8 @@ FCObjImage CliCamera::GrabRaw()
     return picture;
 }
 
-void CliCamera::StartRecording(const QString& file, const ProcessSwitches& s)
+void CliCamera::StartRecording(
+    const QString& file, const ProcessSwitches& s, std::shared_ptr<const FlatField> flat)
 {
     m_messages.clear();
     m_graph.StopGraph();
@@ -185,6 +186,7 @@ void CliCamera::StartRecording(const QString& file, const ProcessSwitches& s)
         ThrowFailure(QStringLiteral("camera \"%1\" could not be started").arg(DeviceName()));
     for (const ProcessOperation& op : kProcessOperations)
         m_graph.SetOperation(op.op, s);
+    m_graph.SetFlatField(std::move(flat));
     m_graph.SetProcessEnable(1);
 }
 

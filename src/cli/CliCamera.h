@@ -10,9 +10,11 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 class FCObjImage;
+class FlatField;
 
 // The live document's camera work without a window: the same capture graph,
 // device choice and topologies. Message boxes the graph would show are
@@ -34,8 +36,10 @@ public:
     // The current frame, unprocessed; the preview must run.
     FCObjImage GrabRaw();
     // Switches to the recording topology writing into file, with the live
-    // processing element applying switches.
-    void StartRecording(const QString& file, const ProcessSwitches& switches);
+    // processing element applying switches, after the flat field when one
+    // is given.
+    void StartRecording(const QString& file, const ProcessSwitches& switches,
+        std::shared_ptr<const FlatField> flat = nullptr);
     // Ends the file properly; throws when it could not be written.
     void StopRecording();
     // After a failure: whether the camera was lost and the file finished

@@ -3,13 +3,13 @@
 #include "capture/SimDeviceProvider.h"
 #include "cli/CliCamera.h"
 #include "cli/CliCommands.h"
+#include "cli/CliCorrection.h"
 #include "cli/CliInterrupt.h"
 #include "cli/CliOutput.h"
 #include "cli/CliParser.h"
 #include "cli/CliSave.h"
 #include "image/FCObjImage.h"
 #include "image/JpegSummary.h"
-#include "image/ProcessChain.h"
 #include "platform/AppPaths.h"
 #include "platform/QuickSaveName.h"
 #include "platform/SettingsKeys.h"
@@ -37,16 +37,6 @@ constexpr const char* kSummaryOptions[] = { "title", "subject", "author", "comme
 
 // Paths longer than the capture graph keeps cannot be recorded to.
 constexpr int kMaxRecordPath = 255;
-
-// The still picture as the program processes a picture: the chain of
-// operations over an unprocessed copy.
-FCObjImage Processed(const FCObjImage& raw, const ProcessSwitches& switches)
-{
-    FCObjImage out = raw;
-    RunProcessChain(
-        raw.GetMemStart(), out.GetMemStart(), unsigned(raw.Width()), unsigned(raw.Height()), switches);
-    return out;
-}
 
 } // namespace
 
@@ -101,6 +91,7 @@ int RunSnapshot(const QStringList& arguments)
         QStringLiteral("Take one processed picture from the camera and save it; the type follows OUT's "
                        "extension (.bmp, .jpg, .png, .tif, .tga, .pcx, .gif)."));
     parser.AddCameraOptions(true);
+    CliCorrection::AddOptions(parser, true);
     for (const char* name : kSummaryOptions)
         parser.AddOption({ QString::fromLatin1(name),
             QStringLiteral("The %1 of the picture's summary (Exif), for .jpg only (elsewhere bad usage). "
@@ -121,12 +112,13 @@ int RunSnapshot(const QStringList& arguments)
         texts.append(parser.Value(QString::fromLatin1(name)));
     }
     const ProcessSwitches switches = parser.Process();
+    const CliCorrection correction(parser);
     CheckOutputFolder(out);
 
     CliCamera camera;
     camera.Open(parser.Device(), parser.Format());
     camera.StartPreview();
-    const FCObjImage picture = Processed(camera.GrabRaw(), switches);
+    const FCObjImage picture = correction.Processed(camera.GrabRaw(), switches);
     std::function<bool(const QString&)> summary;
     if (jpeg)
         summary = [&texts](const QString& file) {
@@ -146,6 +138,7 @@ int RunRecord(const QStringList& arguments)
         QStringLiteral("Record the processed live video to an AVI file (Motion JPEG), for --seconds or until "
                        "interrupted (Ctrl+C), which ends the file properly."));
     parser.AddCameraOptions(true);
+    CliCorrection::AddOptions(parser, false);
     parser.AddOption(
         { QStringLiteral("seconds"), QStringLiteral("How long to record."), QStringLiteral("S") });
     parser.AddPositional(QStringLiteral("OUT.avi"), QStringLiteral("The AVI file to write."));
@@ -156,12 +149,15 @@ int RunRecord(const QStringList& arguments)
         ThrowUsage(QStringLiteral("%1: a recording is an .avi file").arg(out));
     const double seconds = parser.Seconds(QStringLiteral("seconds"), 0.1, 0);
     const ProcessSwitches switches = parser.Process();
+    const CliCorrection correction(parser);
     CheckOutputFolder(out);
 
     WatchInterrupt();
     CliCamera camera;
     camera.Open(parser.Device(), parser.Format());
     camera.StartPreview();
+    const QSize size = camera.VideoSize();
+    const auto flat = correction.FlatFor(unsigned(size.width()), unsigned(size.height()));
     // The file grows under a temporary name and takes its own only when finished.
     const QString temporary = TemporaryNameBeside(QFileInfo(out).absoluteFilePath());
     if (temporary.size() > kMaxRecordPath) {
@@ -171,7 +167,7 @@ int RunRecord(const QStringList& arguments)
                          .arg(kMaxRecordPath - 20));
     }
     try {
-        camera.StartRecording(temporary, switches);
+        camera.StartRecording(temporary, switches, flat);
         const int start = camera.Frames();
         QElapsedTimer clock;
         clock.start();
@@ -218,6 +214,7 @@ int RunTimelapse(const QStringList& arguments)
                        "as the program's quick save names them: PREFIX, running number, .jpg or .bmp. The "
                        "running number continues from the program's save settings and is stored back."));
     parser.AddCameraOptions(true);
+    CliCorrection::AddOptions(parser, true);
     parser.AddOption(
         { QStringLiteral("interval"), QStringLiteral("Seconds between pictures."), QStringLiteral("S") });
     parser.AddOption(
@@ -241,6 +238,7 @@ int RunTimelapse(const QStringList& arguments)
     const int count = parser.Integer(QStringLiteral("count"), 1, 15000, 5);
     const double wait = parser.Seconds(QStringLiteral("wait"), 0, 0);
     const ProcessSwitches switches = parser.Process();
+    const CliCorrection correction(parser);
 
     const AppPaths paths = CurrentAppPaths();
     const QString settings = paths.m_settingsFile;
@@ -292,7 +290,7 @@ int RunTimelapse(const QStringList& arguments)
         // every picture overwrite the first.
         suffix = std::max(suffix, ReadInt(SettingsKeys::SaveSuffix, settings));
         const QString path = QuickSavePath(folder, paths.m_pictureFolder, prefix, suffix, bmp);
-        SavePictureFile(Processed(camera.GrabRaw(), switches), path);
+        SavePictureFile(correction.Processed(camera.GrabRaw(), switches), path);
         ++suffix;
         WriteInt(SettingsKeys::SaveSuffix, suffix, settings);
         PrintProgress(QStringLiteral("Picture %1/%2: %3").arg(k).arg(count).arg(path));

@@ -16,6 +16,7 @@ int RunParticles(const QStringList& arguments);
 int RunRois(const QStringList& arguments);
 int RunStack(const QStringList& arguments);
 int RunStitch(const QStringList& arguments);
+int RunProcess(const QStringList& arguments);
 
 // Dispatches to the command, prints failures as one line on stderr and
 // returns the exit code.

@@ -162,7 +162,7 @@ int RunCalibrate(const QStringList& arguments)
     if (parser.IsSet(QStringLiteral("save")))
         CheckOutputFolder(save);
 
-    const FCObjImage picture = LoadPicture(path);
+    const FCObjImage picture = ReadPictureFile(path, false);
     const GraticuleFit fit = DetectGraticule(picture.ToQImage(), division.micrometres);
     if (!fit.found)
         ThrowFailure(QStringLiteral("%1: %2").arg(path, fit.reason.simplified()));

@@ -137,6 +137,24 @@ QString ProcessSpecHelp()
     return OperationList(false);
 }
 
+bool ParseRegion(const QString& text, QRect* region, QString* error)
+{
+    const QStringList parts = text.split(QLatin1Char(','));
+    int v[4] = {};
+    bool good = parts.size() == 4;
+    for (int i = 0; good && i < 4; ++i) {
+        v[i] = parts[i].trimmed().toInt(&good);
+        good = good && v[i] >= (i < 2 ? 0 : 1) && v[i] <= 1'000'000;
+    }
+    if (!good) {
+        *error = QStringLiteral("a region is X,Y,W,H in pixels (X, Y from 0; W, H from 1), not \"%1\"")
+                     .arg(text);
+        return false;
+    }
+    *region = QRect(v[0], v[1], v[2], v[3]);
+    return true;
+}
+
 bool ParseSeconds(const QString& text, double minimum, double* seconds)
 {
     bool ok = false;

@@ -4,6 +4,7 @@
 #include "image/ProcessSwitches.h"
 #include "measure/ParticleAnalyzer.h"
 
+#include <QRect>
 #include <QString>
 
 #include <vector>
@@ -33,6 +34,10 @@ double FormatFps(const CaptureFormat& format);
 bool ParseProcessSpec(const QString& text, ProcessSwitches* switches, QString* error);
 // The operations as --process takes them, for its help: "flip, ..., binary=LEVEL (0-255), ...".
 QString ProcessSpecHelp();
+
+// A rectangle in picture coordinates, "X,Y,W,H": whole numbers, X and Y from
+// 0, W and H from 1. False with a one-line reason otherwise.
+bool ParseRegion(const QString& text, QRect* region, QString* error);
 
 // A decimal number of seconds at least minimum (locale-independent).
 bool ParseSeconds(const QString& text, double minimum, double* seconds);

@@ -23,7 +23,6 @@ void CliParser::AddPositional(const QString& name, const QString& description, c
 void CliParser::AddCameraOptions(bool withProcess)
 {
     m_camera = true;
-    m_process = withProcess;
     m_parser.addOption({ QStringLiteral("device"),
         QStringLiteral("The camera by its name as \"oculix-cli devices\" lists it (default: the program's "
                        "camera, else the first)."),
@@ -32,11 +31,16 @@ void CliParser::AddCameraOptions(bool withProcess)
         QStringLiteral("The camera format, WIDTHxHEIGHT[@FPS][:YUY2|MJPG], one the camera lists."),
         QStringLiteral("FORMAT") });
     if (withProcess)
-        m_parser.addOption({ QStringLiteral("process"),
-            QStringLiteral("Processing, comma-separated: %1.").arg(ProcessSpecHelp()),
-            QStringLiteral("LIST") });
+        AddProcessOption();
     m_parser.addOption({ QStringLiteral("demo-camera"),
         QStringLiteral("List the simulated camera too (also OCULIX_DEMO_CAMERA=1).") });
+}
+
+void CliParser::AddProcessOption()
+{
+    m_process = true;
+    m_parser.addOption({ QStringLiteral("process"),
+        QStringLiteral("Processing, comma-separated: %1.").arg(ProcessSpecHelp()), QStringLiteral("LIST") });
 }
 
 bool CliParser::Parse(const QStringList& arguments)

@@ -19,6 +19,8 @@ public:
     void AddOption(const QCommandLineOption& option) { m_parser.addOption(option); }
     void AddPositional(const QString& name, const QString& description, const QString& syntax = {});
     void AddCameraOptions(bool withProcess);
+    // --process alone, for a command without a camera.
+    void AddProcessOption();
 
     // False when --help was asked for (the help has been printed).
     bool Parse(const QStringList& arguments);

@@ -123,7 +123,7 @@ int RunParticles(const QStringList& arguments)
         CheckOutputFolder(annotate);
     }
 
-    const FCObjImage picture = LoadPicture(path);
+    const FCObjImage picture = ReadPictureFile(path, false);
     const MeasurementXmp::Stored stored = MeasurementXmp::Read(path);
     const ParticleResult result
         = AnalyzeParticles(picture.ToQImage(), options, stored.unit ? &*stored.unit : nullptr);

@@ -46,6 +46,19 @@ const QStringList& PictureTypes()
     return types;
 }
 
+FCObjImage ReadPictureFile(const QString& path, bool to24Bit)
+{
+    FCObjImage picture;
+    if (!QFileInfo(path).isFile() || !picture.Load(path))
+        ThrowFailure(
+            QStringLiteral("cannot read %1: %2")
+                .arg(
+                    path, QFileInfo(path).isFile() ? picture.ErrorString() : QStringLiteral("no such file")));
+    if (to24Bit && picture.ColorBits() != 24 && !picture.ConvertTo24Bit())
+        ThrowFailure(QStringLiteral("cannot read %1: not enough memory").arg(path));
+    return picture;
+}
+
 void CheckPictureType(const QString& path)
 {
     if (!PictureTypes().contains(QFileInfo(path).suffix().toLower()))
@@ -130,15 +143,4 @@ void SaveFileBytes(const QString& path, const QByteArray& bytes)
         const int written = errno;
         ThrowFailure(QStringLiteral("cannot write %1: %2").arg(path, WriteErrorText(written, error)));
     }
-}
-
-FCObjImage LoadPicture(const QString& path)
-{
-    FCObjImage picture;
-    if (!QFileInfo(path).isFile() || !picture.Load(path))
-        ThrowFailure(
-            QStringLiteral("cannot read %1: %2")
-                .arg(
-                    path, QFileInfo(path).isFile() ? picture.ErrorString() : QStringLiteral("no such file")));
-    return picture;
 }

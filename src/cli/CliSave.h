@@ -10,7 +10,13 @@ class FCObjImage;
 
 // The extensions of the picture types a command can write, lower case.
 const QStringList& PictureTypes();
-// OUT's extension must name one of them: bad usage otherwise.
+
+// Reads a picture file (made 24-bit when asked); a failure naming the path
+// and the reason otherwise.
+FCObjImage ReadPictureFile(const QString& path, bool to24Bit = true);
+
+// path's extension must name a picture type that can be saved; bad usage
+// naming the types otherwise.
 void CheckPictureType(const QString& path);
 
 // The output file's folder must exist and be writable; throws a one-line
@@ -32,10 +38,6 @@ void SavePictureFile(const FCObjImage& picture, const QString& path,
 // Writes the bytes under path in one step (ReplaceFileContents); throws a
 // one-line failure, leaving no file behind and an older one as it was.
 void SaveFileBytes(const QString& path, const QByteArray& bytes);
-
-// The picture at path; throws a one-line failure naming it when it is
-// missing or cannot be read.
-FCObjImage LoadPicture(const QString& path);
 
 // A name beside path, in its folder and with its extension, not yet taken.
 QString TemporaryNameBeside(const QString& path);

@@ -58,7 +58,7 @@ TEST_F(CliUsage, HelpForTheToolAndEachCommand)
     const CliRun main = Run({ "--help" });
     EXPECT_EQ(main.code, 0);
     for (const char* command : { "devices", "snapshot", "record", "timelapse", "measure", "calibrate",
-             "particles", "rois", "stack", "stitch" }) {
+             "particles", "rois", "stack", "stitch", "process" }) {
         EXPECT_TRUE(main.out.contains(QString::fromLatin1(command))) << command;
         for (const QStringList& args :
             { QStringList { command, "--help" }, QStringList { "help", command } }) {

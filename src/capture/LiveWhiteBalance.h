@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QRect>
+
+class ILiveDocument;
+
+// White balance of the live picture from a rectangle drawn over something
+// neutral: the element's RGB offsets are set so the rectangle turns gray,
+// through the document's switches, so the RGB dialog shows them.
+enum class LiveWhiteBalance {
+    Done,
+    Partial, // a cast beyond the largest offset: as gray as they allow
+    TooSmall, // nothing left inside the rectangle's outline
+    NoPicture, // no frame from the camera yet
+    Outside, // the rectangle misses the picture
+};
+
+// drawn: the rectangle in picture coordinates, outline included.
+LiveWhiteBalance BalanceLiveRegion(ILiveDocument& document, const QRect& drawn);

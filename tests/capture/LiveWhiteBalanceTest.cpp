@@ -1,0 +1,72 @@
+#include "capture/LiveWhiteBalance.h"
+
+#include "CaptureTestSupport.h"
+#include "FakeLiveDocument.h"
+#include "image/FCObjImage.h"
+#include "image/WhiteBalance.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The channel means of a region of the grabber's frame, picture coordinates.
+ChannelMeans Means(CXCapGraph& graph, const QRect& region)
+{
+    const QSize size = ProcessedSize(graph);
+    std::vector<uchar> rows = Snapshot(graph); // bottom-up, unpadded
+    FCObjImage frame(size.width(), size.height(), 24);
+    for (int y = 0; y < size.height(); ++y)
+        std::memcpy(frame.GetMemStart() + std::size_t(y) * frame.GetPitch(),
+            rows.data() + std::size_t(y) * size.width() * 3, std::size_t(size.width()) * 3);
+    return RegionMeans(frame.GetMemStart(), unsigned(size.width()), unsigned(size.height()), region)
+        .value_or(ChannelMeans {});
+}
+
+double Spread(const ChannelMeans& m)
+{
+    const double gray = (m.blue + m.green + m.red) / 3;
+    return std::max({ std::abs(m.blue - gray), std::abs(m.green - gray), std::abs(m.red - gray) }) / gray;
+}
+
+} // namespace
+
+// One rectangle over a tinted area of the live picture makes it gray within
+// 1 % through the element's RGB offsets, which the document's switches show;
+// doing it again keeps it there instead of adding up.
+TEST(LiveWhiteBalance, RectangleTurnsGrayThroughTheElement)
+{
+    SimCameraScope cameras;
+    MessageCollector messages;
+    CXCapGraph graph;
+    QTemporaryDir dir;
+    FakeLiveDocument document(graph, dir.filePath("Setting.ini"));
+    AddCapsCamera(QStringLiteral("Small Camera"), kSmallCameraCaps);
+    ASSERT_TRUE(StartPreview(graph, QStringLiteral("Small Camera"), true));
+    // Background of the scene, a warm lamp's beige.
+    const QRect drawn(8, 150, 60, 40);
+    const QRect inside = drawn.adjusted(5, 5, -5, -5);
+    const ChannelMeans before = Means(graph, inside);
+    ASSERT_GT(Spread(before), 0.03) << "the scene must be tinted for the test to mean anything";
+
+    ASSERT_EQ(BalanceLiveRegion(document, drawn), LiveWhiteBalance::Done);
+    EXPECT_TRUE(document.m_switches.rgb);
+    const ProcessSwitches first = document.m_switches;
+    ASSERT_TRUE(WaitFreshFrames(graph));
+    EXPECT_LE(Spread(Means(graph, inside)), 0.01);
+    int on = 0, r = -1, g = -1, b = -1;
+    ASSERT_EQ(graph.GetRgbGain(&on, &r, &g, &b), S_OK);
+    EXPECT_EQ(on, 1);
+    EXPECT_EQ(r, first.red);
+    EXPECT_EQ(g, first.green);
+    EXPECT_EQ(b, first.blue);
+
+    ASSERT_EQ(BalanceLiveRegion(document, drawn), LiveWhiteBalance::Done);
+    EXPECT_NEAR(document.m_switches.red, first.red, 1);
+    EXPECT_NEAR(document.m_switches.green, first.green, 1);
+    EXPECT_NEAR(document.m_switches.blue, first.blue, 1);
+
+    EXPECT_EQ(BalanceLiveRegion(document, QRect(10, 10, 6, 6)), LiveWhiteBalance::TooSmall);
+    EXPECT_EQ(BalanceLiveRegion(document, QRect(1000, 10, 50, 50)), LiveWhiteBalance::Outside);
+}
