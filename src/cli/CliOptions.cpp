@@ -194,20 +194,20 @@ bool ParseDivision(const QString& text, Division* division, QString* error)
 
 bool ParseThreshold(const QString& text, ParticleOptions* options, QString* error)
 {
-    const QString spec = text.trimmed().toLower();
+    const QString wanted = text.trimmed().toLower();
     static const std::pair<const char*, GrayThreshold::Method> kMethods[] = {
         { "otsu", GrayThreshold::Method::Otsu },
         { "default", GrayThreshold::Method::Default },
         { "triangle", GrayThreshold::Method::Triangle },
     };
     for (const auto& [name, method] : kMethods) {
-        if (spec == QLatin1String(name)) {
+        if (wanted == QLatin1String(name)) {
             options->method = method;
             return true;
         }
     }
     static const QRegularExpression range(QStringLiteral(R"(^(\d{1,3})\s*:\s*(\d{1,3})$)"));
-    const QRegularExpressionMatch m = range.match(spec);
+    const QRegularExpressionMatch m = range.match(wanted);
     const int low = m.captured(1).toInt();
     const int high = m.captured(2).toInt();
     if (!m.hasMatch() || low > 255 || high > 255 || low > high) {

@@ -59,7 +59,7 @@ int RunParticles(const QStringList& arguments)
     parser.AddOption({ QStringLiteral("threshold"),
         QStringLiteral("The gray levels taken as particles: LOW:HIGH (inclusive, 0-255), or an automatic "
                        "threshold: otsu, default (ImageJ's) or triangle."),
-        QStringLiteral("SPEC") });
+        QStringLiteral("LEVELS") });
     parser.AddOption({ QStringLiteral("dark"),
         QStringLiteral("With an automatic threshold: the particles are darker than the background (without: "
                        "lighter).") });

@@ -1,5 +1,5 @@
 #include "MeasureFrameFixture.h"
-#include "SyntheticSpecimen.h"
+#include "SyntheticSlide.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/MeasurementXmp.h"
 
@@ -11,7 +11,7 @@ TEST_F(MeasureFrameTest, StitchedPicturesOpenAsOneCalibratedDocument)
 {
     Start(false);
     messages.clear(); // no camera here
-    const SyntheticSpecimen specimen(9);
+    const SyntheticSlide specimen(9);
     const QPointF at[] = { { 0, 0 }, { 110.5, -4.25 }, { 100, 90.6 } };
     QStringList files;
     for (const QPointF& p : at) {
@@ -32,7 +32,7 @@ TEST_F(MeasureFrameTest, StitchedPicturesOpenAsOneCalibratedDocument)
     EXPECT_TRUE(messages.isEmpty());
 
     const QString other = home.filePath(QStringLiteral("other.png"));
-    ASSERT_TRUE(SyntheticSpecimen(10).View(0, 0, 180, 140).save(other));
+    ASSERT_TRUE(SyntheticSlide(10).View(0, 0, 180, 140).save(other));
     const std::size_t open = frame->GetChildFrames().size();
     EXPECT_EQ(app->StitchPictures({ files[0], other, files[1] }), nullptr);
     ASSERT_EQ(messages.size(), 1);

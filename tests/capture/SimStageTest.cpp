@@ -1,7 +1,7 @@
 #include "capture/SimStage.h"
 
 #include "CaptureTestSupport.h"
-#include "SyntheticSpecimen.h"
+#include "SyntheticSlide.h"
 #include "capture/CXCapGraph.h"
 #include "capture/SimCameraSource.h"
 #include "image/Stitcher.h"

@@ -1,5 +1,5 @@
 #include "CliSupport.h"
-#include "SyntheticSpecimen.h"
+#include "SyntheticSlide.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/MeasurementXmp.h"
 
@@ -18,7 +18,7 @@ protected:
     QStringList SaveViews(
         const std::vector<QPointF>& at, const QString& name = QStringLiteral("view"), unsigned seed = 5)
     {
-        const SyntheticSpecimen specimen(seed);
+        const SyntheticSlide specimen(seed);
         QStringList paths;
         for (size_t i = 0; i < at.size(); ++i) {
             const QString path = Path(QStringLiteral("%1%2.png").arg(name).arg(i));

@@ -1,6 +1,6 @@
 #include "image/Stitcher.h"
 
-#include "SyntheticSpecimen.h"
+#include "SyntheticSlide.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ constexpr int kH = 150;
 
 TEST(Stitcher, PairShiftRecoversPlantedSubPixelShifts)
 {
-    const SyntheticSpecimen specimen(7);
+    const SyntheticSlide specimen(7);
     const QImage reference = specimen.View(300, 200, kW, kH);
     // Small and large, both signs, down to a quarter of the picture in common.
     const QPointF shifts[] = { { 0.37, -0.81 }, { 12.5, 3.25 }, { -47.3, 21.9 }, { 120.6, -8.4 },
@@ -33,7 +33,7 @@ TEST(Stitcher, PairShiftRecoversPlantedSubPixelShifts)
 
 TEST(Stitcher, ScanIsPlacedAsTakenAndShadingEvenedOut)
 {
-    const SyntheticSpecimen specimen(11);
+    const SyntheticSlide specimen(11);
     // A serpentine scan of 3 x 2 views with 30-40 % overlap, uneven steps,
     // 35 % darker corners and the second row a little darker.
     const QPointF truth[]
@@ -81,7 +81,7 @@ TEST(Stitcher, ScanIsPlacedAsTakenAndShadingEvenedOut)
 
 TEST(Stitcher, PictureThatOverlapsNothingIsRefusedAndChangesNothing)
 {
-    const SyntheticSpecimen specimen(3);
+    const SyntheticSlide specimen(3);
     Stitcher stitcher;
     ASSERT_TRUE(stitcher.Add(specimen.View(0, 0, kW, kH)));
     ASSERT_TRUE(stitcher.Add(specimen.View(120.5, 10.25, kW, kH)));

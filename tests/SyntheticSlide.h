@@ -8,10 +8,10 @@
 #include <cmath>
 #include <cstdint>
 
-class SyntheticSpecimen
+class SyntheticSlide
 {
 public:
-    explicit SyntheticSpecimen(unsigned seed)
+    explicit SyntheticSlide(unsigned seed)
         : m_seed(seed)
     {
     }
