@@ -27,6 +27,12 @@ CHistogramDock::CHistogramDock(std::function<std::vector<LiveGraph>()> liveGraph
     });
 }
 
+CHistogramDock::~CHistogramDock()
+{
+    disconnect(this, &QDockWidget::visibilityChanged, this, nullptr);
+    m_timer->stop();
+}
+
 void CHistogramDock::Refresh()
 {
     const bool showing = isVisible();

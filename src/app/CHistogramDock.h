@@ -25,6 +25,9 @@ public:
     };
     // liveGraphs: the graphs of the open live documents, asked at each look.
     CHistogramDock(std::function<std::vector<LiveGraph>()> liveGraphs, QWidget* parent = nullptr);
+    // Hiding as it goes must not ask for graphs: whoever gives them may be
+    // going too.
+    ~CHistogramDock() override;
 
     CHistogramPanel* Panel() const { return m_panel; }
     // Takes the active document's latest histogram now (the timer's work).

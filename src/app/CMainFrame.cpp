@@ -140,6 +140,9 @@ CMainFrame::~CMainFrame()
     m_idleTimer->stop();
     for (CChildFrame* child : GetChildFrames())
         delete child;
+    // Before the widget's own end hides it: its graphs come from this frame.
+    delete m_histogramDock;
+    m_histogramDock = nullptr;
 }
 
 void CMainFrame::CreateActions()
