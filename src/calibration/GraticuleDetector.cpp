@@ -7,13 +7,13 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <numbers>
 #include <numeric>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 // Tick spacings the search considers, in pixels: below 3 the ticks are not
 // resolved; above 80 a micrometer shows too few of them to fit.
 constexpr double kMinPitch = 3.0;
@@ -183,8 +183,8 @@ Turned TurnAndFindBand(const cv::Mat& f, double angle, double frequency)
     std::vector<double> cosTab(static_cast<std::size_t>(side));
     std::vector<double> sinTab(static_cast<std::size_t>(side));
     for (int x = 0; x < side; ++x) {
-        cosTab[std::size_t(x)] = std::cos(2 * kPi * x * frequency);
-        sinTab[std::size_t(x)] = std::sin(2 * kPi * x * frequency);
+        cosTab[std::size_t(x)] = std::cos(2 * std::numbers::pi * x * frequency);
+        sinTab[std::size_t(x)] = std::sin(2 * std::numbers::pi * x * frequency);
     }
     t.rows.assign(std::size_t(side), {});
     std::vector<double> strength(std::size_t(side), 0.0);
@@ -231,7 +231,7 @@ double Lean(const Turned& t, double frequency)
         const std::complex<double> z = t.rows[std::size_t(y)];
         double ph = std::arg(z);
         if (y > t.top)
-            ph = phase + std::remainder(ph - phase, 2 * kPi);
+            ph = phase + std::remainder(ph - phase, 2 * std::numbers::pi);
         phase = ph;
         const double w = std::abs(z);
         sw += w;
@@ -244,7 +244,7 @@ double Lean(const Turned& t, double frequency)
     if (!(den > 0))
         return 0.0;
     const double slope = (sw * syp - sy * sp) / den;
-    return std::atan(slope / (2 * kPi * frequency)) * 180.0 / kPi;
+    return std::atan(slope / (2 * std::numbers::pi * frequency)) * 180.0 / std::numbers::pi;
 }
 
 // Mean of each column over rows [top, bottom) of the turned picture, NaN where
@@ -430,7 +430,7 @@ GraticuleFit FitAtPeak(const cv::Mat& f, const Peak& peak, double division)
     if (frequency <= 0.0 || peak.prominence < 8.0)
         return Fail("No micrometer scale found: the picture shows no evenly spaced ticks.");
     const double pitch0 = 1.0 / frequency;
-    double angle = std::atan2(peak.fy, peak.fx) * 180.0 / kPi;
+    double angle = std::atan2(peak.fy, peak.fx) * 180.0 / std::numbers::pi;
     if (angle <= -90.0)
         angle += 180.0;
 

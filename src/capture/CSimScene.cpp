@@ -10,13 +10,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <numbers>
 #include <opencv2/imgproc.hpp>
 #include <random>
 #include <thread>
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr int kNoiseSize = 1 << 16;
 
 // Drift: two slow sines, about 12 um/s at most at 30 frames per second.
@@ -298,7 +298,7 @@ void CSimScene::AdjustSlide()
 
 QPointF CSimScene::FramePoint(const QPointF& slideUm, std::uint64_t frame) const
 {
-    const double a = m_controls.rotation * kPi / 180.0;
+    const double a = m_controls.rotation * std::numbers::pi / 180.0;
     const QPointF c(kSlideWidthUm / 2, kSlideHeightUm / 2);
     const QPointF d = slideUm - c;
     const QPointF turned(c.x() + d.x() * std::cos(a) - d.y() * std::sin(a),
@@ -313,9 +313,9 @@ QPoint CSimScene::Offset(std::uint64_t frame) const
     const double fieldHeightUm = m_height * m_umPerPixel;
     const double slideHeightPx = m_slideYuy2.size() / m_slideYuy2Stride;
     const double cx = (kSlideWidthUm - kFieldWidthUm) / 2
-        + kDriftXUm * std::sin(2 * kPi * double(frame % 1800) / kDriftPeriodX);
+        + kDriftXUm * std::sin(2 * std::numbers::pi * double(frame % 1800) / kDriftPeriodX);
     const double cy = (slideHeightPx * m_umPerPixel - fieldHeightUm) / 2
-        + kDriftYUm * std::sin(2 * kPi * double(frame % 1350) / kDriftPeriodY + 1.0);
+        + kDriftYUm * std::sin(2 * std::numbers::pi * double(frame % 1350) / kDriftPeriodY + 1.0);
     const int x = int(std::lround(cx / m_umPerPixel)) & ~1;
     const int y = int(std::lround(cy / m_umPerPixel));
     const int maxX = m_slide.width() - int(m_width);

@@ -15,8 +15,8 @@
 
 namespace {
 
-std::mutex g_mutex;
-GstDeviceMonitor* g_sharedMonitor = nullptr; // under g_mutex
+std::mutex g_monitorMutex;
+GstDeviceMonitor* g_sharedMonitor = nullptr; // under g_monitorMutex
 
 // ---------------------------------------------------------------- V4L2
 
@@ -239,7 +239,7 @@ std::vector<GstDevice*> ListCaptureDevices(bool* monitorFailed)
     *monitorFailed = false;
     GstDeviceMonitor* monitor = nullptr;
     {
-        std::lock_guard lock(g_mutex);
+        std::lock_guard lock(g_monitorMutex);
         if (g_sharedMonitor)
             monitor = GST_DEVICE_MONITOR(gst_object_ref(g_sharedMonitor));
     }
@@ -267,6 +267,6 @@ std::vector<GstDevice*> ListCaptureDevices(bool* monitorFailed)
 
 void ShareDeviceMonitor(GstDeviceMonitor* monitor)
 {
-    std::lock_guard lock(g_mutex);
+    std::lock_guard lock(g_monitorMutex);
     g_sharedMonitor = monitor;
 }

@@ -37,7 +37,7 @@ std::atomic<bool> g_demoEnabled { false };
 
 // Devices in listing order, each holding one reference. The demo camera is
 // made once and kept, listed only while enabled.
-std::mutex g_mutex;
+std::mutex g_devicesMutex;
 GstDevice* g_demoDevice = nullptr;
 std::vector<GstDevice*> g_extraDevices;
 bool g_started = false;
@@ -76,7 +76,7 @@ std::vector<GstDevice*> ListedLocked()
     if (IsDemoCameraEnabled()) {
         if (!g_demoDevice) {
             GstCaps* caps = DemoCameraCaps();
-            g_demoDevice = MakeDevice(QString::fromUtf8(kDemoCameraName), caps);
+            g_demoDevice = MakeDevice(DemoCameraName(), caps);
             gst_caps_unref(caps);
         }
         out.push_back(GST_DEVICE(gst_object_ref(g_demoDevice)));
@@ -124,7 +124,7 @@ GstElement* CreateElement(GstDevice* device, const gchar* name)
 
 GList* Probe(GstDeviceProvider*)
 {
-    std::lock_guard lock(g_mutex);
+    std::lock_guard lock(g_devicesMutex);
     GList* list = nullptr;
     for (GstDevice* d : ListedLocked())
         list = g_list_append(list, d);
@@ -135,7 +135,7 @@ gboolean StartProvider(GstDeviceProvider* provider)
 {
     std::vector<GstDevice*> devices;
     {
-        std::lock_guard lock(g_mutex);
+        std::lock_guard lock(g_devicesMutex);
         g_started = true;
         devices = ListedLocked();
     }
@@ -150,7 +150,7 @@ gboolean StartProvider(GstDeviceProvider* provider)
 // The base class forgets the devices it was told about; nothing to undo here.
 void StopProvider(GstDeviceProvider*)
 {
-    std::lock_guard lock(g_mutex);
+    std::lock_guard lock(g_devicesMutex);
     g_started = false;
 }
 
@@ -187,7 +187,7 @@ void EnableDemoCamera(bool on)
         return;
     GstDevice* demo = nullptr;
     {
-        std::lock_guard lock(g_mutex);
+        std::lock_guard lock(g_devicesMutex);
         if (!g_started)
             return;
         if (on) {
@@ -232,7 +232,7 @@ void AddSimDevice(const QString& name, GstCaps* caps)
     GstDevice* device = MakeDevice(name, own);
     gst_caps_unref(own);
     {
-        std::lock_guard lock(g_mutex);
+        std::lock_guard lock(g_devicesMutex);
         g_extraDevices.push_back(GST_DEVICE(gst_object_ref(device)));
     }
     Announce(device, true);
@@ -243,7 +243,7 @@ bool RemoveSimDevice(const QString& name)
 {
     GstDevice* device = nullptr;
     {
-        std::lock_guard lock(g_mutex);
+        std::lock_guard lock(g_devicesMutex);
         for (auto it = g_extraDevices.rbegin(); it != g_extraDevices.rend(); ++it) {
             gchar* display = gst_device_get_display_name(*it);
             const bool match = name == QString::fromUtf8(display);
@@ -281,7 +281,7 @@ void RemoveAllSimDevices()
 {
     std::vector<GstDevice*> devices;
     {
-        std::lock_guard lock(g_mutex);
+        std::lock_guard lock(g_devicesMutex);
         devices.swap(g_extraDevices);
     }
     for (GstDevice* d : devices) {

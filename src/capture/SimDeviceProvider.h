@@ -11,7 +11,10 @@
 // below that make devices or caps expect it to have run.
 
 // The display name of the demo camera.
-inline constexpr const char* kDemoCameraName = "Simulated Microscope Camera";
+inline QString DemoCameraName()
+{
+    return QStringLiteral("Simulated Microscope Camera");
+}
 
 // The demo camera is listed when the program enabled it (--demo-camera) or
 // when the environment holds OCULIX_DEMO_CAMERA=1.

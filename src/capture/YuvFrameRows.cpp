@@ -8,7 +8,7 @@
 
 namespace {
 
-const YuvConstants* ConstantsFor(YuvFrameRows::Matrix matrix, bool fullRange)
+const libyuv::YuvConstants* ConstantsFor(YuvFrameRows::Matrix matrix, bool fullRange)
 {
     switch (matrix) {
     case YuvFrameRows::Matrix::Bt709:

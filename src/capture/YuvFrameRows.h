@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <vector>
 
+namespace libyuv {
 struct YuvConstants;
+}
 
 // A camera's YUV frame read as 24-bit BGR rows, one row at a time, with the
 // frame's own matrix and range. Planes are given top-down, as cameras send
@@ -33,7 +35,7 @@ private:
     Plane m_planes[3];
     unsigned m_width;
     unsigned m_height;
-    const YuvConstants* m_constants;
+    const libyuv::YuvConstants* m_constants;
     // One row of YUY2 split into planes.
     mutable std::vector<uchar> m_split;
 };

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int kHeaderSize = 128;
+constexpr int kPcxHeaderSize = 128;
 constexpr int kPaletteSize = 769; // 0x0C, then 256 RGB triples
 
 struct PcxHeader
@@ -43,7 +43,7 @@ bool ParseHeader(const QByteArray& raw, PcxHeader& h, QString* why)
             *why = QString::fromLatin1(text);
         return false;
     };
-    if (raw.size() < kHeaderSize)
+    if (raw.size() < kPcxHeaderSize)
         return fail("PCX header is truncated");
     const auto* p = reinterpret_cast<const uchar*>(raw.constData());
     if (p[0] != 0x0A)
@@ -176,7 +176,7 @@ bool CPcxHandler::canRead(QIODevice* device)
     if (device == nullptr)
         return false;
     PcxHeader h;
-    return ParseHeader(device->peek(kHeaderSize), h, nullptr);
+    return ParseHeader(device->peek(kPcxHeaderSize), h, nullptr);
 }
 
 bool CPcxHandler::canRead() const
@@ -195,7 +195,7 @@ bool CPcxHandler::supportsOption(ImageOption option) const
 QVariant CPcxHandler::option(ImageOption option) const
 {
     PcxHeader h;
-    if (option == Size && device() != nullptr && ParseHeader(device()->peek(kHeaderSize), h, nullptr))
+    if (option == Size && device() != nullptr && ParseHeader(device()->peek(kPcxHeaderSize), h, nullptr))
         return QSize(h.width, h.height);
     return {};
 }
@@ -212,7 +212,7 @@ bool CPcxHandler::read(QImage* image)
     QIODevice* dev = device();
     if (dev == nullptr)
         return Fail(QStringLiteral("no file to read"));
-    const QByteArray header = dev->read(kHeaderSize);
+    const QByteArray header = dev->read(kPcxHeaderSize);
     PcxHeader h;
     QString why;
     if (!ParseHeader(header, h, &why))
@@ -327,7 +327,7 @@ bool CPcxHandler::write(const QImage& source)
     const int w = image.width();
     const int bytesPerLine = ((w * bits + 15) / 16) * 2;
 
-    uchar header[kHeaderSize] = {};
+    uchar header[kPcxHeaderSize] = {};
     header[0] = 0x0A;
     header[1] = 5;
     header[2] = 1;
@@ -343,7 +343,7 @@ bool CPcxHandler::write(const QImage& source)
     qToLittleEndian(quint16(bytesPerLine), header + 66);
     qToLittleEndian(quint16(1), header + 68);
 
-    QByteArray out(reinterpret_cast<const char*>(header), kHeaderSize);
+    QByteArray out(reinterpret_cast<const char*>(header), kPcxHeaderSize);
     std::vector<uchar> line(std::size_t(bytesPerLine), 0);
     for (int y = 0; y < image.height(); ++y) {
         const uchar* src = image.constScanLine(y);

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int kHeaderSize = 18;
+constexpr int kTgaHeaderSize = 18;
 
 struct TgaHeader
 {
@@ -45,7 +45,7 @@ bool ParseHeader(const QByteArray& raw, TgaHeader& h, QString* why)
             *why = QString::fromLatin1(text);
         return false;
     };
-    if (raw.size() < kHeaderSize)
+    if (raw.size() < kTgaHeaderSize)
         return fail("TGA header is truncated");
     const auto* p = reinterpret_cast<const uchar*>(raw.constData());
     h.idLength = p[0];
@@ -129,8 +129,8 @@ Footer FindFooter(const QByteArray& rest, qint64 pixelStart)
     const auto* p = reinterpret_cast<const uchar*>(rest.constData());
     const qint64 footerAt = rest.size() - kFooterSize;
     f.dataEnd = footerAt;
-    const qint64 extension = qint64(qFromLittleEndian<quint32>(p + footerAt)) - kHeaderSize;
-    const qint64 developer = qint64(qFromLittleEndian<quint32>(p + footerAt + 4)) - kHeaderSize;
+    const qint64 extension = qint64(qFromLittleEndian<quint32>(p + footerAt)) - kTgaHeaderSize;
+    const qint64 developer = qint64(qFromLittleEndian<quint32>(p + footerAt + 4)) - kTgaHeaderSize;
     for (const qint64 area : { extension, developer })
         if (area >= pixelStart && area < f.dataEnd)
             f.dataEnd = area;
@@ -196,7 +196,7 @@ bool CTgaHandler::canRead(QIODevice* device)
     if (device == nullptr)
         return false;
     TgaHeader h;
-    return ParseHeader(device->peek(kHeaderSize), h, nullptr);
+    return ParseHeader(device->peek(kTgaHeaderSize), h, nullptr);
 }
 
 bool CTgaHandler::canRead() const
@@ -215,7 +215,7 @@ bool CTgaHandler::supportsOption(ImageOption option) const
 QVariant CTgaHandler::option(ImageOption option) const
 {
     TgaHeader h;
-    if (option == Size && device() != nullptr && ParseHeader(device()->peek(kHeaderSize), h, nullptr))
+    if (option == Size && device() != nullptr && ParseHeader(device()->peek(kTgaHeaderSize), h, nullptr))
         return QSize(h.width, h.height);
     return {};
 }
@@ -234,7 +234,7 @@ bool CTgaHandler::read(QImage* image)
         return Fail(QStringLiteral("no file to read"));
     TgaHeader h;
     QString why;
-    if (!ParseHeader(dev->read(kHeaderSize), h, &why))
+    if (!ParseHeader(dev->read(kTgaHeaderSize), h, &why))
         return Fail(why);
     // Everything after the header is in the file already, so holding it costs
     // no more than the file; sizes are checked against it before any pixel
@@ -350,7 +350,7 @@ bool CTgaHandler::write(const QImage& source)
     // A gray picture with alpha takes two bytes a pixel, gray then alpha.
     const bool grayAlpha = alpha && IsGray(image);
     const int bytes = mapped ? 1 : grayAlpha ? 2 : alpha ? 4 : 3;
-    uchar header[kHeaderSize] = {};
+    uchar header[kTgaHeaderSize] = {};
     if (mapped) {
         header[1] = 1;
         header[2] = 1;
@@ -365,7 +365,7 @@ bool CTgaHandler::write(const QImage& source)
     // Bottom-up rows, left to right; eight alpha bits in the pixels.
     header[17] = alpha ? 8 : 0;
 
-    QByteArray out(reinterpret_cast<const char*>(header), kHeaderSize);
+    QByteArray out(reinterpret_cast<const char*>(header), kTgaHeaderSize);
     for (const QRgb c : table) {
         const char entry[3] = { char(qBlue(c)), char(qGreen(c)), char(qRed(c)) };
         out.append(entry, 3);

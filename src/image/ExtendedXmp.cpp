@@ -13,7 +13,7 @@ constexpr char kMainSignature[] = "http://ns.adobe.com/xap/1.0/";
 // Signature with its terminating zero, GUID, full length, offset.
 constexpr qsizetype kSignatureSize = sizeof(ExtendedXmp::kSignature);
 constexpr qsizetype kGuidSize = 32;
-constexpr qsizetype kHeaderSize = kSignatureSize + kGuidSize + 4 + 4;
+constexpr qsizetype kSegmentHeaderSize = kSignatureSize + kGuidSize + 4 + 4;
 
 struct Segment
 {
@@ -71,7 +71,8 @@ bool HasSignature(const QByteArray& jpeg, const Segment& s, const char* signatur
 
 bool IsExtension(const QByteArray& jpeg, const Segment& s)
 {
-    return HasSignature(jpeg, s, ExtendedXmp::kSignature, kSignatureSize) && s.end - s.payload >= kHeaderSize;
+    return HasSignature(jpeg, s, ExtendedXmp::kSignature, kSignatureSize)
+        && s.end - s.payload >= kSegmentHeaderSize;
 }
 
 quint32 BigEndian32(const char* p)
@@ -119,7 +120,7 @@ QByteArray Reassemble(const QByteArray& jpeg, const QByteArray& guid, QString* e
             continue;
         const quint32 full = BigEndian32(header + kGuidSize);
         const quint32 offset = BigEndian32(header + kGuidSize + 4);
-        const qsizetype size = s.end - s.payload - kHeaderSize;
+        const qsizetype size = s.end - s.payload - kSegmentHeaderSize;
         if (!chunks.empty() && full != length)
             return fail(QStringLiteral("the extended XMP segments disagree on its length"));
         length = full;
@@ -127,7 +128,7 @@ QByteArray Reassemble(const QByteArray& jpeg, const QByteArray& guid, QString* e
             return fail(QStringLiteral("the extended XMP is larger than %1 bytes").arg(kMaxLength));
         if (quint64(offset) + quint64(size) > length)
             return fail(QStringLiteral("an extended XMP segment reaches past its length"));
-        chunks.push_back({ offset, s.payload + kHeaderSize, size });
+        chunks.push_back({ offset, s.payload + kSegmentHeaderSize, size });
     }
     if (chunks.empty())
         return {};
@@ -183,11 +184,11 @@ QByteArray Insert(const QByteArray& jpeg, const QByteArray& guid, const QByteArr
             at = s.end;
     }
     QByteArray out;
-    out.reserve(jpeg.size() + packet.size() + (packet.size() / kChunk + 1) * (kHeaderSize + 4));
+    out.reserve(jpeg.size() + packet.size() + (packet.size() / kChunk + 1) * (kSegmentHeaderSize + 4));
     out.append(jpeg.constData(), at);
     for (qsizetype offset = 0; offset < packet.size(); offset += kChunk) {
         const qsizetype size = std::min<qsizetype>(kChunk, packet.size() - offset);
-        const qsizetype length = 2 + kHeaderSize + size;
+        const qsizetype length = 2 + kSegmentHeaderSize + size;
         out.append(char(0xFF)).append(char(kApp1)).append(char(length >> 8)).append(char(length & 0xFF));
         out.append(ExtendedXmp::kSignature, kSignatureSize);
         out.append(guid);

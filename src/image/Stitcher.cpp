@@ -10,6 +10,16 @@
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
+// Named outside the anonymous namespace: Stitcher::Impl, which other files can name, holds them.
+struct StitchTile
+{
+    cv::Mat rgb; // CV_8UC3, as given
+    Registration::Prepared prepared;
+    cv::Mat logSmall; // log brightness, reduced and smoothed, for the shading fit
+    cv::Point2d position; // top-left in the first picture's pixels
+    double gain = 0.0; // log of the exposure relative to the first picture
+};
+
 namespace {
 
 // Neighbours a new picture is refined against: the ones it overlaps most.
@@ -22,15 +32,6 @@ constexpr double kShadingScale = 0.25;
 constexpr int kShadingSamples = 400;
 // Rows blended at a time.
 constexpr int kBand = 256;
-
-struct Tile
-{
-    cv::Mat rgb; // CV_8UC3, as given
-    Registration::Prepared prepared;
-    cv::Mat logSmall; // log brightness, reduced and smoothed, for the shading fit
-    cv::Point2d position; // top-left in the first picture's pixels
-    double gain = 0.0; // log of the exposure relative to the first picture
-};
 
 cv::Mat RgbOf(const QImage& picture)
 {
@@ -77,7 +78,7 @@ float Bilinear(const cv::Mat& m, double x, double y)
 struct Stitcher::Impl
 {
     Options options;
-    std::vector<Tile> tiles;
+    std::vector<StitchTile> tiles;
     // Vignetting in logarithms: a r^2 + b r^4.
     double shadingA = 0.0;
     double shadingB = 0.0;
@@ -88,20 +89,20 @@ struct Stitcher::Impl
     cv::Point2d Origin() const
     {
         cv::Point2d origin(tiles[0].position);
-        for (const Tile& tile : tiles)
+        for (const StitchTile& tile : tiles)
             origin = { std::min(origin.x, tile.position.x), std::min(origin.y, tile.position.y) };
         return origin;
     }
 
     double Shading(double r2) const { return shadingA * r2 + shadingB * r2 * r2; }
 
-    bool Place(Tile& tile, QString* why);
-    bool Verify(Tile& tile, cv::Point2d guess);
+    bool Place(StitchTile& tile, QString* why);
+    bool Verify(StitchTile& tile, cv::Point2d guess);
     void EstimateShading();
     const std::pair<cv::Mat, cv::Mat>& WeightsFor(cv::Size size);
 };
 
-bool Stitcher::Impl::Place(Tile& tile, QString* why)
+bool Stitcher::Impl::Place(StitchTile& tile, QString* why)
 {
     // The most recent pictures first: a scan moves on from the last one, so
     // the search usually ends at the first. A chance likeness is caught by
@@ -117,7 +118,7 @@ bool Stitcher::Impl::Place(Tile& tile, QString* why)
     return false;
 }
 
-bool Stitcher::Impl::Verify(Tile& tile, cv::Point2d guess)
+bool Stitcher::Impl::Verify(StitchTile& tile, cv::Point2d guess)
 {
     // Averaging the estimates against every neighbour keeps errors from
     // adding up along a long scan.
@@ -136,7 +137,7 @@ bool Stitcher::Impl::Verify(Tile& tile, cv::Point2d guess)
     // that the guess would have it share more with.
     double agreeing = 0.0, disagreeing = 0.0;
     for (const auto& [share, i] : overlapping) {
-        const Tile& neighbour = tiles[size_t(i)];
+        const StitchTile& neighbour = tiles[size_t(i)];
         const Registration::Match match = Registration::Refine(
             neighbour.prepared, tile.prepared, guess - neighbour.position, options.minOverlap);
         if (match.ok) {
@@ -173,7 +174,7 @@ void Stitcher::Impl::EstimateShading()
 {
     shadingKnown = true;
     shadingA = shadingB = 0.0;
-    for (Tile& tile : tiles)
+    for (StitchTile& tile : tiles)
         tile.gain = 0.0;
     const int n = int(tiles.size());
     if (n < 2 || !options.evenShading)
@@ -186,8 +187,8 @@ void Stitcher::Impl::EstimateShading()
     int equations = 0;
     for (int i = 0; i < n; ++i) {
         for (int j = i + 1; j < n; ++j) {
-            const Tile& a = tiles[i];
-            const Tile& b = tiles[j];
+            const StitchTile& a = tiles[i];
+            const StitchTile& b = tiles[j];
             const cv::Size sa = a.rgb.size(), sb = b.rgb.size();
             const double x0 = std::max(a.position.x, b.position.x), y0 = std::max(a.position.y, b.position.y);
             const double x1 = std::min(a.position.x + sa.width, b.position.x + sb.width);
@@ -286,7 +287,7 @@ bool Stitcher::Add(const QImage& picture, QString* why)
             *why = QCoreApplication::translate("Stitcher", "the picture is empty or too small");
         return false;
     }
-    Tile tile;
+    StitchTile tile;
     tile.rgb = RgbOf(picture);
     const cv::Mat gray = GrayOf(tile.rgb);
     tile.prepared = Registration::Prepare(gray);
@@ -314,7 +315,7 @@ QSize Stitcher::Size() const
         return {};
     const cv::Point2d origin = m_impl->Origin();
     double right = 0.0, bottom = 0.0;
-    for (const Tile& tile : m_impl->tiles) {
+    for (const StitchTile& tile : m_impl->tiles) {
         right = std::max(right, tile.position.x - origin.x + tile.rgb.cols);
         bottom = std::max(bottom, tile.position.y - origin.y + tile.rgb.rows);
     }
@@ -352,7 +353,7 @@ QImage Stitcher::Compose(const QRect& region)
         const cv::Rect band(region.left(), top, region.width(), std::min(kBand, region.bottom() + 1 - top));
         cv::Mat sum = cv::Mat::zeros(band.size(), CV_32FC3);
         cv::Mat total = cv::Mat::zeros(band.size(), CV_32F);
-        for (const Tile& tile : m_impl->tiles) {
+        for (const StitchTile& tile : m_impl->tiles) {
             const cv::Point2d at = tile.position - origin;
             const cv::Rect covered(int(std::floor(at.x)), int(std::floor(at.y)),
                 int(std::ceil(at.x + tile.rgb.cols)) - int(std::floor(at.x)),

@@ -21,7 +21,7 @@
 namespace {
 
 // Header fields (RoiDecoder's offsets).
-constexpr int kHeaderSize = 64;
+constexpr int kRoiHeaderSize = 64;
 constexpr int kHeader2Size = 64;
 // 1.52t's layout: the second header with the name, sub-pixel rectangles.
 constexpr int kVersion = 228;
@@ -191,7 +191,7 @@ QByteArray ImageJRois::Encode(const ImageJRoi& roi)
     int body = n * 4 + (subPixel && listed ? n * 8 : 0);
     if (text)
         body = 16 + int(roi.fontName.size() + roi.text.size()) * 2 + 4;
-    const int header2 = kHeaderSize + body;
+    const int header2 = kRoiHeaderSize + body;
     QByteArray b(header2 + kHeader2Size + int(roi.name.size()) * 2, '\0');
     std::memcpy(b.data(), "Iout", 4);
     Put16(b, kVersionAt, kVersion);
@@ -219,20 +219,20 @@ QByteArray ImageJRois::Encode(const ImageJRoi& roi)
     Put16(b, kOptions, options);
     for (int i = 0; i < n; ++i) {
         const QPointF& p = roi.points[std::size_t(i)];
-        Put16(b, kHeaderSize + i * 2, int(std::floor(p.x())) - left);
-        Put16(b, kHeaderSize + n * 2 + i * 2, int(std::floor(p.y())) - top);
+        Put16(b, kRoiHeaderSize + i * 2, int(std::floor(p.x())) - left);
+        Put16(b, kRoiHeaderSize + n * 2 + i * 2, int(std::floor(p.y())) - top);
         if (subPixel) {
-            PutFloat(b, kHeaderSize + n * 4 + i * 4, p.x());
-            PutFloat(b, kHeaderSize + n * 8 + i * 4, p.y());
+            PutFloat(b, kRoiHeaderSize + n * 4 + i * 4, p.x());
+            PutFloat(b, kRoiHeaderSize + n * 8 + i * 4, p.y());
         }
     }
     if (text) {
-        Put32(b, kHeaderSize, std::uint32_t(roi.fontSize));
-        Put32(b, kHeaderSize + 4, 0); // plain, left-justified
-        Put32(b, kHeaderSize + 8, std::uint32_t(roi.fontName.size()));
-        Put32(b, kHeaderSize + 12, std::uint32_t(roi.text.size()));
-        PutChars(b, kHeaderSize + 16, roi.fontName);
-        PutChars(b, kHeaderSize + 16 + int(roi.fontName.size()) * 2, roi.text);
+        Put32(b, kRoiHeaderSize, std::uint32_t(roi.fontSize));
+        Put32(b, kRoiHeaderSize + 4, 0); // plain, left-justified
+        Put32(b, kRoiHeaderSize + 8, std::uint32_t(roi.fontName.size()));
+        Put32(b, kRoiHeaderSize + 12, std::uint32_t(roi.text.size()));
+        PutChars(b, kRoiHeaderSize + 16, roi.fontName);
+        PutChars(b, kRoiHeaderSize + 16 + int(roi.fontName.size()) * 2, roi.text);
         // The angle (float 0) ends the block.
     }
     Put32(b, kHeader2At, std::uint32_t(header2));
@@ -251,7 +251,7 @@ std::optional<ImageJRoi> ImageJRois::Decode(const QByteArray& bytes, const QStri
             *error = why;
         return std::nullopt;
     };
-    if (bytes.size() < kHeaderSize || !bytes.startsWith("Iout"))
+    if (bytes.size() < kRoiHeaderSize || !bytes.startsWith("Iout"))
         return fail(QStringLiteral("not an ImageJ ROI"));
     Reader in { bytes };
     const int version = in.Short(kVersionAt);
@@ -287,12 +287,12 @@ std::optional<ImageJRoi> ImageJRois::Decode(const QByteArray& bytes, const QStri
         if (subPixel && version >= 223)
             roi.bounds = QRectF(in.Float(kX1), in.Float(kY1), in.Float(kX2), in.Float(kY2));
         if (roi.subtype == ImageJRoi::Text && version >= 218) {
-            const int size = in.Int(kHeaderSize);
-            const int fontLength = in.Int(kHeaderSize + 8);
-            const int textLength = in.Int(kHeaderSize + 12);
+            const int size = in.Int(kRoiHeaderSize);
+            const int fontLength = in.Int(kRoiHeaderSize + 8);
+            const int textLength = in.Int(kRoiHeaderSize + 12);
             roi.fontSize = size;
-            roi.fontName = in.Chars(kHeaderSize + 16, fontLength);
-            roi.text = in.Chars(kHeaderSize + 16 + qint64(fontLength) * 2, textLength);
+            roi.fontName = in.Chars(kRoiHeaderSize + 16, fontLength);
+            roi.text = in.Chars(kRoiHeaderSize + 16 + qint64(fontLength) * 2, textLength);
         }
         break;
     case ImageJRoi::Line:
@@ -308,15 +308,15 @@ std::optional<ImageJRoi> ImageJRois::Decode(const QByteArray& bytes, const QStri
         qint64 n = in.Get(kCount, 2);
         if (n == 0)
             n = in.Int(kX1); // many points keep their count here
-        if (n < 0 || kHeaderSize + n * (subPixel ? 12 : 4) > bytes.size())
+        if (n < 0 || kRoiHeaderSize + n * (subPixel ? 12 : 4) > bytes.size())
             return fail(QStringLiteral("the ROI's coordinates run past its end"));
         for (qint64 i = 0; i < n; ++i) {
             if (subPixel)
                 roi.points.emplace_back(
-                    in.Float(kHeaderSize + n * 4 + i * 4), in.Float(kHeaderSize + n * 8 + i * 4));
+                    in.Float(kRoiHeaderSize + n * 4 + i * 4), in.Float(kRoiHeaderSize + n * 8 + i * 4));
             else
-                roi.points.emplace_back(left + std::max(0, in.Short(kHeaderSize + i * 2)),
-                    top + std::max(0, in.Short(kHeaderSize + n * 2 + i * 2)));
+                roi.points.emplace_back(left + std::max(0, in.Short(kRoiHeaderSize + i * 2)),
+                    top + std::max(0, in.Short(kRoiHeaderSize + n * 2 + i * 2)));
         }
         break;
     }

@@ -11,11 +11,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <numbers>
 #include <opencv2/imgproc.hpp>
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 struct Labels
 {
@@ -208,9 +207,10 @@ ParticleResult AnalyzeParticles(
             continue;
         particle.area = double(particle.pixels) * w * h;
         particle.perimeter = TracedPerimeter(particle.outline, w, h);
-        particle.diameter = std::sqrt(4.0 * particle.area / kPi);
+        particle.diameter = std::sqrt(4.0 * particle.area / std::numbers::pi);
         particle.circularity = particle.perimeter > 0.0
-            ? std::min(1.0, 4.0 * kPi * particle.area / (particle.perimeter * particle.perimeter))
+            ? std::min(
+                1.0, 4.0 * std::numbers::pi * particle.area / (particle.perimeter * particle.perimeter))
             : 0.0;
         if (particle.circularity < options.minCircularity || particle.circularity > options.maxCircularity)
             continue;

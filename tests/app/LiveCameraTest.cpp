@@ -199,7 +199,7 @@ TEST_F(LiveCamera, FirstStartWithoutACameraOffersTheSimulatedOne)
     use->click();
     CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
     ASSERT_NE(live, nullptr) << messages.join('\n').toStdString();
-    EXPECT_EQ(live->GetGraph().DeviceName(), QString::fromLatin1(kDemoCameraName));
+    EXPECT_EQ(live->GetGraph().DeviceName(), DemoCameraName());
     EXPECT_TRUE(FreshFrames(*live));
     ASSERT_TRUE(WaitFor([&] { return frame->GetChildFrames().size() == 1; }, 5000)) << "the empty one closes";
     EXPECT_EQ(ActiveDoc(), live);

@@ -12,7 +12,7 @@
 
 namespace {
 
-const QString kCamera = QStringLiteral("Stage Camera");
+const QString kStageCamera = QStringLiteral("Stage Camera");
 
 int Property(CXCapGraph& graph, const char* name)
 {
@@ -46,7 +46,7 @@ protected:
         AppPaths paths = saved;
         paths.m_dataFolder = dir.path() + QLatin1Char('/');
         SetCurrentAppPaths(paths);
-        AddCapsCamera(kCamera, kSmallCameraCaps);
+        AddCapsCamera(kStageCamera, kSmallCameraCaps);
         AddCapsCamera(QStringLiteral("Other Camera"), kSmallCameraCaps);
     }
     void TearDown() override { SetCurrentAppPaths(saved); }
@@ -69,10 +69,10 @@ TEST_F(CameraControlStore, PropertiesSetOnceComeBackWhenTheCameraStartsAgain)
     int defaultBrightness = 0;
     {
         CXCapGraph graph;
-        ASSERT_TRUE(StartPreview(graph, kCamera));
+        ASSERT_TRUE(StartPreview(graph, kStageCamera));
         defaultBrightness = Property(graph, "brightness");
         CDevicePropertiesDlg d(
-            graph.DeviceElement(), nullptr, CCameraControlStore::CameraKey(kCamera, nullptr));
+            graph.DeviceElement(), nullptr, CCameraControlStore::CameraKey(kStageCamera, nullptr));
         const int brightness = Row(d, QStringLiteral("Brightness"));
         const int noise = Row(d, QStringLiteral("Noise"));
         ASSERT_GE(brightness, 0);
@@ -83,11 +83,11 @@ TEST_F(CameraControlStore, PropertiesSetOnceComeBackWhenTheCameraStartsAgain)
         graph.StopGraph();
         graph.ReleaseAll();
     }
-    EXPECT_EQ(GetPrivateProfileString(kCamera, QStringLiteral("Brightness"), {}, File()),
+    EXPECT_EQ(GetPrivateProfileString(kStageCamera, QStringLiteral("Brightness"), {}, File()),
         QString::number(defaultBrightness + 20));
 
     CXCapGraph again;
-    ASSERT_TRUE(StartPreview(again, kCamera));
+    ASSERT_TRUE(StartPreview(again, kStageCamera));
     EXPECT_EQ(Property(again, "brightness"), defaultBrightness + 20);
     EXPECT_FALSE(Switch(again, "noise"));
     again.StopGraph();
@@ -107,7 +107,7 @@ TEST_F(CameraControlStore, OddStoredValuesAreClampedOrIgnored)
 {
     ASSERT_TRUE(WriteAll(File(), "[Stage Camera]\nBrightness=99999\nContrast=abc\n"));
     CXCapGraph graph;
-    ASSERT_TRUE(BindCamera(graph, kCamera));
+    ASSERT_TRUE(BindCamera(graph, kStageCamera));
     graph.BuildPreviewGraph();
     const int contrast = Property(graph, "contrast");
     ASSERT_EQ(graph.RunGraph(), S_OK);

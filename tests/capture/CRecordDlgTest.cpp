@@ -22,7 +22,7 @@
 
 namespace {
 
-const QString kCamera = QStringLiteral("Record Dialog Camera");
+const QString kRecordDlgCamera = QStringLiteral("Record Dialog Camera");
 
 // Which buttons are on: Browse, Start, Pause, Stop.
 std::string Buttons(const CRecordDlg& d)
@@ -39,8 +39,8 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(dir.isValid());
-        AddCapsCamera(kCamera, kSmallCameraCaps);
-        ASSERT_TRUE(StartPreview(graph, kCamera));
+        AddCapsCamera(kRecordDlgCamera, kSmallCameraCaps);
+        ASSERT_TRUE(StartPreview(graph, kRecordDlgCamera));
         document = std::make_unique<FakeLiveDocument>(graph, dir.filePath(QStringLiteral("Setting.ini")));
         overlay.assign(320 * 240 * 3, 1);
         document->m_overlay = overlay.data();
@@ -283,7 +283,7 @@ TEST_F(RecordDialog, PulledCameraAndFullDiskLeaveAPlayableFile)
     REQUIRE_TOOL(HaveProgram("ffprobe"), "ffprobe (ffmpeg)");
     chosen = dir.filePath(QStringLiteral("pulled.avi"));
     dialog->OnBrowse();
-    SetSimCameraFault(kCamera, SimCameraFault { 45, 0, 0 });
+    SetSimCameraFault(kRecordDlgCamera, SimCameraFault { 45, 0, 0 });
     dialog->OnStart();
     ASSERT_TRUE(PumpUntil([&] { return !messages.Texts().isEmpty(); }, 10000));
     dialog->Timers().Advance(1000);

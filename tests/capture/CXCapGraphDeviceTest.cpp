@@ -17,8 +17,6 @@
 
 namespace {
 
-const QString kDemo = QString::fromUtf8(kDemoCameraName);
-
 void AddCamera(const QString& name, int w, int h)
 {
     GstCaps* caps = gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "YUY2", "width", G_TYPE_INT,
@@ -66,7 +64,7 @@ TEST_F(Devices, ListedInOrderWithDuplicatesAndChosenByExactName)
     AddCamera(QStringLiteral("Cam A"), 640, 480);
     graph.EnumDevices();
     ASSERT_EQ(graph.DeviceCount(), 4);
-    EXPECT_EQ(graph.DeviceNameAt(0), kDemo);
+    EXPECT_EQ(graph.DeviceNameAt(0), DemoCameraName());
     EXPECT_EQ(graph.DeviceNameAt(1), QStringLiteral("Cam A"));
     EXPECT_EQ(graph.DeviceNameAt(2), QStringLiteral("Cam B"));
     EXPECT_EQ(graph.DeviceNameAt(3), QStringLiteral("Cam A"));
@@ -87,11 +85,11 @@ TEST_F(Devices, ListedInOrderWithDuplicatesAndChosenByExactName)
 
     // The name must match exactly; otherwise the first device is taken.
     ASSERT_EQ(graph.GetSpecCapDevice(&filter, QStringLiteral("cam a")), S_OK);
-    EXPECT_EQ(graph.DeviceName(), kDemo);
+    EXPECT_EQ(graph.DeviceName(), DemoCameraName());
     // A camera that is gone likewise.
     RemoveSimDevice(QStringLiteral("Cam B"));
     ASSERT_EQ(graph.GetSpecCapDevice(&filter, QStringLiteral("Cam B")), S_OK);
-    EXPECT_EQ(graph.DeviceName(), kDemo);
+    EXPECT_EQ(graph.DeviceName(), DemoCameraName());
 
     graph.SetDeviceName(QStringLiteral("Cam A"));
     graph.EnumDevices();
@@ -173,7 +171,7 @@ TEST_F(Devices, ChoosingAnotherCameraRebuildsTheLivePreview)
 {
     AddCamera(QStringLiteral("Small Camera"), 320, 240);
     QWidget view;
-    ASSERT_TRUE(StartPreview(graph, kDemo));
+    ASSERT_TRUE(StartPreview(graph, DemoCameraName()));
     graph.SetParentWnd(&view, 0, 0, 1280, 1024);
     // A format chosen in the demo camera's longer list.
     graph.SetSelectedFormat(3);
@@ -189,7 +187,7 @@ TEST_F(Devices, ChoosingAnotherCameraRebuildsTheLivePreview)
     };
     {
         CChooseDeviceDlg dialog(&graph, change);
-        EXPECT_EQ(dialog.DeviceBox()->currentText(), kDemo);
+        EXPECT_EQ(dialog.DeviceBox()->currentText(), DemoCameraName());
         dialog.accept(); // unchanged: nothing happens
     }
     EXPECT_EQ(calls, 0);
@@ -214,12 +212,12 @@ TEST_F(Devices, ChoosingAnotherCameraRebuildsTheLivePreview)
 
 TEST_F(Devices, DialogsSetTheFormatTheCameraAndTheProcessing)
 {
-    ASSERT_TRUE(BindCamera(graph, kDemo));
+    ASSERT_TRUE(BindCamera(graph, DemoCameraName()));
     WhenOpen<CFormatDlg>([](CFormatDlg* d) {
         d->SetSelectedIndex(3);
         d->accept();
     });
-    ASSERT_EQ(graph.ShowFormatDialog(kDemo, nullptr), S_OK);
+    ASSERT_EQ(graph.ShowFormatDialog(DemoCameraName(), nullptr), S_OK);
     EXPECT_EQ(graph.SelectedFormat(), 3);
     EXPECT_EQ(VideoSize(graph), QSize(1280, 1024));
     EXPECT_EQ(CFormatDlg::Describe(graph.Formats()[3]), QStringLiteral("1280 x 1024   MJPG   30 fps"));
@@ -231,7 +229,7 @@ TEST_F(Devices, DialogsSetTheFormatTheCameraAndTheProcessing)
     EXPECT_EQ(graph.DeviceName(), QStringLiteral("Other"));
     EXPECT_EQ(VideoSize(graph), QSize(352, 288));
 
-    ASSERT_TRUE(BindCamera(graph, kDemo));
+    ASSERT_TRUE(BindCamera(graph, DemoCameraName()));
     graph.BuildPreviewGraph();
     // The camera's controls by their place in the list, clamped to their range.
     CDevicePropertiesDlg camera(graph.DeviceElement(), nullptr);

@@ -13,7 +13,7 @@
 
 namespace {
 
-const QString kCamera = QStringLiteral("Record Camera");
+const QString kRecordCamera = QStringLiteral("Record Camera");
 
 // One decoded frame of the file as top-down RGB.
 QByteArray DecodeFrame(const QString& file, int index)
@@ -34,8 +34,8 @@ protected:
     {
         REQUIRE_TOOL(HaveProgram("ffprobe"), "ffprobe (ffmpeg)");
         ASSERT_TRUE(dir.isValid());
-        AddCapsCamera(kCamera, kSmallCameraCaps);
-        ASSERT_TRUE(StartPreview(graph, kCamera));
+        AddCapsCamera(kRecordCamera, kSmallCameraCaps);
+        ASSERT_TRUE(StartPreview(graph, kRecordCamera));
     }
 
     // The switch-over of the record dialog's Start; the run's result.
@@ -182,7 +182,7 @@ TEST_F(Recording, PulledCameraKeepsAPlayableFileAndABusyOneCannotStart)
     const QString file = dir.filePath(QStringLiteral("pulled.avi"));
     // The camera has sent some frames for the preview already; it dies 40
     // frames into the recording.
-    SetSimCameraFault(kCamera, SimCameraFault { 40, 0, 0 });
+    SetSimCameraFault(kRecordCamera, SimCameraFault { 40, 0, 0 });
     ASSERT_EQ(StartRecording(file), S_OK);
     ASSERT_TRUE(PumpUntil([&] { return reports > 0; }, 10000));
     Pump(300);
@@ -205,7 +205,7 @@ TEST_F(Recording, PulledCameraKeepsAPlayableFileAndABusyOneCannotStart)
     graph.StopGraph();
     SimCameraFault busy;
     busy.busy = true;
-    SetSimCameraFault(kCamera, busy);
+    SetSimCameraFault(kRecordCamera, busy);
     EXPECT_EQ(graph.RunGraph(), E_FAIL);
     ASSERT_TRUE(PumpUntil([&] { return !messages.Texts().isEmpty(); }));
     EXPECT_EQ(messages.Texts(), QStringList({ CXCapGraph::kCameraStartMessage }));

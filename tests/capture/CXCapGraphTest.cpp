@@ -14,7 +14,6 @@
 
 namespace {
 
-const QString kDemo = QString::fromUtf8(kDemoCameraName);
 const QString kSmall = QStringLiteral("Small Camera");
 
 class CaptureGraph : public ::testing::Test
@@ -37,8 +36,8 @@ protected:
 
 TEST_F(CaptureGraph, DemoPreviewGivesBottomUpSnapshotsAndRebuildsAtANewSize)
 {
-    ASSERT_TRUE(StartPreview(graph, kDemo, true));
-    EXPECT_EQ(graph.DeviceName(), kDemo);
+    ASSERT_TRUE(StartPreview(graph, DemoCameraName(), true));
+    EXPECT_EQ(graph.DeviceName(), DemoCameraName());
     EXPECT_EQ(VideoSize(graph), QSize(1280, 1024));
     const std::vector<uchar> bits = Snapshot(graph);
     ASSERT_EQ(bits.size(), 1280u * 1024 * 3);
@@ -223,7 +222,7 @@ TEST_F(CaptureGraph, CallsAnswerForEveryStateOfTheGraphAndSwitchesSurviveRebuild
 TEST_F(CaptureGraph, FormatsAreListedAndAMissingSizeFallsBack)
 {
     // The demo camera: the fastest of each size's rates, MJPG last.
-    ASSERT_TRUE(BindCamera(graph, kDemo));
+    ASSERT_TRUE(BindCamera(graph, DemoCameraName()));
     const auto& f = graph.Formats();
     ASSERT_EQ(f.size(), 4u);
     EXPECT_EQ(f[0].fourcc, "YUY2");
@@ -286,7 +285,7 @@ TEST_F(CaptureGraph, MjpgCameraFlagPicksOnlyMjpgModes)
     graph.DestroyGraph();
 
     // The demo camera's MJPG mode decodes and runs.
-    ASSERT_TRUE(BindCamera(graph, kDemo));
+    ASSERT_TRUE(BindCamera(graph, DemoCameraName()));
     SetMjpgCamera(true);
     graph.BuildPreviewGraph();
     SetMjpgCamera(false);
@@ -420,7 +419,7 @@ TEST(CaptureMessages, MissingPartsOfThePipelineAreNamed)
         SCOPED_TRACE(c.message);
         MessageCollector messages;
         CXCapGraph graph;
-        ASSERT_TRUE(BindCamera(graph, QString::fromUtf8(kDemoCameraName)));
+        ASSERT_TRUE(BindCamera(graph, DemoCameraName()));
         graph.SetRecordFileName(QDir::temp().filePath(QStringLiteral("oculix-missing-part.avi")));
         {
             HiddenFactory hidden(c.factory);

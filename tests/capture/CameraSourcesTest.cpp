@@ -12,8 +12,6 @@
 
 namespace {
 
-const QString kDemo = QString::fromUtf8(kDemoCameraName);
-
 QStringList Names(const std::vector<GstDevice*>& devices)
 {
     QStringList out;
@@ -124,8 +122,8 @@ TEST_F(CameraSourcesTest, ListsAndWatchesTheClaimedDevicesRealCamerasFirst)
     fakes.Plug(QStringLiteral("Fake V4L2 A"), { { "device.api", "v4l2" }, { "device.path", "/dev/fake0" } });
     fakes.Plug(QStringLiteral("Fake Other"), { { "device.api", "other" }, { "device.path", "/dev/fake9" } });
     fakes.Plug(QStringLiteral("Fake V4L2 B"), { { "device.api", "v4l2" }, { "device.path", "/dev/fake1" } });
-    const QStringList expected { QStringLiteral("Fake V4L2 A"), QStringLiteral("Fake V4L2 B"), kDemo,
-        QStringLiteral("Sim B") };
+    const QStringList expected { QStringLiteral("Fake V4L2 A"), QStringLiteral("Fake V4L2 B"),
+        DemoCameraName(), QStringLiteral("Sim B") };
 
     CXCapGraph graph;
     EXPECT_EQ(Text(Listed(graph)), Text(expected));
@@ -146,7 +144,7 @@ TEST_F(CameraSourcesTest, ListsAndWatchesTheClaimedDevicesRealCamerasFirst)
     log.added.sort();
     EXPECT_EQ(Text(log.added),
         Text({ QStringLiteral("Fake V4L2 A"), QStringLiteral("Fake V4L2 B"), QStringLiteral("Fake V4L2 C"),
-            QStringLiteral("Sim B"), kDemo }));
+            QStringLiteral("Sim B"), DemoCameraName() }));
     EXPECT_EQ(Text(log.removed), Text({ QStringLiteral("Fake V4L2 C") }));
     EXPECT_TRUE(messages.Texts().isEmpty()) << Shown(messages);
 }

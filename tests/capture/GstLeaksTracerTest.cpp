@@ -13,7 +13,7 @@
 
 namespace {
 
-const QString kCamera = QStringLiteral("Leak Camera");
+const QString kLeakCamera = QStringLiteral("Leak Camera");
 
 // GStreamer's own tracer of object lifetimes, active only when GST_TRACERS
 // named it before GStreamer started.
@@ -78,7 +78,7 @@ void RunCaptureOnce(const QString& folder)
 {
     SimCameraScope cameras;
     MessageCollector messages;
-    AddCapsCamera(kCamera, kSmallCameraCaps);
+    AddCapsCamera(kLeakCamera, kSmallCameraCaps);
     std::vector<uchar> shapes(DibStride(320) * 240, 7);
     uchar* overlay = shapes.data();
     {
@@ -88,11 +88,11 @@ void RunCaptureOnce(const QString& folder)
         QObject::connect(&watcher, &CDeviceWatcher::DeviceRemoved,
             [&](const QString& name) { lost = graph.OnDeviceRemoved(name) || lost; });
         QObject::connect(&watcher, &CDeviceWatcher::DeviceAdded, [&](const QString& name) {
-            if (lost && name == kCamera && graph.Reconnect() == S_OK)
+            if (lost && name == kLeakCamera && graph.Reconnect() == S_OK)
                 lost = false;
         });
 
-        ASSERT_TRUE(StartPreview(graph, kCamera));
+        ASSERT_TRUE(StartPreview(graph, kLeakCamera));
         ASSERT_EQ(graph.SetOverlay(1, &overlay), S_OK);
         ASSERT_TRUE(WaitFreshFrames(graph, 10, 20000));
         EXPECT_FALSE(Snapshot(graph).empty());
@@ -116,10 +116,10 @@ void RunCaptureOnce(const QString& folder)
         graph.SetOverlay(1, &overlay);
         ASSERT_TRUE(WaitFreshFrames(graph, 10, 20000));
 
-        ASSERT_TRUE(PullSimDevice(kCamera));
+        ASSERT_TRUE(PullSimDevice(kLeakCamera));
         ASSERT_TRUE(PumpUntil([&] { return lost; }, 10000)) << "the pull was not seen";
         GstCaps* caps = gst_caps_from_string(kSmallCameraCaps);
-        ReplugSimDevice(kCamera, caps);
+        ReplugSimDevice(kLeakCamera, caps);
         gst_caps_unref(caps);
         ASSERT_TRUE(PumpUntil([&] { return !lost; }, 10000)) << "the camera did not come back";
         ASSERT_EQ(VideoSize(graph), QSize(320, 240));

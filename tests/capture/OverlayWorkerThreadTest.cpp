@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr int kWidth = 160;
-constexpr int kHeight = 120;
+constexpr int kFrameWidth = 160;
+constexpr int kFrameHeight = 120;
 
 // Waits for passes that began after the call to finish; false if the worker
 // stalls (a safeguard against hanging, not a timing).
@@ -36,8 +36,8 @@ uchar* Published(COverlayWorker& worker)
 // The published buffer holds what the shapes draw now.
 void ExpectShows(COverlayWorker& worker, CGVLElemMgr& mgr, const char* what)
 {
-    std::vector<uchar> expected(DibStride(kWidth) * kHeight);
-    mgr.DrawToBits(expected.data(), kWidth, kHeight);
+    std::vector<uchar> expected(DibStride(kFrameWidth) * kFrameHeight);
+    mgr.DrawToBits(expected.data(), kFrameWidth, kFrameHeight);
     const uchar* published = Published(worker);
     ASSERT_NE(published, nullptr) << what;
     EXPECT_TRUE(std::equal(expected.begin(), expected.end(), published)) << what;
@@ -60,9 +60,9 @@ TEST(OverlayWorkerThreadTest, PublishesANewBufferAfterEachChangeAndTheSameOneOth
 {
     CGVLElemMgr mgr;
     Line(mgr, { 10, 10 }, { 100, 60 });
-    COverlayWorker worker(
-        mgr, { [] { return true; }, [] { return QSize(kWidth, kHeight); }, [](const uchar*) {} }, 1);
-    worker.Allocate(kWidth, kHeight);
+    COverlayWorker worker(mgr,
+        { [] { return true; }, [] { return QSize(kFrameWidth, kFrameHeight); }, [](const uchar*) {} }, 1);
+    worker.Allocate(kFrameWidth, kFrameHeight);
     uchar* const blank = Published(worker);
     worker.Start();
     ASSERT_TRUE(WaitPasses(worker));
@@ -113,7 +113,7 @@ TEST(OverlayWorkerThreadTest, PublishesANewBufferAfterEachChangeAndTheSameOneOth
     // New buffers hold no shapes: they are drawn even though nothing changed.
     const unsigned drawn = worker.OverlaysDrawn();
     worker.Stop();
-    worker.Allocate(kWidth, kHeight);
+    worker.Allocate(kFrameWidth, kFrameHeight);
     worker.Start();
     ASSERT_TRUE(WaitPasses(worker));
     EXPECT_EQ(worker.OverlaysDrawn(), drawn + 1);

@@ -8,18 +8,18 @@
 
 namespace {
 
-constexpr unsigned kWidth = 41;
-constexpr unsigned kHeight = 30;
+constexpr unsigned kCardWidth = 41;
+constexpr unsigned kCardHeight = 30;
 
 // A gray card under a warm lamp in the top half (picture coordinates), a
 // saturated blue below, and noise on everything.
 std::vector<uchar> CardScene()
 {
-    const std::size_t stride = DibStride(kWidth);
-    std::vector<uchar> bits(stride * kHeight, 0);
-    for (unsigned y = 0; y < kHeight; ++y) { // buffer rows, bottom-up
-        const bool card = y >= kHeight / 2;
-        for (unsigned x = 0; x < kWidth; ++x) {
+    const std::size_t stride = DibStride(kCardWidth);
+    std::vector<uchar> bits(stride * kCardHeight, 0);
+    for (unsigned y = 0; y < kCardHeight; ++y) { // buffer rows, bottom-up
+        const bool card = y >= kCardHeight / 2;
+        for (unsigned x = 0; x < kCardWidth; ++x) {
             const int noise = int((x * 7 + y * 13) % 9) - 4;
             uchar* p = &bits[y * stride + 3 * x];
             p[0] = uchar((card ? 120 : 220) + noise); // blue
@@ -38,14 +38,15 @@ TEST(WhiteBalance, RegionOverGrayCardTurnsItNeutral)
 {
     auto bits = CardScene();
     const QRect region(5, 2, 30, 10);
-    const auto means = RegionMeans(bits.data(), kWidth, kHeight, region);
+    const auto means = RegionMeans(bits.data(), kCardWidth, kCardHeight, region);
     ASSERT_TRUE(means);
     EXPECT_NEAR(means->red, 175, 1.0) << "the card is the top half";
     const auto gains = GainsToGray(*means);
     ASSERT_TRUE(gains);
-    ApplyGains(bits.data(), kWidth, kHeight, *gains);
+    ApplyGains(bits.data(), kCardWidth, kCardHeight, *gains);
 
-    const auto after = RegionMeans(bits.data(), kWidth, kHeight, QRect(0, 0, kWidth, kHeight / 2));
+    const auto after
+        = RegionMeans(bits.data(), kCardWidth, kCardHeight, QRect(0, 0, kCardWidth, kCardHeight / 2));
     ASSERT_TRUE(after);
     const double gray = (after->blue + after->green + after->red) / 3;
     EXPECT_NEAR(gray, (120 + 150 + 175) / 3.0, 1.0);
@@ -58,28 +59,28 @@ TEST(WhiteBalance, RegionOverGrayCardTurnsItNeutral)
 TEST(WhiteBalance, RegionsThatCannotBalance)
 {
     const auto bits = CardScene();
-    const auto clipped = RegionMeans(bits.data(), kWidth, kHeight, QRect(-10, -10, 20, 20));
-    const auto inside = RegionMeans(bits.data(), kWidth, kHeight, QRect(0, 0, 10, 10));
+    const auto clipped = RegionMeans(bits.data(), kCardWidth, kCardHeight, QRect(-10, -10, 20, 20));
+    const auto inside = RegionMeans(bits.data(), kCardWidth, kCardHeight, QRect(0, 0, 10, 10));
     ASSERT_TRUE(clipped && inside);
     EXPECT_DOUBLE_EQ(clipped->green, inside->green);
-    EXPECT_FALSE(RegionMeans(bits.data(), kWidth, kHeight, QRect(kWidth, 0, 5, 5)));
-    EXPECT_FALSE(RegionMeans(nullptr, kWidth, kHeight, QRect(0, 0, 5, 5)));
+    EXPECT_FALSE(RegionMeans(bits.data(), kCardWidth, kCardHeight, QRect(kCardWidth, 0, 5, 5)));
+    EXPECT_FALSE(RegionMeans(nullptr, kCardWidth, kCardHeight, QRect(0, 0, 5, 5)));
     EXPECT_FALSE(GainsToGray({ 100, 0, 80 }));
 }
 
 // Gains stop at 255 and leave the row padding alone.
 TEST(WhiteBalance, GainsSaturateAndKeepPadding)
 {
-    const std::size_t stride = DibStride(kWidth);
+    const std::size_t stride = DibStride(kCardWidth);
     std::vector<uchar> bits(stride * 2, 0x5A);
-    for (unsigned x = 0; x < kWidth * 3; ++x)
+    for (unsigned x = 0; x < kCardWidth * 3; ++x)
         bits[x] = bits[stride + x] = 200;
-    ApplyGains(bits.data(), kWidth, 2, { 0.5, 1.0, 2.0 });
+    ApplyGains(bits.data(), kCardWidth, 2, { 0.5, 1.0, 2.0 });
     EXPECT_EQ(bits[0], 100);
     EXPECT_EQ(bits[1], 200);
     EXPECT_EQ(bits[2], 255);
     for (std::size_t row : { 0, 1 })
-        for (std::size_t i = kWidth * 3; i < stride; ++i)
+        for (std::size_t i = kCardWidth * 3; i < stride; ++i)
             EXPECT_EQ(bits[row * stride + i], 0x5A) << row;
 }
 

@@ -11,8 +11,8 @@ using namespace MeasureTest;
 
 namespace {
 
-constexpr int kWidth = 200;
-constexpr int kHeight = 150;
+constexpr int kLayerWidth = 200;
+constexpr int kLayerHeight = 150;
 
 // A stand-in that counts how often it is drawn.
 class CountedShape : public TestShape
@@ -32,9 +32,9 @@ struct LiveOverlay
 {
     bool Pass(CGVLElemMgr& mgr)
     {
-        return mgr.DrawToBitsIfChanged(bits.data.data(), kWidth, kHeight, drawnAt);
+        return mgr.DrawToBitsIfChanged(bits.data.data(), kLayerWidth, kLayerHeight, drawnAt);
     }
-    Bits bits { kWidth, kHeight };
+    Bits bits { kLayerWidth, kLayerHeight };
     std::optional<std::uint64_t> drawnAt;
 };
 
@@ -60,13 +60,13 @@ TEST(ShapeLayer, LivePassDrawsWhatAWholeDrawingShows)
         ASSERT_NE(mgr.CreateShape(ShapeType::Ruler), nullptr);
         mgr.SetRulerShown(true);
         for (int i = 0; i < 110; ++i)
-            Click(mgr, 202, { 5 + pick(kWidth - 10), 5 + pick(kHeight - 10) });
+            Click(mgr, 202, { 5 + pick(kLayerWidth - 10), 5 + pick(kLayerHeight - 10) });
         CShapeHistory history(mgr, 50);
         LiveOverlay live;
         QPoint at(100, 75);
         auto next = [&] {
-            return at
-                = pick(4) ? at + QPoint(pick(31) - 15, pick(31) - 15) : QPoint(pick(kWidth), pick(kHeight));
+            return at = pick(4) ? at + QPoint(pick(31) - 15, pick(31) - 15)
+                                : QPoint(pick(kLayerWidth), pick(kLayerHeight));
         };
         int layered = 0;
         for (int step = 0; step < 150; ++step) {
@@ -89,7 +89,7 @@ TEST(ShapeLayer, LivePassDrawsWhatAWholeDrawingShows)
                 for (int i = pick(4); i > 0; --i) {
                     mgr.OnMouseMove(1, next(), tool);
                     if (pick(2) && live.Pass(mgr)) {
-                        ASSERT_EQ(live.bits.data, DrawBits(mgr, kWidth, kHeight).data)
+                        ASSERT_EQ(live.bits.data, DrawBits(mgr, kLayerWidth, kLayerHeight).data)
                             << where << " mid-drag";
                     }
                 }
@@ -98,7 +98,7 @@ TEST(ShapeLayer, LivePassDrawsWhatAWholeDrawingShows)
             history.Commit();
             if (live.Pass(mgr)) {
                 layered += mgr.m_arShape.size() >= 100;
-                ASSERT_EQ(live.bits.data, DrawBits(mgr, kWidth, kHeight).data) << where;
+                ASSERT_EQ(live.bits.data, DrawBits(mgr, kLayerWidth, kLayerHeight).data) << where;
             }
         }
         EXPECT_GT(layered, 50) << "seed " << seed << ": the layer was seldom in use";
@@ -115,7 +115,8 @@ TEST(ShapeLayer, OnlyWhatChangedIsDrawnAgain)
     mgr.m_arShape.push_back(std::make_unique<CountedShape>(mgr, 9, QPoint(1, 1)));
     std::vector<CountedShape*> old;
     for (int i = 0; i < 2000; ++i) {
-        mgr.m_arShape.push_back(std::make_unique<CountedShape>(mgr, 2, QPoint(i % kWidth, i % kHeight)));
+        mgr.m_arShape.push_back(
+            std::make_unique<CountedShape>(mgr, 2, QPoint(i % kLayerWidth, i % kLayerHeight)));
         old.push_back(static_cast<CountedShape*>(mgr.m_arShape.back().get()));
     }
     mgr.NoteChange();
@@ -135,7 +136,7 @@ TEST(ShapeLayer, OnlyWhatChangedIsDrawnAgain)
         Click(mgr, 202, { 20 + 10 * marker, 40 });
         ASSERT_TRUE(live.Pass(mgr));
         EXPECT_LE(drawn() - before, 1) << "marker " << marker;
-        EXPECT_EQ(live.bits.data, DrawBits(mgr, kWidth, kHeight).data);
+        EXPECT_EQ(live.bits.data, DrawBits(mgr, kLayerWidth, kLayerHeight).data);
     }
     EXPECT_FALSE(live.Pass(mgr)) << "nothing changed";
 
