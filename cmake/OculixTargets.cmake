@@ -4,6 +4,11 @@ function(oculix_target_settings target)
   if(OCULIX_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
+  if(CMAKE_UNITY_BUILD)
+    # A unity build includes each source into another, and GCC then takes the
+    # sources' anonymous-namespace types for a header's.
+    target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+  endif()
   if(OCULIX_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${OCULIX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(${target} PRIVATE -fsanitize=${OCULIX_SANITIZE})
