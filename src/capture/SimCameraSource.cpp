@@ -120,10 +120,10 @@ SimStage::Options StageOptions(QSize frame)
 }
 
 // The frame number the relief is drawn at: its drift goes back and forth
-// over a minute instead of carrying the specimen out of the field.
+// over 20 s instead of carrying the specimen out of the field.
 std::uint64_t DepthDriftFrame(std::uint64_t frame, bool drift)
 {
-    constexpr std::uint64_t kPeriod = 1800;
+    constexpr std::uint64_t kPeriod = 600;
     if (!drift)
         return 0;
     const std::uint64_t phase = frame % kPeriod;
