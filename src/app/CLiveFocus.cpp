@@ -72,7 +72,7 @@ void CLiveFocus::StartStack()
         return;
     m_stack = std::make_unique<LiveFocusStack>();
     m_lastFrame = -1;
-    m_coverageKey = 0;
+    m_shownCoverage = QImage();
     // The frames before the overlay: the shapes are no part of the specimen.
     m_document.GetGraph().KeepCleanFrames(true);
     ShowStatus(tr("Focus stacking: sweep the focus through the specimen, then choose Focus Stack again."));
@@ -168,8 +168,8 @@ void CLiveFocus::Tick()
                 m_lastFrame = frames;
         }
         const QImage coverage = m_stack->Coverage();
-        if (!coverage.isNull() && coverage.cacheKey() != m_coverageKey) {
-            m_coverageKey = coverage.cacheKey();
+        if (!coverage.isNull() && coverage != m_shownCoverage) {
+            m_shownCoverage = coverage;
             graph.SetCoverage(coverage, kCoverageColour);
         }
     }

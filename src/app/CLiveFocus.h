@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QObject>
 #include <QRgb>
 
@@ -54,5 +55,5 @@ private:
     bool m_peaking = false;
     std::unique_ptr<LiveFocusStack> m_stack;
     int m_lastFrame = -1;
-    qint64 m_coverageKey = 0;
+    QImage m_shownCoverage;
 };

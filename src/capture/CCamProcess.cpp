@@ -125,8 +125,9 @@ void CCamProcess::SetFocusPeaking(bool on, QRgb colour)
 
 void CCamProcess::SetCoverage(const QImage& coverage, QRgb colour)
 {
-    Update([&coverage, colour](State& s) {
-        s.coverage = coverage;
+    auto own = coverage.isNull() ? nullptr : std::make_shared<const QImage>(coverage.copy());
+    Update([&own, colour](State& s) {
+        s.coverage = std::move(own);
         s.coverageColour = colour;
     });
 }
@@ -274,11 +275,11 @@ void CCamProcess::ProcessFrame(
         frame.unlock();
 
     const bool peaking = s.enable && s.peaking;
-    const bool tint = s.enable && !s.coverage.isNull();
+    const bool tint = s.enable && s.coverage;
     // The focus aids, on the frame as processed and before the overlay.
     const auto mark = [&](uchar* rows, std::ptrdiff_t step) {
         if (tint)
-            FocusPeaking::Tint(rows, step, width, height, s.coverage, s.coverageColour);
+            FocusPeaking::Tint(rows, step, width, height, *s.coverage, s.coverageColour);
         if (peaking)
             m_sharpness = FocusPeaking::Mark(rows, step, width, height, s.peakColour);
     };

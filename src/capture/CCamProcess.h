@@ -112,7 +112,9 @@ private:
         bool keepHistogram = false;
         bool peaking = false;
         QRgb peakColour = 0;
-        QImage coverage;
+        // A copy of the element's own, never shared with the caller's
+        // picture: frames read it on the streaming thread.
+        std::shared_ptr<const QImage> coverage;
         QRgb coverageColour = 0;
     };
     template <typename Fn> int Update(Fn&& fn);

@@ -126,8 +126,10 @@ int LiveFocusStack::Kept() const
 
 QImage LiveFocusStack::Coverage() const
 {
+    // A copy of its own: pictures that share their pixels count their users
+    // in a way the thread checker cannot follow.
     std::lock_guard lock(m_mutex);
-    return m_coverage;
+    return m_coverage.copy();
 }
 
 QString LiveFocusStack::ErrorString() const

@@ -116,3 +116,29 @@ TEST(FocusPeaking, LiveElementMarksUnderTheOverlayAndOffChangesNothing)
     EXPECT_EQ(Processed(process, src), withOverlay);
     process.SetOverlay(0, nullptr);
 }
+
+// The stack's coverage tints the picture where its map says, the map's top
+// on the picture's top (the element's rows run bottom-up); taken away, the
+// frames are as before.
+TEST(FocusPeaking, CoverageTintsItsPartOfThePictureAndGoesAway)
+{
+    const std::vector<uchar> src = TwoEdges();
+    CCamProcess process;
+    const std::vector<uchar> plain = Processed(process, src);
+    // 4 x 2 blocks: the top row's left half covered.
+    QImage coverage(4, 2, QImage::Format_Grayscale8);
+    coverage.fill(0);
+    coverage.scanLine(0)[0] = coverage.scanLine(0)[1] = 255;
+    process.SetCoverage(coverage, qRgb(0, 0, 255));
+    const std::vector<uchar> tinted = Processed(process, src);
+    const auto at = [&](const std::vector<uchar>& bits, unsigned x, unsigned pictureY) {
+        return bits.data() + (kHeight - 1 - pictureY) * DibStride(kWidth) + 3 * x;
+    };
+    // Picture row 5 is in the top half, row 30 in the bottom one.
+    EXPECT_EQ(at(tinted, 5, 5)[0], (3 * at(plain, 5, 5)[0] + 255 + 2) / 4) << "blue a quarter of the way";
+    EXPECT_EQ(at(tinted, 5, 5)[2], (3 * at(plain, 5, 5)[2] + 2) / 4);
+    EXPECT_EQ(at(tinted, 5, 30)[0], at(plain, 5, 30)[0]);
+    EXPECT_EQ(at(tinted, 45, 5)[0], at(plain, 45, 5)[0]) << "the right half is not covered";
+    process.SetCoverage(QImage(), 0);
+    EXPECT_EQ(Processed(process, src), plain);
+}
