@@ -112,12 +112,12 @@ CDocument* CLiveFocus::FinishStack()
         const QString why = stack->ErrorString();
         MessageBox(why.isEmpty() ? tr("No frame reached the focus stack: the camera sent none.")
                                  : tr("The focus stack could not be made: %1").arg(why),
-            QString(), MB_OK | MB_ICONWARNING);
+            tr("Focus Stack"), MB_OK | MB_ICONWARNING);
         return nullptr;
     }
     if (!stack->ErrorString().isEmpty())
         MessageBox(tr("Some frames were left out of the focus stack: %1").arg(stack->ErrorString()),
-            QString(), MB_OK | MB_ICONWARNING);
+            tr("Focus Stack"), MB_OK | MB_ICONWARNING);
     // Both in the live picture's geometry: its calibration holds for them.
     const CalibrationRecord unit = m_document.GetElemMgr().GetUnit();
     const auto open = [&](const QImage& picture, const QString& title) {
