@@ -189,6 +189,13 @@ void CMeasureView::keyPressEvent(QKeyEvent* event)
     default:
         break;
     }
+    // On the simulated relief Page Up / Page Down turn the focus knob.
+    const int focusStep = event->key() == Qt::Key_PageUp ? 2 : event->key() == Qt::Key_PageDown ? -2 : 0;
+    if (focusStep && m_document.IsLive()
+        && FocusSimCamera(m_document.GetGraph().DeviceElement(), focusStep)) {
+        event->accept();
+        return;
+    }
     if (!direction.isNull() && m_document.IsLive()) {
         const QSize field = m_document.GetImageSize();
         const double share = event->modifiers() & Qt::ShiftModifier ? 0.5 : 0.1;
