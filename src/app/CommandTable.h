@@ -67,6 +67,8 @@ constexpr int ID_VIDEO_RESOLUTION = 32917;
 constexpr int ID_VIDEO_PROPERTIES = 32918;
 constexpr int ID_VIDEO_FLAT_FIELD = 33301;
 constexpr int ID_VIDEO_WHITE_BALANCE = 33302;
+// Stitches the live picture into one as the stage moves; again: stops.
+constexpr int ID_VIDEO_MOSAIC = 33310;
 
 constexpr int ID_PROCESS_FLIP = 32904;
 constexpr int ID_PROCESS_MIRROR = 32905;

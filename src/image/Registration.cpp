@@ -294,4 +294,36 @@ Match Refine(const Prepared& reference, const Prepared& moving, cv::Point2d star
     return result;
 }
 
+double Agreement(const Prepared& reference, const Prepared& moving, cv::Point2d shift)
+{
+    constexpr int kBlocks = 4;
+    constexpr int kSmallestBlock = 8;
+    constexpr double kBlockNcc = 0.4;
+    if (reference.levels.empty() || moving.levels.empty())
+        return 0.0;
+    // Half size is plenty to tell agreement from chance and costs a quarter.
+    const int level = std::min(1, int(std::min(reference.levels.size(), moving.levels.size())) - 1);
+    const double factor = std::ldexp(1.0, -level);
+    const cv::Mat& ref = reference.levels[level];
+    const cv::Mat& mov = moving.levels[level];
+    const cv::Point whole(int(std::lround(shift.x * factor)), int(std::lround(shift.y * factor)));
+    const cv::Rect overlap
+        = OverlapInMoving(ref.size(), mov.size(), whole, 1, int(std::ceil(kEdge * factor)));
+    const int across = std::min(kBlocks, overlap.width / kSmallestBlock);
+    const int down = std::min(kBlocks, overlap.height / kSmallestBlock);
+    if (across < 1 || down < 1)
+        return 0.0;
+    int agreeing = 0;
+    for (int by = 0; by < down; ++by) {
+        for (int bx = 0; bx < across; ++bx) {
+            const int x0 = overlap.x + overlap.width * bx / across;
+            const int y0 = overlap.y + overlap.height * by / down;
+            const cv::Rect block(x0, y0, overlap.x + overlap.width * (bx + 1) / across - x0,
+                overlap.y + overlap.height * (by + 1) / down - y0);
+            agreeing += Ncc(mov(block), ref(block + whole)) >= kBlockNcc;
+        }
+    }
+    return double(agreeing) / (across * down);
+}
+
 } // namespace Registration

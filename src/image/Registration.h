@@ -45,6 +45,11 @@ Match Coarse(const Prepared& reference, const Prepared& moving, double minOverla
 // off, the overlap is too small or the views disagree there.
 Match Refine(const Prepared& reference, const Prepared& moving, cv::Point2d start, double minOverlap);
 
+// The share of the overlap's blocks in which the views agree at `shift`: a
+// chance likeness of one strong feature (a scale repeated on the specimen)
+// agrees in the blocks that hold it, a true match in nearly all of them.
+double Agreement(const Prepared& reference, const Prepared& moving, cv::Point2d shift);
+
 // The frame (any depth and channels) sampled on a grid of `size` whose first
 // point is `at`, by cubic convolution with exact weights, as float:
 // warpAffine rounds positions to 1/32 pixel, too coarse for the refinement

@@ -95,18 +95,28 @@ struct Stitcher::Impl
 
     double Shading(double r2) const { return shadingA * r2 + shadingB * r2 * r2; }
 
-    bool Place(Tile& tile, QString* why);
+    bool Place(Tile& tile, std::optional<cv::Point2d> near, QString* why);
+    double Uncovered(const Tile& tile) const;
     bool Verify(Tile& tile, cv::Point2d guess);
     void EstimateShading();
     const std::pair<cv::Mat, cv::Mat>& WeightsFor(cv::Size size);
 };
 
-bool Stitcher::Impl::Place(Tile& tile, QString* why)
+bool Stitcher::Impl::Place(Tile& tile, std::optional<cv::Point2d> near, QString* why)
 {
     // The most recent pictures first: a scan moves on from the last one, so
-    // the search usually ends at the first. A chance likeness is caught by
-    // Verify, against every picture the guess would overlap.
-    for (int i = int(tiles.size()) - 1; i >= 0; --i) {
+    // the search usually ends at the first. Where the frame is expected, the
+    // pictures it would share most with go before them. A chance likeness is
+    // caught by Verify, against every picture the guess would overlap.
+    std::vector<std::pair<double, int>> order;
+    for (int i = 0; i < int(tiles.size()); ++i) {
+        const double share = near ? Registration::OverlapFraction(tiles[size_t(i)].prepared.Size(),
+                                 tile.prepared.Size(), *near - tiles[size_t(i)].position)
+                                  : 0.0;
+        order.emplace_back(share, i);
+    }
+    std::stable_sort(order.rbegin(), order.rend());
+    for (const auto& [share, i] : order) {
         const Registration::Match coarse
             = Registration::Coarse(tiles[size_t(i)].prepared, tile.prepared, options.minOverlap);
         if (coarse.ok && Verify(tile, tiles[size_t(i)].position + coarse.shift))
@@ -137,8 +147,11 @@ bool Stitcher::Impl::Verify(Tile& tile, cv::Point2d guess)
     double agreeing = 0.0, disagreeing = 0.0;
     for (const auto& [share, i] : overlapping) {
         const Tile& neighbour = tiles[size_t(i)];
-        const Registration::Match match = Registration::Refine(
+        Registration::Match match = Registration::Refine(
             neighbour.prepared, tile.prepared, guess - neighbour.position, options.minOverlap);
+        if (match.ok && options.minAgreement > 0.0
+            && Registration::Agreement(neighbour.prepared, tile.prepared, match.shift) < options.minAgreement)
+            match.ok = false;
         if (match.ok) {
             estimates.emplace_back(neighbour.position + match.shift, match.weight);
             agreeing += share;
@@ -167,6 +180,27 @@ bool Stitcher::Impl::Verify(Tile& tile, cv::Point2d guess)
     }
     tile.position = position;
     return true;
+}
+
+double Stitcher::Impl::Uncovered(const Tile& tile) const
+{
+    // On a grid over the frame: exact enough to decide whether a frame
+    // earns a tile, and cheap beside the registration.
+    constexpr int kGrid = 16;
+    const cv::Size size = tile.prepared.Size();
+    int outside = 0;
+    for (int gy = 0; gy < kGrid; ++gy) {
+        for (int gx = 0; gx < kGrid; ++gx) {
+            const cv::Point2d at = tile.position
+                + cv::Point2d(size.width * (gx + 0.5) / kGrid, size.height * (gy + 0.5) / kGrid);
+            const bool covered = std::any_of(tiles.begin(), tiles.end(), [&](const Tile& placed) {
+                const cv::Point2d local = at - placed.position;
+                return local.x >= 0 && local.y >= 0 && local.x < placed.rgb.cols && local.y < placed.rgb.rows;
+            });
+            outside += !covered;
+        }
+    }
+    return double(outside) / (kGrid * kGrid);
 }
 
 void Stitcher::Impl::EstimateShading()
@@ -279,28 +313,62 @@ Stitcher::Stitcher(const Options& options)
 
 Stitcher::~Stitcher() = default;
 
-bool Stitcher::Add(const QImage& picture, QString* why)
+namespace {
+
+bool Usable(const QImage& picture, QString* why)
 {
-    if (picture.isNull() || picture.width() < 16 || picture.height() < 16) {
-        if (why)
-            *why = QCoreApplication::translate("Stitcher", "the picture is empty or too small");
-        return false;
-    }
-    Tile tile;
-    tile.rgb = RgbOf(picture);
-    const cv::Mat gray = GrayOf(tile.rgb);
-    tile.prepared = Registration::Prepare(gray);
+    if (!picture.isNull() && picture.width() >= 16 && picture.height() >= 16)
+        return true;
+    if (why)
+        *why = QCoreApplication::translate("Stitcher", "the picture is empty or too small");
+    return false;
+}
+
+// The brightness kept for the shading fit, only for pictures that stay.
+void KeepBrightness(Tile& tile, const cv::Mat& gray)
+{
     cv::Mat brightness;
     gray.convertTo(brightness, CV_32F);
     cv::resize(brightness, tile.logSmall, cv::Size(), kShadingScale, kShadingScale, cv::INTER_AREA);
     cv::GaussianBlur(tile.logSmall, tile.logSmall, cv::Size(), 1.0);
     cv::log(cv::max(tile.logSmall, 1.0f), tile.logSmall);
-    if (!m_impl->tiles.empty() && !m_impl->Place(tile, why))
-        return false;
+}
+
+} // namespace
+
+bool Stitcher::Add(const QImage& picture, QString* why)
+{
+    // No new ground asked for: a picture that fits is always kept.
+    return Track(picture, 0.0, std::nullopt, why).found;
+}
+
+Stitcher::Tracked Stitcher::Track(
+    const QImage& frame, double newGround, std::optional<QPointF> near, QString* why)
+{
+    Tracked result;
+    if (!Usable(frame, why))
+        return result;
+    Tile tile;
+    tile.rgb = RgbOf(frame);
+    const cv::Mat gray = GrayOf(tile.rgb);
+    tile.prepared = Registration::Prepare(gray);
+    if (!m_impl->tiles.empty()) {
+        std::optional<cv::Point2d> expected;
+        if (near)
+            expected = cv::Point2d(near->x(), near->y());
+        if (!m_impl->Place(tile, expected, why))
+            return result;
+    }
+    result.found = true;
+    result.position = QPointF(tile.position.x, tile.position.y);
+    if (!m_impl->tiles.empty() && m_impl->Uncovered(tile) < newGround)
+        return result;
+    KeepBrightness(tile, gray);
     m_impl->tiles.push_back(std::move(tile));
     m_impl->shadingKnown = false;
     m_impl->weights.clear();
-    return true;
+    result.added = true;
+    return result;
 }
 
 int Stitcher::Count() const
