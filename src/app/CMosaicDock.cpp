@@ -66,7 +66,7 @@ bool CMosaicDock::Start(CMeasureDoc* live)
     m_mosaic = std::make_unique<LiveMosaic>();
     m_lastFrame = -1;
     m_shownTracked = -1;
-    m_panel->SetMosaic({}, {}, {}, false);
+    m_panel->SetMosaic({}, {}, {}, {}, false);
     m_panel->SetText(tr("Move the stage slowly over the specimen"));
     show();
     raise();
@@ -93,10 +93,10 @@ void CMosaicDock::Poll()
         return;
     m_shownTracked = status.tracked;
     const LiveMosaic::Preview shown = m_mosaic->Shown();
-    m_panel->SetMosaic(
-        shown.picture, shown.area, QRectF(status.field, QSizeF(status.frameSize)), status.lost);
+    m_panel->SetMosaic(shown.picture, shown.area, shown.covered,
+        QRectF(status.field, QSizeF(status.frameSize)), status.lost);
     m_panel->SetText(status.lost ? tr("Lost: move back over covered ground")
-                                 : tr("Tracking: %n field(s) in the mosaic", nullptr, status.tiles));
+                                 : tr("Tracking; fields in the mosaic: %1").arg(status.tiles));
 }
 
 CDocument* CMosaicDock::Stop()
@@ -106,15 +106,13 @@ CDocument* CMosaicDock::Stop()
     QApplication::setOverrideCursor(Qt::WaitCursor);
     Stitcher& stitcher = m_mosaic->Close();
     const QImage picture = stitcher.Count() > 0 ? stitcher.Compose() : QImage();
-    const int fields = stitcher.Count();
     QApplication::restoreOverrideCursor();
     const CalibrationRecord unit = m_live ? m_live->GetElemMgr().GetUnit() : m_unit;
     End();
     IDocumentHost* host = IDocumentHost::Instance();
     if (picture.isNull() || !host)
         return nullptr;
-    CDocument* document = host->OpenPictureDocument(
-        picture, tr("Live Mosaic %1 (%n field(s))", nullptr, fields).arg(++m_finished));
+    CDocument* document = host->OpenPictureDocument(picture, tr("Live Mosaic %1").arg(++m_finished));
     // The mosaic is in the live picture's pixels, so its calibration holds.
     if (auto* doc = qobject_cast<CMeasureDoc*>(document))
         doc->GetElemMgr().SetUnit(unit);

@@ -140,6 +140,7 @@ void LiveMosaic::Paint(const QImage& frame, QPointF at)
         m_canvas.picture = std::move(grown);
         m_canvas.area = area;
     }
+    m_canvas.covered = m_canvas.covered.isEmpty() ? field : m_canvas.covered.united(field);
     QPainter painter(&m_canvas.picture);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(

@@ -36,11 +36,13 @@ public:
     };
     // The mosaic as built so far, reduced for display: tiles are laid over
     // one another without blending. `area` is the part of the first frame's
-    // pixel space the picture shows, at `scale` display pixels per pixel.
+    // pixel space the picture shows, at `scale` display pixels per pixel;
+    // the tiles cover `covered` of it.
     struct Preview
     {
         QImage picture;
         QRectF area;
+        QRectF covered;
         double scale = 1.0;
     };
 

@@ -11,10 +11,12 @@ CMosaicPanel::CMosaicPanel(QWidget* parent)
     setMinimumSize(160, 120);
 }
 
-void CMosaicPanel::SetMosaic(const QImage& picture, const QRectF& area, const QRectF& field, bool lost)
+void CMosaicPanel::SetMosaic(
+    const QImage& picture, const QRectF& area, const QRectF& covered, const QRectF& field, bool lost)
 {
     m_picture = picture;
     m_area = area;
+    m_covered = covered;
     m_field = field;
     m_lost = lost;
     update();
@@ -35,7 +37,7 @@ void CMosaicPanel::paintEvent(QPaintEvent*)
     const int line = fontMetrics().height() + 4;
     const QRectF room = QRectF(rect()).adjusted(4, 4, -4, -4 - line);
     // The field may lie beyond what is built yet: both stay in view.
-    const QRectF shown = m_area.united(m_field);
+    const QRectF shown = m_covered.united(m_field);
     if (!m_picture.isNull() && shown.width() > 0 && shown.height() > 0 && !room.isEmpty()) {
         const double scale = std::min(room.width() / shown.width(), room.height() / shown.height());
         const QPointF corner = room.center() - QPointF(shown.width(), shown.height()) * scale / 2;
@@ -43,7 +45,9 @@ void CMosaicPanel::paintEvent(QPaintEvent*)
             return QRectF(corner + (r.topLeft() - shown.topLeft()) * scale, r.size() * scale);
         };
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.setClipRect(place(shown));
         painter.drawImage(place(m_area), m_picture);
+        painter.setClipping(false);
         painter.setPen(QPen(m_lost ? QColor(230, 40, 40) : QColor(40, 220, 60), 2));
         painter.setBrush(Qt::NoBrush);
         painter.drawRect(place(m_field));

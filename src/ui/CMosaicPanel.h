@@ -15,9 +15,10 @@ class CMosaicPanel : public QWidget
 public:
     explicit CMosaicPanel(QWidget* parent = nullptr);
 
-    // `area`: the part of the mosaic's plane the picture shows; `field`: the
-    // current field in the same plane.
-    void SetMosaic(const QImage& picture, const QRectF& area, const QRectF& field, bool lost);
+    // `area`: the part of the mosaic's plane the picture shows, of which
+    // `covered` is built; `field`: the current field in the same plane.
+    void SetMosaic(
+        const QImage& picture, const QRectF& area, const QRectF& covered, const QRectF& field, bool lost);
     void SetText(const QString& text);
     QString Text() const { return m_text; }
     bool Lost() const { return m_lost; }
@@ -30,6 +31,7 @@ protected:
 private:
     QImage m_picture;
     QRectF m_area;
+    QRectF m_covered;
     QRectF m_field;
     bool m_lost = false;
     QString m_text;
