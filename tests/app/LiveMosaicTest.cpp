@@ -157,3 +157,40 @@ TEST_F(LiveMosaicTest, CancelOpensNothing)
     EXPECT_FALSE(frame->QueryCommand(ID_VIDEO_MOSAIC).IsEnabled());
     EXPECT_FALSE(dock->Start(live));
 }
+
+// A drag with the right button over the live picture moves the stage so the
+// specimen follows the mouse, at the zoom shown; a left drag draws as ever.
+// Without the stage, a right drag moves nothing.
+TEST_F(LiveMosaicTest, RightDragMovesTheStageWhileItIsShown)
+{
+    const QPointF start(200, 200);
+    StartOnStage(start);
+    CMeasureView* view = ActiveView();
+    ASSERT_NE(view, nullptr);
+    QWidget* wnd = view->GetOverlayWnd();
+    const double scale = double(wnd->width()) / live->GetImageSize().width();
+    const auto rightDrag = [wnd](QPoint from, QPoint to) {
+        const auto send = [wnd](QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons held) {
+            QMouseEvent event(type, QPointF(at), QPointF(wnd->mapToGlobal(at)), button, held, Qt::NoModifier);
+            QApplication::sendEvent(wnd, &event);
+        };
+        send(QEvent::MouseButtonPress, from, Qt::RightButton, Qt::RightButton);
+        send(QEvent::MouseMove, (from + to) / 2, Qt::NoButton, Qt::RightButton);
+        send(QEvent::MouseMove, to, Qt::NoButton, Qt::RightButton);
+        send(QEvent::MouseButtonRelease, to, Qt::RightButton, Qt::NoButton);
+    };
+    rightDrag({ 100, 100 }, { 160, 120 });
+    EXPECT_NEAR(Stage().x(), start.x() - 60 / scale, 1e-6);
+    EXPECT_NEAR(Stage().y(), start.y() - 20 / scale, 1e-6);
+
+    const QPointF moved = Stage();
+    const std::size_t shapes = ShapeTypes(*live).size();
+    frame->RouteCommand(ID_MEASURE_LINE);
+    Drag(wnd, { 50, 50 }, { 120, 90 });
+    EXPECT_EQ(Stage(), moved);
+    EXPECT_EQ(ShapeTypes(*live).size(), shapes + 1);
+
+    g_object_set(camera, "stage", FALSE, nullptr);
+    rightDrag({ 100, 100 }, { 10, 10 });
+    EXPECT_EQ(Stage(), moved);
+}
