@@ -17,6 +17,10 @@ struct Prepared
     std::vector<cv::Mat> gradX, gradY; // of each level
     cv::Mat reduced; // CV_32F, at most kSearchSide on its longer side
     double reducedScale = 1.0; // reduced pixels per full pixel
+    // The reduced copy's spectrum at the last padded size the coarse search
+    // asked for: a frame is searched against many, a tile by many frames.
+    mutable cv::Mat spectrum;
+    mutable cv::Size spectrumSize;
     cv::Size Size() const { return levels.empty() ? cv::Size() : levels[0].size(); }
 };
 

@@ -145,14 +145,19 @@ bool Stitcher::Impl::Verify(Tile& tile, cv::Point2d guess)
     // A chance likeness of a small overlap is contradicted by the pictures
     // that the guess would have it share more with.
     double agreeing = 0.0, disagreeing = 0.0;
+    // Each neighbour gives an estimate of its own; starting it where the
+    // first one ended only spares the refinement most of its steps.
+    cv::Point2d start = guess;
     for (const auto& [share, i] : overlapping) {
         const Tile& neighbour = tiles[size_t(i)];
         Registration::Match match = Registration::Refine(
-            neighbour.prepared, tile.prepared, guess - neighbour.position, options.minOverlap);
+            neighbour.prepared, tile.prepared, start - neighbour.position, options.minOverlap);
         if (match.ok && options.minAgreement > 0.0
             && Registration::Agreement(neighbour.prepared, tile.prepared, match.shift) < options.minAgreement)
             match.ok = false;
         if (match.ok) {
+            if (estimates.empty())
+                start = neighbour.position + match.shift;
             estimates.emplace_back(neighbour.position + match.shift, match.weight);
             agreeing += share;
         } else {
