@@ -95,14 +95,14 @@ struct Stitcher::Impl
 
     double Shading(double r2) const { return shadingA * r2 + shadingB * r2 * r2; }
 
-    bool Place(Tile& tile, std::optional<cv::Point2d> near, QString* why);
+    bool Place(Tile& tile, std::optional<cv::Point2d> near, int neighbours, QString* why);
     double Uncovered(const Tile& tile) const;
-    bool Verify(Tile& tile, cv::Point2d guess);
+    bool Verify(Tile& tile, cv::Point2d guess, int neighbours);
     void EstimateShading();
     const std::pair<cv::Mat, cv::Mat>& WeightsFor(cv::Size size);
 };
 
-bool Stitcher::Impl::Place(Tile& tile, std::optional<cv::Point2d> near, QString* why)
+bool Stitcher::Impl::Place(Tile& tile, std::optional<cv::Point2d> near, int neighbours, QString* why)
 {
     // The most recent pictures first: a scan moves on from the last one, so
     // the search usually ends at the first. Where the frame is expected, the
@@ -119,7 +119,7 @@ bool Stitcher::Impl::Place(Tile& tile, std::optional<cv::Point2d> near, QString*
     for (const auto& [share, i] : order) {
         const Registration::Match coarse
             = Registration::Coarse(tiles[size_t(i)].prepared, tile.prepared, options.minOverlap);
-        if (coarse.ok && Verify(tile, tiles[size_t(i)].position + coarse.shift))
+        if (coarse.ok && Verify(tile, tiles[size_t(i)].position + coarse.shift, neighbours))
             return true;
     }
     if (why)
@@ -127,7 +127,7 @@ bool Stitcher::Impl::Place(Tile& tile, std::optional<cv::Point2d> near, QString*
     return false;
 }
 
-bool Stitcher::Impl::Verify(Tile& tile, cv::Point2d guess)
+bool Stitcher::Impl::Verify(Tile& tile, cv::Point2d guess, int neighbours)
 {
     // Averaging the estimates against every neighbour keeps errors from
     // adding up along a long scan.
@@ -139,8 +139,8 @@ bool Stitcher::Impl::Verify(Tile& tile, cv::Point2d guess)
             overlapping.emplace_back(share, i);
     }
     std::sort(overlapping.rbegin(), overlapping.rend());
-    if (overlapping.size() > size_t(kNeighbours))
-        overlapping.resize(kNeighbours);
+    if (overlapping.size() > size_t(neighbours))
+        overlapping.resize(size_t(neighbours));
     std::vector<std::pair<cv::Point2d, double>> estimates;
     // A chance likeness of a small overlap is contradicted by the pictures
     // that the guess would have it share more with.
@@ -361,13 +361,28 @@ Stitcher::Tracked Stitcher::Track(
         std::optional<cv::Point2d> expected;
         if (near)
             expected = cv::Point2d(near->x(), near->y());
-        if (!m_impl->Place(tile, expected, why))
+        // Most live frames pass over covered ground and only say where the
+        // stage is: one neighbour places them well enough. A frame that is
+        // kept is placed against all of them, so errors do not add up.
+        const bool mayStay = newGround <= 0.0;
+        if (!m_impl->Place(tile, expected, mayStay ? kNeighbours : 1, why))
             return result;
+        if (!mayStay) {
+            if (m_impl->Uncovered(tile) < newGround) {
+                result.found = true;
+                result.position = QPointF(tile.position.x, tile.position.y);
+                return result;
+            }
+            if (!m_impl->Verify(tile, tile.position, kNeighbours)) {
+                if (why)
+                    *why = QCoreApplication::translate(
+                        "Stitcher", "the pictures it overlaps disagree about where it lies");
+                return result;
+            }
+        }
     }
     result.found = true;
     result.position = QPointF(tile.position.x, tile.position.y);
-    if (!m_impl->tiles.empty() && m_impl->Uncovered(tile) < newGround)
-        return result;
     KeepBrightness(tile, gray);
     m_impl->tiles.push_back(std::move(tile));
     m_impl->shadingKnown = false;
