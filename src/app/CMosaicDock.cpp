@@ -17,7 +17,7 @@
 namespace {
 
 // Often enough to hand the worker a frame as soon as it is free at 30 fps.
-constexpr int kPollMs = 10;
+constexpr int kMosaicPollMs = 10;
 
 } // namespace
 
@@ -43,7 +43,7 @@ CMosaicDock::CMosaicDock(QWidget* parent)
     setWidget(content);
     connect(m_stop, &QPushButton::clicked, this, [this] { Stop(); });
     connect(m_cancel, &QPushButton::clicked, this, &CMosaicDock::Cancel);
-    m_timer->setInterval(kPollMs);
+    m_timer->setInterval(kMosaicPollMs);
     connect(m_timer, &QTimer::timeout, this, &CMosaicDock::Poll);
     Retranslate();
 }

@@ -11,9 +11,9 @@
 namespace {
 
 // A field's longer side in the display copy.
-constexpr double kPreviewSide = 320.0;
+constexpr double kMosaicPreviewSide = 320.0;
 // Ground shown before the mosaic reaches it.
-const QColor kUncovered(48, 48, 48);
+const QColor kMosaicUncovered(48, 48, 48);
 
 // A frame wrongly placed spoils the mosaic for good, one refused costs a
 // frame of 30 a second: a live mosaic asks for agreement all over.
@@ -121,7 +121,7 @@ void LiveMosaic::Run()
 void LiveMosaic::Paint(const QImage& frame, QPointF at)
 {
     if (m_canvas.picture.isNull())
-        m_canvas.scale = std::min(1.0, kPreviewSide / std::max(frame.width(), frame.height()));
+        m_canvas.scale = std::min(1.0, kMosaicPreviewSide / std::max(frame.width(), frame.height()));
     const double scale = m_canvas.scale;
     const QRectF field(at, QSizeF(frame.size()));
     if (!m_canvas.area.contains(field)) {
@@ -132,7 +132,7 @@ void LiveMosaic::Paint(const QImage& frame, QPointF at)
         const QRectF area = m_canvas.picture.isNull() ? field : m_canvas.area.united(margin);
         QImage grown(int(std::ceil(area.width() * scale)), int(std::ceil(area.height() * scale)),
             QImage::Format_RGB888);
-        grown.fill(kUncovered);
+        grown.fill(kMosaicUncovered);
         if (!m_canvas.picture.isNull()) {
             QPainter painter(&grown);
             painter.drawImage((m_canvas.area.topLeft() - area.topLeft()) * scale, m_canvas.picture);

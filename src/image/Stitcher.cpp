@@ -320,7 +320,7 @@ Stitcher::~Stitcher() = default;
 
 namespace {
 
-bool Usable(const QImage& picture, QString* why)
+bool UsablePicture(const QImage& picture, QString* why)
 {
     if (!picture.isNull() && picture.width() >= 16 && picture.height() >= 16)
         return true;
@@ -351,7 +351,7 @@ Stitcher::Tracked Stitcher::Track(
     const QImage& frame, double newGround, std::optional<QPointF> near, QString* why)
 {
     Tracked result;
-    if (!Usable(frame, why))
+    if (!UsablePicture(frame, why))
         return result;
     Tile tile;
     tile.rgb = RgbOf(frame);
