@@ -5,6 +5,7 @@
 #include "app/CMainFrame.h"
 #include "app/CMeasureDoc.h"
 #include "app/CNoCameraHint.h"
+#include "app/CStageDrag.h"
 #include "app/CommandTable.h"
 #include "capture/SimCameraSource.h"
 #include "capture/SimDeviceProvider.h"
@@ -39,6 +40,7 @@ CMeasureView::CMeasureView(CMeasureDoc& document, QWidget* parent)
     document.GetElemMgr().CreateShape(ShapeType::Ruler);
     document.RestoreStoredShapes();
     m_pOverlayWnd->show();
+    new CStageDrag(document, m_pOverlayWnd);
 
     connect(&document, &CMeasureDoc::layoutNeeded, this, [this] { Layout(); });
     MapCommand(ID_ZOOM, [this] {

@@ -415,6 +415,10 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
         focusUm = s->focusUm;
         drift = s->controls.drift;
         stageTarget = s->stageTarget;
+        // Where the stage goes from now on: "stage-y" set right after
+        // "stage-x" must not take the x from before the move.
+        if (stageTarget.x() >= 0.0 && stageTarget.y() >= 0.0)
+            s->stageAt = stageTarget;
         s->stageTarget = QPointF(-1.0, -1.0);
         if (s->controlsChanged) {
             s->scene->SetControls(s->controls);
