@@ -6,6 +6,7 @@
 #include "capture/CXCapGraph.h"
 #include "capture/SimDeviceProvider.h"
 #include "image/ImageProcess.h"
+#include "image/SimDepthScene.h"
 
 #include <QDir>
 #include <QFile>
@@ -107,6 +108,23 @@ void BM_SimCameraFrame(benchmark::State& state, unsigned width, unsigned height,
 BENCHMARK_CAPTURE(BM_SimCameraFrame, yuy2_1280x1024, 1280, 1024, false)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_SimCameraFrame, yuy2_1600x1200, 1600, 1200, false)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_SimCameraFrame, mjpg_1280x1024, 1280, 1024, true)->Unit(benchmark::kMillisecond);
+
+// The camera showing its relief ("depth"): a frame at a steady focus, and one
+// where the focus has just moved (the blur mixed again).
+void BM_SimDepthFrame(benchmark::State& state, bool focusMoves)
+{
+    const int width = 1280, height = 1024;
+    SimDepthScene scene(width, height, SimDepthScene::Options());
+    std::vector<uchar> frame(std::size_t(width) * 2 * height);
+    std::uint64_t n = 0;
+    for (auto _ : state) {
+        const double focus = focusMoves ? double(n % 60) : 30.0;
+        CSimScene::Yuy2FromRgb(scene.Frame(focus, n++), frame.data(), std::size_t(width) * 2);
+        benchmark::DoNotOptimize(frame.data());
+    }
+}
+BENCHMARK_CAPTURE(BM_SimDepthFrame, yuy2_1280x1024_steady, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_SimDepthFrame, yuy2_1280x1024_focusing, true)->Unit(benchmark::kMillisecond);
 
 // Demo camera formats: 0 YUY2 640x480, 1 YUY2 1280x1024, 3 MJPG 1280x1024.
 BENCHMARK_CAPTURE(BM_LivePipeline, preview_yuy2_1280x1024, 1, false, false)->Iterations(1)->UseManualTime();

@@ -6,7 +6,8 @@
 //   divided out, then rounded);
 // - how neutral a gray card is after one white balance over it, through the
 //   still path's gains and the live path's offsets;
-// - what the flat field and the histogram add to the processing element's
+// - what the flat field, the histogram and focus peaking add to the
+//   processing element's
 //   frame, on one core.
 // The quality tables are printed once, before the timings.
 #include "capture/CCamProcess.h"
@@ -177,7 +178,7 @@ void QualityTables()
 // as the element gets them.
 struct Element
 {
-    Element(bool flat, bool histogram)
+    Element(bool flat, bool histogram, bool peaking = false)
     {
         std::mt19937 rng(3);
         src = Shaded(Scene(), rng);
@@ -188,6 +189,7 @@ struct Element
             process.SetFlatField(
                 std::make_shared<FlatField>(FlatField::FromFrames(blank, nullptr, kWidth, kHeight)));
         process.KeepHistograms(histogram);
+        process.SetFocusPeaking(peaking, qRgb(0, 255, 0));
     }
     void Frame()
     {
@@ -209,9 +211,9 @@ double ThreadSeconds()
 
 // Processor time of one frame on this thread, in ms: the least of several
 // batches, since the machine is shared.
-double FrameCost(bool flat, bool histogram)
+double FrameCost(bool flat, bool histogram, bool peaking = false)
 {
-    Element element(flat, histogram);
+    Element element(flat, histogram, peaking);
     double best = 1e9;
     for (int batch = 0; batch < 7; ++batch) {
         const double start = ThreadSeconds();
@@ -234,10 +236,12 @@ void CostTable()
         const char* name;
         bool flat;
         bool histogram;
+        bool peaking;
     };
-    for (const Row& row : { Row { "flat field", true, false }, Row { "histogram", false, true },
-             Row { "flat field + histogram", true, true } }) {
-        const double cost = FrameCost(row.flat, row.histogram);
+    for (const Row& row : { Row { "flat field", true, false, false }, Row { "histogram", false, true, false },
+             Row { "flat field + histogram", true, true, false },
+             Row { "focus peaking", false, false, true } }) {
+        const double cost = FrameCost(row.flat, row.histogram, row.peaking);
         std::printf("%-44s %10.3f %10.3f\n", row.name, cost, cost - plain);
     }
     std::printf("\n");
@@ -255,9 +259,9 @@ BENCHMARK(BM_QualityTables)->Iterations(1)->Unit(benchmark::kSecond);
 
 // The processing element's frame with neither, the flat field, the
 // histogram and both; the difference to the first is what they add.
-void BM_ElementFrame(benchmark::State& state, bool flat, bool histogram)
+void BM_ElementFrame(benchmark::State& state, bool flat, bool histogram, bool peaking = false)
 {
-    Element element(flat, histogram);
+    Element element(flat, histogram, peaking);
     for (auto _ : state) {
         element.Frame();
         benchmark::DoNotOptimize(element.dst.data());
@@ -267,5 +271,7 @@ BENCHMARK_CAPTURE(BM_ElementFrame, plain_1280x1024, false, false)->Unit(benchmar
 BENCHMARK_CAPTURE(BM_ElementFrame, flat_field_1280x1024, true, false)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_ElementFrame, histogram_1280x1024, false, true)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_ElementFrame, flat_field_histogram_1280x1024, true, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ElementFrame, focus_peaking_1280x1024, false, false, true)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "app/CDocument.h"
 #include "app/CHistogramDock.h"
 #include "app/CMeasureDoc.h"
+#include "app/CMosaicDock.h"
 #include "app/CommandTable.h"
 #include "platform/DebugLog.h"
 #include "platform/KeyLockState.h"
@@ -106,6 +107,9 @@ CMainFrame::CMainFrame(int langId, QWidget* parent)
         this);
     addDockWidget(Qt::RightDockWidgetArea, m_histogramDock);
     m_histogramDock->hide();
+    m_mosaicDock = new CMosaicDock(this);
+    addDockWidget(Qt::RightDockWidgetArea, m_mosaicDock);
+    m_mosaicDock->hide();
     MapFrameCommands();
 
     if (langId == kSimplifiedChinese) {
@@ -143,6 +147,8 @@ CMainFrame::~CMainFrame()
     // Before the widget's own end hides it: its graphs come from this frame.
     delete m_histogramDock;
     m_histogramDock = nullptr;
+    delete m_mosaicDock;
+    m_mosaicDock = nullptr;
 }
 
 void CMainFrame::CreateActions()
@@ -285,6 +291,15 @@ void CMainFrame::MapFrameCommands()
     MapUpdate(ID_VIEW_STATUS_BAR, [this](CCmdUI& ui) { ui.SetCheck(!statusBar()->isHidden()); });
     MapCommand(ID_VIEW_HISTOGRAM, [this] { m_histogramDock->setVisible(m_histogramDock->isHidden()); });
     MapUpdate(ID_VIEW_HISTOGRAM, [this](CCmdUI& ui) { ui.SetCheck(!m_histogramDock->isHidden()); });
+    MapCommand(ID_VIDEO_MOSAIC, [this] {
+        m_mosaicDock->Running() ? void(m_mosaicDock->Stop())
+                                : void(m_mosaicDock->Start(CMeasureDoc::GetLiveDocument()));
+    });
+    MapUpdate(ID_VIDEO_MOSAIC, [this](CCmdUI& ui) {
+        const CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+        ui.Enable(m_mosaicDock->Running() || (live && live->IsPreviewRunning()));
+        ui.SetCheck(m_mosaicDock->Running());
+    });
 
     MapCommand(ID_WINDOW_CASCADE, [this] {
         m_mdiArea->setViewMode(QMdiArea::SubWindowView);

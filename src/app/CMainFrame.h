@@ -25,6 +25,7 @@ class QToolBar;
 // command goes through RouteCommand: the active child frame (its view, then
 // its document, then itself), this frame, then the application.
 class CHistogramDock;
+class CMosaicDock;
 
 class CMainFrame : public QMainWindow, public CCmdTarget
 {
@@ -64,6 +65,7 @@ public:
     QToolBar* FindToolBar(int toggleId) const;
     QComboBox* GetZoomBox() const { return m_zoomBox; }
     CHistogramDock* GetHistogramDock() const { return m_histogramDock; }
+    CMosaicDock* GetMosaicDock() const { return m_mosaicDock; }
     // The zoom box's position, which is the zoom index.
     int GetZoomIndex() const;
 
@@ -101,6 +103,7 @@ private:
     QComboBox* m_zoomBox = nullptr;
     QTimer* m_idleTimer;
     CHistogramDock* m_histogramDock = nullptr;
+    CMosaicDock* m_mosaicDock = nullptr;
     std::array<QLabel*, 3> m_keyIndicators {};
     CCmdTarget* m_appTarget = nullptr;
     std::map<int, QAction*> m_actions;

@@ -3,6 +3,7 @@
 // in CMeasureDocCommands.cpp.
 #include "app/CMeasureDoc.h"
 
+#include "app/CLiveFocus.h"
 #include "capture/CameraModels.h"
 #include "capture/GrabPicture.h"
 #include "measure/CGVLElemMgr.h"
@@ -25,6 +26,7 @@ CMeasureDoc::CMeasureDoc(bool openingFile, const QString& settingsFile)
     ReadSettings();
     // Undo goes back as far as the calibration the settings gave.
     m_pHistory = std::make_unique<CShapeHistory>(*m_pElemMgr);
+    m_liveFocus = std::make_unique<CLiveFocus>(*this);
     if (!s_pLiveDocument && !m_bOpeningFile) {
         m_graph.SetDeviceName(m_strDevice);
         if (m_graph.InitGraph() == S_OK) {
@@ -43,6 +45,7 @@ CMeasureDoc::CMeasureDoc(bool openingFile, const QString& settingsFile)
 
 CMeasureDoc::~CMeasureDoc()
 {
+    m_liveFocus.reset();
     StopLive();
     m_pCalibrationDlg.reset();
     WriteSettings();

@@ -22,6 +22,7 @@
 
 class CCmdUI;
 class CGVLElemMgr;
+class CLiveFocus;
 class CRulerSettingDlg;
 class CShapeHistory;
 class QWidget;
@@ -193,6 +194,8 @@ public:
     // What the shapes snap to: the picture, or for the live document the
     // frame under the overlay; null while snapping is off.
     QImage SnapPicture() const;
+    // Focus peaking and live focus stacking (CMeasureDocFocus.cpp).
+    CLiveFocus& LiveFocus() { return *m_liveFocus; }
 
 signals:
     // The frame size or the zoom changed: the view lays itself out again.
@@ -220,6 +223,7 @@ private:
     void ReapplyPicture();
     // The record (32902), interval capture (32903) and "&Rgb" (32914) dialogs.
     void MapCaptureDialogs();
+    void MapFocusCommands();
     void OnRecord();
     void OnIntervalCapture();
     void OnRgb();
@@ -285,6 +289,8 @@ private:
     COverlayWorker m_overlay { *m_pElemMgr, OverlayFrames() };
 
     std::unique_ptr<CRulerSettingDlg> m_pCalibrationDlg;
+    // Acts on m_graph; ended before it.
+    std::unique_ptr<CLiveFocus> m_liveFocus;
     bool m_bCalibrationShown = false;
 
     int m_nSaveResolution = 1;

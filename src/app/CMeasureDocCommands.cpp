@@ -169,6 +169,7 @@ void CMeasureDoc::MapCommands()
              ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST, ID_PROCESS_PROPERTIES })
         MapUpdate(id, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
     MapCaptureDialogs();
+    MapFocusCommands();
 }
 
 void CMeasureDoc::DeleteAll()

@@ -5,6 +5,7 @@
 #include "app/CMainFrame.h"
 #include "app/CMeasureDoc.h"
 #include "app/CNoCameraHint.h"
+#include "app/CStageDrag.h"
 #include "app/CommandTable.h"
 #include "capture/SimCameraSource.h"
 #include "capture/SimDeviceProvider.h"
@@ -39,6 +40,7 @@ CMeasureView::CMeasureView(CMeasureDoc& document, QWidget* parent)
     document.GetElemMgr().CreateShape(ShapeType::Ruler);
     document.RestoreStoredShapes();
     m_pOverlayWnd->show();
+    new CStageDrag(document, m_pOverlayWnd);
 
     connect(&document, &CMeasureDoc::layoutNeeded, this, [this] { Layout(); });
     MapCommand(ID_ZOOM, [this] {
@@ -188,6 +190,13 @@ void CMeasureView::keyPressEvent(QKeyEvent* event)
         break;
     default:
         break;
+    }
+    // On the simulated relief Page Up / Page Down turn the focus knob.
+    const int focusStep = event->key() == Qt::Key_PageUp ? 2 : event->key() == Qt::Key_PageDown ? -2 : 0;
+    if (focusStep && m_document.IsLive()
+        && FocusSimCamera(m_document.GetGraph().DeviceElement(), focusStep)) {
+        event->accept();
+        return;
     }
     if (!direction.isNull() && m_document.IsLive()) {
         const QSize field = m_document.GetImageSize();

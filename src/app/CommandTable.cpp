@@ -99,6 +99,16 @@ const CommandInfo kCommands[] = {
         false },
     { ID_VIDEO_WHITE_BALANCE, CMD("&White Balance"), CMD("Make the rectangle drawn over a neutral area gray"),
         nullptr, false },
+    { ID_VIDEO_FOCUS_PEAKING, CMD("Focus Pea&king"), CMD("Mark the edges in focus on the live picture"),
+        nullptr, true },
+    { ID_VIDEO_PEAKING_COLOR, CMD("Focus Peaking &Color..."), CMD("Choose the color of the focus marks"),
+        nullptr, false },
+    { ID_VIDEO_FOCUS_STACK, CMD("F&ocus Stack"),
+        CMD("Start fusing the live frames while you sweep the focus; again to finish"), nullptr, true },
+    { ID_VIDEO_FOCUS_STACK_CANCEL, CMD("&Cancel Focus Stack"), CMD("Stop focus stacking and keep nothing"),
+        nullptr, false },
+    { ID_VIDEO_MOSAIC, CMD("&Mosaic"), CMD("Stitch the live picture into one as the stage moves"), nullptr,
+        true },
     { ID_VIDEO_PROPERTIES, CMD("Video &Properties"), CMD("Adjusting video capture filter properties"),
         nullptr, false },
     { ID_CAMERA_CAPTURE, "", CMD("Capture picture to an active view"), ":/icons/capture.svg", false },
@@ -192,7 +202,8 @@ template <std::size_t N> struct ProcessLayout
 
 constexpr ProcessLayout kProcessMenu(std::array { S, ID_PROCESS_FOCUS_STACK, ID_PROCESS_STITCH });
 constexpr std::array kVideoMenu { ID_VIDEO_DEVICE, ID_VIDEO_RESOLUTION, ID_VIDEO_PROPERTIES, ID_VIDEO_ADJUST,
-    S, ID_VIDEO_FLAT_FIELD, ID_VIDEO_WHITE_BALANCE };
+    S, ID_VIDEO_FLAT_FIELD, ID_VIDEO_WHITE_BALANCE, S, ID_VIDEO_FOCUS_PEAKING, ID_VIDEO_PEAKING_COLOR,
+    ID_VIDEO_FOCUS_STACK, ID_VIDEO_FOCUS_STACK_CANCEL, S, ID_VIDEO_MOSAIC };
 constexpr std::array kWindowMenu { ID_WINDOW_CASCADE, ID_WINDOW_TILE_HORZ, ID_WINDOW_TILE_VERT };
 constexpr std::array kLanguageMenu { ID_LANGUAGE_ENGLISH, ID_LANGUAGE_FRENCH, ID_LANGUAGE_CHINESE };
 constexpr std::array kHelpMenu { ID_HELP_MANUAL, S, ID_APP_ABOUT };

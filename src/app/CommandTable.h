@@ -67,6 +67,13 @@ constexpr int ID_VIDEO_RESOLUTION = 32917;
 constexpr int ID_VIDEO_PROPERTIES = 32918;
 constexpr int ID_VIDEO_FLAT_FIELD = 33301;
 constexpr int ID_VIDEO_WHITE_BALANCE = 33302;
+// Focus aids on the live picture (CLiveFocus).
+constexpr int ID_VIDEO_FOCUS_PEAKING = 33303;
+constexpr int ID_VIDEO_PEAKING_COLOR = 33304;
+constexpr int ID_VIDEO_FOCUS_STACK = 33305;
+constexpr int ID_VIDEO_FOCUS_STACK_CANCEL = 33306;
+// Stitches the live picture into one as the stage moves; again: stops.
+constexpr int ID_VIDEO_MOSAIC = 33310;
 
 constexpr int ID_PROCESS_FLIP = 32904;
 constexpr int ID_PROCESS_MIRROR = 32905;

@@ -3,6 +3,7 @@
 #include "capture/HResult.h"
 #include "image/CorrectedRows.h"
 #include "image/FlatField.h"
+#include "image/FocusPeaking.h"
 #include "image/ImageProcess.h"
 #include "image/ProcessOperations.h"
 
@@ -111,6 +112,29 @@ void CCamProcess::KeepHistograms(bool on)
         std::lock_guard lock(m_histogramMutex);
         m_hasHistogram = false;
     }
+}
+
+void CCamProcess::SetFocusPeaking(bool on, QRgb colour)
+{
+    Update([on, colour](State& s) {
+        s.peaking = on;
+        s.peakColour = colour;
+    });
+    m_sharpness = -1.0;
+}
+
+void CCamProcess::SetCoverage(const QImage& coverage, QRgb colour)
+{
+    auto own = coverage.isNull() ? nullptr : std::make_shared<const QImage>(coverage.copy());
+    Update([&own, colour](State& s) {
+        s.coverage = std::move(own);
+        s.coverageColour = colour;
+    });
+}
+
+double CCamProcess::LastSharpness() const
+{
+    return m_sharpness.load();
 }
 
 bool CCamProcess::LastHistogram(FrameHistogram* histogram) const
@@ -250,10 +274,20 @@ void CCamProcess::ProcessFrame(
     if (!overlay)
         frame.unlock();
 
+    const bool peaking = s.enable && s.peaking;
+    const bool tint = s.enable && s.coverage;
+    // The focus aids, on the frame as processed and before the overlay.
+    const auto mark = [&](uchar* rows, std::ptrdiff_t step) {
+        if (tint)
+            FocusPeaking::Tint(rows, step, width, height, *s.coverage, s.coverageColour);
+        if (peaking)
+            m_sharpness = FocusPeaking::Mark(rows, step, width, height, s.peakColour);
+    };
     if (!overlay) {
         FusedProcess(rows, dst, dstStep, width, height, s.enable ? s.switches : ProcessSwitches(), nullptr);
         if (s.keepClean)
             KeepClean(dst, dstStep, width, height);
+        mark(dst, dstStep);
         return;
     }
 
@@ -269,7 +303,18 @@ void CCamProcess::ProcessFrame(
             break;
         buffer = again;
     }
-    if (s.keepClean) {
+    if (peaking || tint) {
+        // Marked before the overlay is laid over it, so that the shapes'
+        // own lines are not taken for edges in focus.
+        const std::size_t stride = DibStride(width);
+        m_peaked.resize(stride * height);
+        FusedProcess(rows, m_peaked.data(), std::ptrdiff_t(stride), width, height, s.switches, nullptr);
+        if (s.keepClean)
+            KeepClean(m_peaked.data(), std::ptrdiff_t(stride), width, height);
+        mark(m_peaked.data(), std::ptrdiff_t(stride));
+        FusedProcess(PaddedRows(m_peaked.data(), std::ptrdiff_t(stride), width), dst, dstStep, width, height,
+            ProcessSwitches(), buffer);
+    } else if (s.keepClean) {
         // Processed into the kept frame first, then the overlay laid over a
         // copy of it: the same bytes as in one sweep.
         std::lock_guard lock(m_cleanMutex);

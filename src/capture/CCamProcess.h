@@ -64,6 +64,17 @@ public:
     // since they were switched on.
     bool LastHistogram(FrameHistogram* histogram) const;
 
+    // Marks the in-focus edges of each frame in colour (FocusPeaking), after
+    // the operations and under the overlay, and measures its sharpness. Off
+    // by default; off, frames are as without it.
+    void SetFocusPeaking(bool on, QRgb colour);
+    // Any thread: the last marked frame's sharpness; negative when none was
+    // marked since peaking was switched on.
+    double LastSharpness() const;
+    // Tints the frame where coverage (FocusPeaking::Tint) says, with peaking
+    // or without; a null picture: no tint (the default).
+    void SetCoverage(const QImage& coverage, QRgb colour);
+
     // Averages the next `frames` frames as the camera gives them, before the
     // flat field and the operations: a blank field for a new correction.
     // Starts over when the frame size changes meanwhile.
@@ -99,6 +110,12 @@ private:
         bool keepClean = false;
         std::shared_ptr<const FlatField> flatField;
         bool keepHistogram = false;
+        bool peaking = false;
+        QRgb peakColour = 0;
+        // A copy of the element's own, never shared with the caller's
+        // picture: frames read it on the streaming thread.
+        std::shared_ptr<const QImage> coverage;
+        QRgb coverageColour = 0;
     };
     template <typename Fn> int Update(Fn&& fn);
     State Snapshot() const;
@@ -133,6 +150,10 @@ private:
     mutable std::mutex m_histogramMutex;
     FrameHistogram m_histogram;
     bool m_hasHistogram = false;
+
+    // The frame before the overlay, while peaking under one; streaming thread.
+    std::vector<uchar> m_peaked;
+    std::atomic<double> m_sharpness { -1.0 };
 
     std::atomic<int> m_lastWidth { 0 };
     std::atomic<int> m_lastHeight { 0 };

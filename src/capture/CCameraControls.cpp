@@ -22,6 +22,7 @@ constexpr std::pair<const char*, const char*> kSimProperties[] = {
     { "vignetting", "Vignetting" },
     { "noise", "Noise" },
     { "drift", "Drift" },
+    { "focus", "Focus" },
 };
 
 int Ioctl(int fd, unsigned long request, void* arg)
@@ -109,6 +110,13 @@ QList<CameraControl> CCameraControls::QueryProperties() const
         GParamSpec* param = g_object_class_find_property(klass, property);
         if (!param)
             continue;
+        // The focus knob is there only while the camera shows its relief.
+        if (std::strcmp(property, "focus") == 0) {
+            gboolean depth = FALSE;
+            g_object_get(m_source, "depth", &depth, nullptr);
+            if (!depth)
+                continue;
+        }
         CameraControl c;
         c.name = QString::fromLatin1(name);
         c.property = property;

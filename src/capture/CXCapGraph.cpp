@@ -360,6 +360,21 @@ bool CXCapGraph::LastHistogram(FrameHistogram* histogram) const
     return m_processState->LastHistogram(histogram);
 }
 
+void CXCapGraph::SetFocusPeaking(bool on, QRgb colour)
+{
+    m_processState->SetFocusPeaking(on, colour);
+}
+
+void CXCapGraph::SetCoverage(const QImage& coverage, QRgb colour)
+{
+    m_processState->SetCoverage(coverage, colour);
+}
+
+double CXCapGraph::LastSharpness() const
+{
+    return m_processState->LastSharpness();
+}
+
 QImage CXCapGraph::CleanFrame() const
 {
     return m_processState->CleanFrame();

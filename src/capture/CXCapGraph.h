@@ -6,6 +6,7 @@
 
 #include <QImage>
 #include <QPointer>
+#include <QRgb>
 #include <QString>
 #include <QStringList>
 
@@ -145,6 +146,11 @@ public:
     // Each frame's histogram, kept while asked for (see CCamProcess).
     void KeepHistograms(bool on);
     bool LastHistogram(FrameHistogram* histogram) const;
+    // Focus peaking on each frame, and the last frame's sharpness (see
+    // CCamProcess).
+    void SetFocusPeaking(bool on, QRgb colour);
+    double LastSharpness() const;
+    void SetCoverage(const QImage& coverage, QRgb colour);
 
     // The grabber's last frame: with a null buffer, *size becomes the bytes
     // needed (width * height * 3); with a buffer of at least *size bytes, the

@@ -2,6 +2,7 @@
 
 #include "capture/CSimScene.h"
 #include "capture/SimStage.h"
+#include "image/SimDepthScene.h"
 
 #include <gst/base/gstpushsrc.h>
 #include <gst/video/video.h>
@@ -43,10 +44,15 @@ struct SimState
     bool stage = false;
     QPointF stageTarget { -1.0, -1.0 };
     QPointF stageAt;
+    // The specimen with relief ("depth") and the focus over it, micrometres.
+    bool depth = false;
+    int focusUm = kSimFocusDefaultUm;
 
     // Streaming thread only, between set_caps and stop.
     std::unique_ptr<CSimScene> scene;
     std::unique_ptr<SimStage> simStage;
+    // Kept over stops: drawing its blur levels takes a while at large sizes.
+    std::unique_ptr<SimDepthScene> depthScene;
     bool jpeg = false;
     GstVideoInfo info;
     GstClockTime frameDuration = GST_SECOND / 30;
@@ -93,6 +99,8 @@ enum {
     PROP_STAGE,
     PROP_STAGE_X,
     PROP_STAGE_Y,
+    PROP_DEPTH,
+    PROP_FOCUS,
 };
 
 SimState* State(gpointer object)
@@ -109,6 +117,17 @@ SimStage::Options StageOptions(QSize frame)
     options.jitter = 0.2;
     options.noise = 1.5;
     return options;
+}
+
+// The frame number the relief is drawn at: its drift goes back and forth
+// over 20 s instead of carrying the specimen out of the field.
+std::uint64_t DepthDriftFrame(std::uint64_t frame, bool drift)
+{
+    constexpr std::uint64_t kPeriod = 600;
+    if (!drift)
+        return 0;
+    const std::uint64_t phase = frame % kPeriod;
+    return phase < kPeriod / 2 ? phase : kPeriod - phase;
 }
 
 GstCaps* TemplateCaps()
@@ -174,6 +193,12 @@ void SetProperty(GObject* object, guint id, const GValue* value, GParamSpec* psp
     case PROP_STAGE:
         s->stage = g_value_get_boolean(value);
         break;
+    case PROP_DEPTH:
+        s->depth = g_value_get_boolean(value);
+        break;
+    case PROP_FOCUS:
+        s->focusUm = g_value_get_int(value);
+        break;
     case PROP_STAGE_X:
         s->stageTarget = QPointF(
             g_value_get_double(value), s->stageTarget.y() < 0 ? s->stageAt.y() : s->stageTarget.y());
@@ -233,6 +258,12 @@ void GetProperty(GObject* object, guint id, GValue* value, GParamSpec* pspec)
         break;
     case PROP_STAGE:
         g_value_set_boolean(value, s->stage);
+        break;
+    case PROP_DEPTH:
+        g_value_set_boolean(value, s->depth);
+        break;
+    case PROP_FOCUS:
+        g_value_set_int(value, s->focusUm);
         break;
     case PROP_STAGE_X:
         g_value_set_double(value, s->stageTarget.x() >= 0 ? s->stageTarget.x() : s->stageAt.x());
@@ -372,12 +403,22 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
 
     QString name;
     bool stage = false;
+    bool depth = false;
+    int focusUm = 0;
+    bool drift = true;
     QPointF stageTarget;
     {
         std::lock_guard lock(s->mutex);
         name = s->cameraName;
         stage = s->stage;
+        depth = s->depth && !stage;
+        focusUm = s->focusUm;
+        drift = s->controls.drift;
         stageTarget = s->stageTarget;
+        // Where the stage goes from now on: "stage-y" set right after
+        // "stage-x" must not take the x from before the move.
+        if (stageTarget.x() >= 0.0 && stageTarget.y() >= 0.0)
+            s->stageAt = stageTarget;
         s->stageTarget = QPointF(-1.0, -1.0);
         if (s->controlsChanged) {
             s->scene->SetControls(s->controls);
@@ -402,10 +443,16 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
         staged = s->simStage->Capture().picture;
         std::lock_guard lock(s->mutex);
         s->stageAt = s->simStage->Position();
+    } else if (depth) {
+        const int w = int(s->scene->Width()), h = int(s->scene->Height());
+        if (!s->depthScene || s->depthScene->Width() != w || s->depthScene->Height() != h)
+            s->depthScene = std::make_unique<SimDepthScene>(w, h, SimDepthScene::Options());
+        staged = s->depthScene->Frame(focusUm, DepthDriftFrame(s->frame, drift));
     }
     GstBuffer* buffer = nullptr;
     if (s->jpeg) {
-        const QByteArray jpeg = stage ? CSimScene::Jpeg(staged, 80) : s->scene->RenderJpeg(s->frame);
+        const QByteArray jpeg
+            = !staged.isNull() ? CSimScene::Jpeg(staged, 80) : s->scene->RenderJpeg(s->frame);
         buffer = gst_buffer_new_memdup(jpeg.constData(), gsize(jpeg.size()));
     } else {
         buffer = gst_buffer_new_allocate(nullptr, GST_VIDEO_INFO_SIZE(&s->info), nullptr);
@@ -415,7 +462,7 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
             return GST_FLOW_ERROR;
         }
         const std::size_t stride = std::size_t(GST_VIDEO_INFO_PLANE_STRIDE(&s->info, 0));
-        if (stage)
+        if (!staged.isNull())
             CSimScene::Yuy2FromRgb(staged, map.data, stride);
         else
             s->scene->RenderYuy2(s->frame, map.data, stride);
@@ -488,6 +535,12 @@ static void oculix_sim_src_class_init(OculixSimSrcClass* klass)
     g_object_class_install_property(object, PROP_STAGE_Y,
         g_param_spec_double(
             "stage-y", "Stage y", "The field's top edge on the slide, pixels", 0, 1e6, 0, flags));
+    g_object_class_install_property(object, PROP_DEPTH,
+        g_param_spec_boolean("depth", "Depth",
+            "A specimen with relief under a focus knob (default: OCULIX_DEMO_DEPTH=1)", FALSE, flags));
+    g_object_class_install_property(object, PROP_FOCUS,
+        g_param_spec_int("focus", "Focus", "The focus over the relief, micrometres from its lowest point", 0,
+            kSimFocusMaxUm, kSimFocusDefaultUm, flags));
     g_object_class_install_property(object, PROP_FRAMES,
         g_param_spec_int("frames", "Frames", "Frames delivered since start", 0, G_MAXINT, 0,
             GParamFlags(G_PARAM_READABLE | G_PARAM_STATIC_STRINGS)));
@@ -517,6 +570,7 @@ static void oculix_sim_src_init(OculixSimSrc* self)
     self->state = new SimState();
     self->state->cameraName = QStringLiteral("Simulated Microscope Camera");
     self->state->stage = qEnvironmentVariableIntValue("OCULIX_DEMO_STAGE") == 1;
+    self->state->depth = qEnvironmentVariableIntValue("OCULIX_DEMO_DEPTH") == 1;
     gst_video_info_init(&self->state->info);
     GstBaseSrc* base = GST_BASE_SRC(self);
     gst_base_src_set_live(base, TRUE);
@@ -543,6 +597,20 @@ bool MoveSimStage(GstElement* camera, const QPointF& step)
     g_object_get(camera, "stage-x", &x, "stage-y", &y, nullptr);
     g_object_set(
         camera, "stage-x", std::max(0.0, x + step.x()), "stage-y", std::max(0.0, y + step.y()), nullptr);
+    return true;
+}
+
+bool FocusSimCamera(GstElement* camera, int stepUm)
+{
+    GstElementFactory* factory = camera ? gst_element_get_factory(camera) : nullptr;
+    if (!factory || g_strcmp0(GST_OBJECT_NAME(factory), kSimCameraElement) != 0)
+        return false;
+    gboolean depth = FALSE;
+    int focus = 0;
+    g_object_get(camera, "depth", &depth, "focus", &focus, nullptr);
+    if (!depth)
+        return false;
+    g_object_set(camera, "focus", std::clamp(focus + stepUm, 0, kSimFocusMaxUm), nullptr);
     return true;
 }
 

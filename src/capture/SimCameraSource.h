@@ -17,8 +17,11 @@
 // (pixels), "noise-level" (levels, 0 for the mild default), "uneven-light"
 // (0..90 percent), "stage" (bool: frames of SimStage's larger slide instead,
 // on by default when OCULIX_DEMO_STAGE=1), "stage-x" and "stage-y" (the
-// stage's position in slide pixels), "frames" (read-only count of frames
-// delivered since the last start).
+// stage's position in slide pixels), "depth" (bool: frames of SimDepthScene's
+// specimen with relief, with its default options, instead; on by default
+// when OCULIX_DEMO_DEPTH=1; the stage wins when both are on), "focus" (its
+// focus, micrometres above the relief's lowest point), "frames" (read-only
+// count of frames delivered since the last start).
 
 inline constexpr const char* kSimCameraElement = "oculixsimcamsrc";
 
@@ -28,6 +31,14 @@ void RegisterSimCameraSource();
 // Moves the stage of a simulated camera showing its stage ("stage" on) by
 // `step` slide pixels; false, doing nothing, for any other camera.
 bool MoveSimStage(GstElement* camera, const QPointF& step);
+
+// The range of "focus": the default relief's height.
+inline constexpr int kSimFocusMaxUm = 60;
+inline constexpr int kSimFocusDefaultUm = 30;
+
+// Turns the focus knob of a simulated camera showing its relief ("depth" on)
+// by stepUm micrometres; false, doing nothing, for any other camera.
+bool FocusSimCamera(GstElement* camera, int stepUm);
 
 // Faults a test may inject into every running and future camera of a name,
 // as a pulled camera or a slow one would behave.

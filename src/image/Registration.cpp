@@ -126,11 +126,23 @@ double OverlapFraction(cv::Size reference, cv::Size moving, cv::Point2d shift)
 Prepared Prepare(const cv::Mat& gray)
 {
     Prepared out;
-    cv::Mat brightness;
-    gray.convertTo(brightness, CV_32F);
     // In logarithms vignetting and exposure add a smooth term that the
     // high-pass below takes away; the offset keeps dark noise from exploding.
-    cv::log(brightness + 4.0f, brightness);
+    cv::Mat brightness;
+    if (gray.depth() == CV_8U) {
+        // A camera's bytes take 256 values: a table instead of a logarithm
+        // per pixel.
+        static const cv::Mat table = [] {
+            cv::Mat t(1, 256, CV_32F);
+            for (int v = 0; v < 256; ++v)
+                t.at<float>(v) = std::log(float(v) + 4.0f);
+            return t;
+        }();
+        cv::LUT(gray, table, brightness);
+    } else {
+        gray.convertTo(brightness, CV_32F);
+        cv::log(brightness + 4.0f, brightness);
+    }
     cv::Mat fine;
     cv::GaussianBlur(brightness, fine, cv::Size(), 1.0);
     // The slow part: three box filters make a blur as wide as a Gaussian of
@@ -172,14 +184,24 @@ Match Coarse(const Prepared& reference, const Prepared& moving, double minOverla
     // overlap appear once, without wrapping onto another.
     const int width = cv::getOptimalDFTSize(a.cols + b.cols);
     const int height = cv::getOptimalDFTSize(a.rows + b.rows);
-    cv::Mat pa = cv::Mat::zeros(height, width, CV_32F);
-    cv::Mat pb = cv::Mat::zeros(height, width, CV_32F);
-    Tapered(a).copyTo(pa(cv::Rect(0, 0, a.cols, a.rows)));
-    Tapered(b).copyTo(pb(cv::Rect(0, 0, b.cols, b.rows)));
-    cv::Mat fa, fb, cross;
-    cv::dft(pa, fa, cv::DFT_COMPLEX_OUTPUT);
-    cv::dft(pb, fb, cv::DFT_COMPLEX_OUTPUT);
-    cv::mulSpectrums(fa, fb, cross, 0, true);
+    const cv::Size padded(width, height);
+    const auto spectrumOf = [padded](const cv::Mat& view) {
+        cv::Mat p = cv::Mat::zeros(padded, CV_32F);
+        Tapered(view).copyTo(p(cv::Rect(0, 0, view.cols, view.rows)));
+        cv::Mat f;
+        cv::dft(p, f, cv::DFT_COMPLEX_OUTPUT);
+        return f;
+    };
+    const auto cached = [&](const Prepared& view) -> const cv::Mat& {
+        if (view.spectrumSize != padded || view.spectrum.empty()) {
+            view.spectrum = spectrumOf(view.reduced);
+            view.spectrumSize = padded;
+        }
+        return view.spectrum;
+    };
+    cv::Mat cross;
+    cv::mulSpectrums(
+        cached(reference), moving.reducedScale == scale ? cached(moving) : spectrumOf(b), cross, 0, true);
     // Whitening: the phase alone, so a broad bright area does not outweigh detail.
     cv::Mat planes[2];
     cv::split(cross, planes);
@@ -275,7 +297,9 @@ Match Refine(const Prepared& reference, const Prepared& moving, cv::Point2d star
             if (std::abs(s.x - shift.x * factor) > margin + 2 * (level + 1)
                 || std::abs(s.y - shift.y * factor) > margin + 2 * (level + 1))
                 return result;
-            if (step.dot(step) < 1e-6)
+            // A coarser level only hands a start to the next; the full size
+            // settles to a thousandth of a pixel.
+            if (step.dot(step) < (level > 0 ? 1e-4 : 1e-6))
                 break;
         }
         shift = s / factor;
@@ -292,6 +316,38 @@ Match Refine(const Prepared& reference, const Prepared& moving, cv::Point2d star
     result.ok
         = result.ncc >= kMinNcc && OverlapFraction(reference.Size(), moving.Size(), shift) >= minOverlap;
     return result;
+}
+
+double Agreement(const Prepared& reference, const Prepared& moving, cv::Point2d shift)
+{
+    constexpr int kBlocks = 4;
+    constexpr int kSmallestBlock = 8;
+    constexpr double kBlockNcc = 0.4;
+    if (reference.levels.empty() || moving.levels.empty())
+        return 0.0;
+    // Half size is plenty to tell agreement from chance and costs a quarter.
+    const int level = std::min(1, int(std::min(reference.levels.size(), moving.levels.size())) - 1);
+    const double factor = std::ldexp(1.0, -level);
+    const cv::Mat& ref = reference.levels[level];
+    const cv::Mat& mov = moving.levels[level];
+    const cv::Point whole(int(std::lround(shift.x * factor)), int(std::lround(shift.y * factor)));
+    const cv::Rect overlap
+        = OverlapInMoving(ref.size(), mov.size(), whole, 1, int(std::ceil(kEdge * factor)));
+    const int across = std::min(kBlocks, overlap.width / kSmallestBlock);
+    const int down = std::min(kBlocks, overlap.height / kSmallestBlock);
+    if (across < 1 || down < 1)
+        return 0.0;
+    int agreeing = 0;
+    for (int by = 0; by < down; ++by) {
+        for (int bx = 0; bx < across; ++bx) {
+            const int x0 = overlap.x + overlap.width * bx / across;
+            const int y0 = overlap.y + overlap.height * by / down;
+            const cv::Rect block(x0, y0, overlap.x + overlap.width * (bx + 1) / across - x0,
+                overlap.y + overlap.height * (by + 1) / down - y0);
+            agreeing += Ncc(mov(block), ref(block + whole)) >= kBlockNcc;
+        }
+    }
+    return double(agreeing) / (across * down);
 }
 
 } // namespace Registration

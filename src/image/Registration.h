@@ -17,6 +17,10 @@ struct Prepared
     std::vector<cv::Mat> gradX, gradY; // of each level
     cv::Mat reduced; // CV_32F, at most kSearchSide on its longer side
     double reducedScale = 1.0; // reduced pixels per full pixel
+    // The reduced copy's spectrum at the last padded size the coarse search
+    // asked for: a frame is searched against many, a tile by many frames.
+    mutable cv::Mat spectrum;
+    mutable cv::Size spectrumSize;
     cv::Size Size() const { return levels.empty() ? cv::Size() : levels[0].size(); }
 };
 
@@ -44,6 +48,11 @@ Match Coarse(const Prepared& reference, const Prepared& moving, double minOverla
 // (Lucas-Kanade on the overlap, coarse to fine). Not ok when it wanders
 // off, the overlap is too small or the views disagree there.
 Match Refine(const Prepared& reference, const Prepared& moving, cv::Point2d start, double minOverlap);
+
+// The share of the overlap's blocks in which the views agree at `shift`: a
+// chance likeness of one strong feature (a scale repeated on the specimen)
+// agrees in the blocks that hold it, a true match in nearly all of them.
+double Agreement(const Prepared& reference, const Prepared& moving, cv::Point2d shift);
 
 // The frame (any depth and channels) sampled on a grid of `size` whose first
 // point is `at`, by cubic convolution with exact weights, as float:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
@@ -55,6 +56,8 @@ QImage ToQImage(const cv::Mat& rgb32)
     return image;
 }
 
+constexpr std::uint64_t kNoiseWindows = 4001;
+
 } // namespace
 
 struct SimDepthScene::State
@@ -66,6 +69,13 @@ struct SimDepthScene::State
     // The sharp picture blurred by each spread of `sigmas`, CV_8UC3.
     std::vector<double> sigmas;
     std::vector<cv::Mat> blurred;
+    // Sensor noise, one row of a frame's values and kNoiseWindows places more.
+    cv::Mat noise;
+    // The last focus's picture before warp and noise: a live camera asks for
+    // the same focus frame after frame, and the mix is most of a frame's cost.
+    std::mutex cacheMutex;
+    double cachedFocus = -1e300;
+    cv::Mat cached;
 };
 
 SimDepthScene::SimDepthScene(int width, int height, const Options& options)
@@ -174,6 +184,11 @@ SimDepthScene::SimDepthScene(int width, int height, const Options& options)
         b.convertTo(b8, CV_8UC3);
         m->blurred.push_back(b8);
     }
+    if (m->options.noise > 0.0) {
+        m->noise.create(1, int(m->size.area()) * 3 + int(kNoiseWindows) * 3 * 61, CV_32F);
+        cv::RNG noiseRng(options.seed * 7919u + 1u);
+        noiseRng.fill(m->noise, cv::RNG::NORMAL, 0.0, m->options.noise);
+    }
 }
 
 SimDepthScene::~SimDepthScene() = default;
@@ -200,8 +215,13 @@ FrameWarp SimDepthScene::Warp(double focusUm, std::uint64_t frame) const
         1.0 + o.breathing * (focusUm / std::max(o.depthUm, 1e-9) - 0.5) };
 }
 
-QImage SimDepthScene::Frame(double focusUm, std::uint64_t frame) const
+cv::Mat SimDepthScene::Focused(double focusUm) const
 {
+    {
+        std::lock_guard lock(m->cacheMutex);
+        if (focusUm == m->cachedFocus)
+            return m->cached;
+    }
     // Each pixel mixes the two nearest precomputed blurs: a thin lens's
     // blur grows linearly with the distance from the focus.
     const double perUm = m->options.blurAtDepth / std::max(m->options.depthUm, 1e-9);
@@ -224,12 +244,23 @@ QImage SimDepthScene::Frame(double focusUm, std::uint64_t frame) const
             }
         }
     });
-    cv::Mat warped = Warped(scene, Warp(focusUm, frame));
-    if (m->options.noise > 0.0) {
-        cv::Mat noise(m->size, CV_32FC3);
-        cv::RNG rng(m->options.seed * 7919u + unsigned(frame) + 1u);
-        rng.fill(noise, cv::RNG::NORMAL, 0.0, m->options.noise);
-        warped += noise;
+    std::lock_guard lock(m->cacheMutex);
+    m->cachedFocus = focusUm;
+    m->cached = scene;
+    return scene;
+}
+
+QImage SimDepthScene::Frame(double focusUm, std::uint64_t frame) const
+{
+    cv::Mat warped = Warped(Focused(focusUm), Warp(focusUm, frame));
+    if (!m->noise.empty()) {
+        // A window into the noise drawn once, at a place of its own per
+        // frame: drawing a frame's worth of normal numbers costs more than
+        // all the rest of a frame.
+        const int values = int(warped.total()) * 3;
+        const int start = int((frame * 7919u + m->options.seed) % kNoiseWindows) * 3 * 61;
+        cv::Mat flat = warped.reshape(1, 1);
+        flat += m->noise.colRange(start, start + values);
     }
     return ToQImage(warped);
 }

@@ -8,6 +8,10 @@
 #include <memory>
 #include <vector>
 
+namespace cv {
+class Mat;
+}
+
 // A specimen with relief under a microscope with a focus knob, for focus
 // stacking: a textured surface with a known height map, seen through a lens
 // whose defocus blur grows with the distance between the surface and the
@@ -68,6 +72,10 @@ public:
     std::vector<bool> Textured(const FrameWarp& warp = {}) const;
 
 private:
+    // The scene with each point blurred as at that focus, CV_32FC3; never
+    // written to once returned.
+    cv::Mat Focused(double focusUm) const;
+
     struct State;
     std::unique_ptr<State> m;
 };

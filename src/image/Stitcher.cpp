@@ -96,21 +96,31 @@ struct Stitcher::Impl
 
     double Shading(double r2) const { return shadingA * r2 + shadingB * r2 * r2; }
 
-    bool Place(StitchTile& tile, QString* why);
-    bool Verify(StitchTile& tile, cv::Point2d guess);
+    bool Place(StitchTile& tile, std::optional<cv::Point2d> near, int neighbours, QString* why);
+    double Uncovered(const StitchTile& tile) const;
+    bool Verify(StitchTile& tile, cv::Point2d guess, int neighbours);
     void EstimateShading();
     const std::pair<cv::Mat, cv::Mat>& WeightsFor(cv::Size size);
 };
 
-bool Stitcher::Impl::Place(StitchTile& tile, QString* why)
+bool Stitcher::Impl::Place(StitchTile& tile, std::optional<cv::Point2d> near, int neighbours, QString* why)
 {
     // The most recent pictures first: a scan moves on from the last one, so
-    // the search usually ends at the first. A chance likeness is caught by
-    // Verify, against every picture the guess would overlap.
-    for (int i = int(tiles.size()) - 1; i >= 0; --i) {
+    // the search usually ends at the first. Where the frame is expected, the
+    // pictures it would share most with go before them. A chance likeness is
+    // caught by Verify, against every picture the guess would overlap.
+    std::vector<std::pair<double, int>> order;
+    for (int i = 0; i < int(tiles.size()); ++i) {
+        const double share = near ? Registration::OverlapFraction(tiles[size_t(i)].prepared.Size(),
+                                 tile.prepared.Size(), *near - tiles[size_t(i)].position)
+                                  : 0.0;
+        order.emplace_back(share, i);
+    }
+    std::stable_sort(order.rbegin(), order.rend());
+    for (const auto& [share, i] : order) {
         const Registration::Match coarse
             = Registration::Coarse(tiles[size_t(i)].prepared, tile.prepared, options.minOverlap);
-        if (coarse.ok && Verify(tile, tiles[size_t(i)].position + coarse.shift))
+        if (coarse.ok && Verify(tile, tiles[size_t(i)].position + coarse.shift, neighbours))
             return true;
     }
     if (why)
@@ -118,7 +128,7 @@ bool Stitcher::Impl::Place(StitchTile& tile, QString* why)
     return false;
 }
 
-bool Stitcher::Impl::Verify(StitchTile& tile, cv::Point2d guess)
+bool Stitcher::Impl::Verify(StitchTile& tile, cv::Point2d guess, int neighbours)
 {
     // Averaging the estimates against every neighbour keeps errors from
     // adding up along a long scan.
@@ -130,17 +140,25 @@ bool Stitcher::Impl::Verify(StitchTile& tile, cv::Point2d guess)
             overlapping.emplace_back(share, i);
     }
     std::sort(overlapping.rbegin(), overlapping.rend());
-    if (overlapping.size() > size_t(kNeighbours))
-        overlapping.resize(kNeighbours);
+    if (overlapping.size() > size_t(neighbours))
+        overlapping.resize(size_t(neighbours));
     std::vector<std::pair<cv::Point2d, double>> estimates;
     // A chance likeness of a small overlap is contradicted by the pictures
     // that the guess would have it share more with.
     double agreeing = 0.0, disagreeing = 0.0;
+    // Each neighbour gives an estimate of its own; starting it where the
+    // first one ended only spares the refinement most of its steps.
+    cv::Point2d start = guess;
     for (const auto& [share, i] : overlapping) {
         const StitchTile& neighbour = tiles[size_t(i)];
-        const Registration::Match match = Registration::Refine(
-            neighbour.prepared, tile.prepared, guess - neighbour.position, options.minOverlap);
+        Registration::Match match = Registration::Refine(
+            neighbour.prepared, tile.prepared, start - neighbour.position, options.minOverlap);
+        if (match.ok && options.minAgreement > 0.0
+            && Registration::Agreement(neighbour.prepared, tile.prepared, match.shift) < options.minAgreement)
+            match.ok = false;
         if (match.ok) {
+            if (estimates.empty())
+                start = neighbour.position + match.shift;
             estimates.emplace_back(neighbour.position + match.shift, match.weight);
             agreeing += share;
         } else {
@@ -168,6 +186,27 @@ bool Stitcher::Impl::Verify(StitchTile& tile, cv::Point2d guess)
     }
     tile.position = position;
     return true;
+}
+
+double Stitcher::Impl::Uncovered(const StitchTile& tile) const
+{
+    // On a grid over the frame: exact enough to decide whether a frame
+    // earns a tile, and cheap beside the registration.
+    constexpr int kGrid = 16;
+    const cv::Size size = tile.prepared.Size();
+    int outside = 0;
+    for (int gy = 0; gy < kGrid; ++gy) {
+        for (int gx = 0; gx < kGrid; ++gx) {
+            const cv::Point2d at = tile.position
+                + cv::Point2d(size.width * (gx + 0.5) / kGrid, size.height * (gy + 0.5) / kGrid);
+            const bool covered = std::any_of(tiles.begin(), tiles.end(), [&](const StitchTile& placed) {
+                const cv::Point2d local = at - placed.position;
+                return local.x >= 0 && local.y >= 0 && local.x < placed.rgb.cols && local.y < placed.rgb.rows;
+            });
+            outside += !covered;
+        }
+    }
+    return double(outside) / (kGrid * kGrid);
 }
 
 void Stitcher::Impl::EstimateShading()
@@ -280,28 +319,77 @@ Stitcher::Stitcher(const Options& options)
 
 Stitcher::~Stitcher() = default;
 
-bool Stitcher::Add(const QImage& picture, QString* why)
+namespace {
+
+bool UsablePicture(const QImage& picture, QString* why)
 {
-    if (picture.isNull() || picture.width() < 16 || picture.height() < 16) {
-        if (why)
-            *why = QCoreApplication::translate("Stitcher", "the picture is empty or too small");
-        return false;
-    }
-    StitchTile tile;
-    tile.rgb = RgbOf(picture);
-    const cv::Mat gray = GrayOf(tile.rgb);
-    tile.prepared = Registration::Prepare(gray);
+    if (!picture.isNull() && picture.width() >= 16 && picture.height() >= 16)
+        return true;
+    if (why)
+        *why = QCoreApplication::translate("Stitcher", "the picture is empty or too small");
+    return false;
+}
+
+// The brightness kept for the shading fit, only for pictures that stay.
+void KeepBrightness(StitchTile& tile, const cv::Mat& gray)
+{
     cv::Mat brightness;
     gray.convertTo(brightness, CV_32F);
     cv::resize(brightness, tile.logSmall, cv::Size(), kShadingScale, kShadingScale, cv::INTER_AREA);
     cv::GaussianBlur(tile.logSmall, tile.logSmall, cv::Size(), 1.0);
     cv::log(cv::max(tile.logSmall, 1.0f), tile.logSmall);
-    if (!m_impl->tiles.empty() && !m_impl->Place(tile, why))
-        return false;
+}
+
+} // namespace
+
+bool Stitcher::Add(const QImage& picture, QString* why)
+{
+    // No new ground asked for: a picture that fits is always kept.
+    return Track(picture, 0.0, std::nullopt, why).found;
+}
+
+Stitcher::Tracked Stitcher::Track(
+    const QImage& frame, double newGround, std::optional<QPointF> near, QString* why)
+{
+    Tracked result;
+    if (!UsablePicture(frame, why))
+        return result;
+    StitchTile tile;
+    tile.rgb = RgbOf(frame);
+    const cv::Mat gray = GrayOf(tile.rgb);
+    tile.prepared = Registration::Prepare(gray);
+    if (!m_impl->tiles.empty()) {
+        std::optional<cv::Point2d> expected;
+        if (near)
+            expected = cv::Point2d(near->x(), near->y());
+        // Most live frames pass over covered ground and only say where the
+        // stage is: one neighbour places them well enough. A frame that is
+        // kept is placed against all of them, so errors do not add up.
+        const bool mayStay = newGround <= 0.0;
+        if (!m_impl->Place(tile, expected, mayStay ? kNeighbours : 1, why))
+            return result;
+        if (!mayStay) {
+            if (m_impl->Uncovered(tile) < newGround) {
+                result.found = true;
+                result.position = QPointF(tile.position.x, tile.position.y);
+                return result;
+            }
+            if (!m_impl->Verify(tile, tile.position, kNeighbours)) {
+                if (why)
+                    *why = QCoreApplication::translate(
+                        "Stitcher", "the pictures it overlaps disagree about where it lies");
+                return result;
+            }
+        }
+    }
+    result.found = true;
+    result.position = QPointF(tile.position.x, tile.position.y);
+    KeepBrightness(tile, gray);
     m_impl->tiles.push_back(std::move(tile));
     m_impl->shadingKnown = false;
     m_impl->weights.clear();
-    return true;
+    result.added = true;
+    return result;
 }
 
 int Stitcher::Count() const

@@ -23,6 +23,11 @@ public:
     {
         // The least share of a picture that must overlap a placed one.
         double minOverlap = 0.1;
+        // The least share of an overlap's blocks in which a picture must agree
+        // with a neighbour (Registration::Agreement); 0: the agreement of the
+        // whole overlap alone decides. A scale or pattern repeated on the
+        // specimen can pass the whole overlap's test, never this one.
+        double minAgreement = 0.0;
         // Even out vignetting and exposure before blending.
         bool evenShading = true;
     };
@@ -36,6 +41,19 @@ public:
     // Places the picture. False, with `why`, when it overlaps no placed
     // picture convincingly: it is then left out and nothing changes.
     bool Add(const QImage& picture, QString* why = nullptr);
+
+    // A frame of a live scan: where it lies in the first picture's pixels,
+    // searched first against the pictures that `near` (its expected place)
+    // overlaps. It is kept as a picture of its own only when at least
+    // `newGround` of it lies outside every placed picture, so a stage at
+    // rest adds nothing. Not found (with `why`): nothing changes.
+    struct Tracked
+    {
+        bool found = false;
+        bool added = false;
+        QPointF position;
+    };
+    Tracked Track(const QImage& frame, double newGround, std::optional<QPointF> near, QString* why = nullptr);
 
     int Count() const;
     // The union of the placed pictures: its size in whole pixels, and each

@@ -100,6 +100,9 @@ inline const Key SaveAsSubject { "SaveAs", "Subject", Format::String, 0, "" };
 inline const Key SaveAsComment { "SaveAs", "Comment", Format::String, 0, "" };
 inline const Key SaveAsFilePath { "SaveAs", "FilePath", Format::String, 0, "", 260 };
 
+// The focus peaking marks' colour, 0xRRGGBB.
+inline const Key FocusPeakingColor { "FocusPeaking", "Color", Format::Int, 0x00FF00, {} };
+
 // "RGBGAIN": named gain presets, numbered from 0. Gains are kept as text.
 inline const Key RgbGainTotal { "RGBGAIN", "Total", Format::Int, 0, {} };
 Key RgbGainName(int index);

@@ -616,6 +616,12 @@ TEST_F(Monkey, EveryCommandOfTheTableHasItsEffect)
         { ID_VIDEO_PROPERTIES, shows("CDevicePropertiesDlg") },
         { ID_VIDEO_ADJUST, shows("CDevicePropertiesDlg") },
         { ID_VIDEO_FLAT_FIELD, shows("CFlatFieldDlg") },
+        { ID_VIDEO_FOCUS_PEAKING, flips(checked(ID_VIDEO_FOCUS_PEAKING)) },
+        { ID_VIDEO_PEAKING_COLOR, shows("QColorDialog") },
+        // Started, then cancelled: nothing is kept.
+        { ID_VIDEO_FOCUS_STACK, makes(checked(ID_VIDEO_FOCUS_STACK)) },
+        { ID_VIDEO_FOCUS_STACK_CANCEL, changes(documents, 0) },
+        { ID_VIDEO_MOSAIC, flips(checked(ID_VIDEO_MOSAIC)) },
         { ID_PROCESS_FLIP, flips(checked(ID_PROCESS_FLIP)) },
         { ID_PROCESS_MIRROR, flips(checked(ID_PROCESS_MIRROR)) },
         { ID_PROCESS_GRAY, flips(checked(ID_PROCESS_GRAY)) },

@@ -2,12 +2,15 @@
 
 #include "CaptureTestSupport.h"
 #include "SyntheticSlide.h"
+#include "capture/CCameraControls.h"
 #include "capture/CXCapGraph.h"
 #include "capture/SimCameraSource.h"
+#include "image/SimDepthScene.h"
 #include "image/Stitcher.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace {
 
@@ -166,5 +169,84 @@ TEST(SimStage, LiveCameraShowsTheStageAndMovesWithIt)
     ASSERT_TRUE(shift.has_value());
     EXPECT_NEAR(shift->x(), 48.0, 1.5);
     EXPECT_NEAR(shift->y(), -20.0, 1.5);
+    graph.StopGraph();
+}
+
+namespace {
+
+// Mean squared difference of horizontal neighbours' green over the pixels
+// whose height lies in [low, high): high where those pixels are in focus.
+double Sharpness(const QImage& frame, const std::vector<float>& height, float low, float high)
+{
+    double sum = 0.0;
+    int n = 0;
+    for (int y = 4; y < frame.height() - 4; ++y)
+        for (int x = 4; x < frame.width() - 4; ++x) {
+            // A margin around the region: the blur reaches over its border.
+            bool inside = true;
+            for (int d : { -4, 4 })
+                for (const std::size_t i : { std::size_t(y) * std::size_t(frame.width()) + std::size_t(x + d),
+                         std::size_t(y + d) * std::size_t(frame.width()) + std::size_t(x) })
+                    inside = inside && height[i] >= low && height[i] < high;
+            if (!inside)
+                continue;
+            const int g = qGreen(frame.pixel(x, y)) - qGreen(frame.pixel(x + 1, y));
+            sum += double(g) * g;
+            ++n;
+        }
+    return n > 200 ? sum / n : -1.0;
+}
+
+} // namespace
+
+// The relief is sharp where the focus is: the device properties' Focus
+// control and the Page Up / Page Down steps move which part of it that is.
+TEST(SimStage, FocusControlMovesWhatIsSharp)
+{
+    SimCameraScope scope;
+    AddCapsCamera(QStringLiteral("Relief"), kSmallCameraCaps);
+    CXCapGraph graph;
+    ASSERT_TRUE(StartPreview(graph, QStringLiteral("Relief")));
+    GstElement* camera = graph.DeviceElement();
+    EXPECT_FALSE(FocusSimCamera(camera, 2)) << "no focus knob without the relief";
+    EXPECT_FALSE(FocusSimCamera(nullptr, 2));
+    const auto focusControl = [&]() -> std::optional<CameraControl> {
+        for (const CameraControl& c : CCameraControls(camera, nullptr).Query())
+            if (c.name == QLatin1String("Focus"))
+                return c;
+        return std::nullopt;
+    };
+    EXPECT_FALSE(focusControl()) << "the flat slide has nothing to focus on";
+
+    g_object_set(camera, "depth", TRUE, "drift", FALSE, nullptr);
+    const std::optional<CameraControl> focus = focusControl();
+    ASSERT_TRUE(focus);
+    EXPECT_EQ(focus->maximum, kSimFocusMaxUm);
+
+    const SimDepthScene truth(320, 240, SimDepthScene::Options());
+    const float depth = float(truth.GetOptions().depthUm);
+    const auto sharpAt = [&](int focusUm) {
+        EXPECT_TRUE(CCameraControls(camera, nullptr).Set(*focus, focusUm));
+        EXPECT_TRUE(WaitFreshFrames(graph));
+        const QImage frame = Grabbed(graph);
+        const std::vector<float> height = truth.HeightMap(truth.Warp(focusUm, 0));
+        return std::pair(Sharpness(frame, height, 0.0f, 0.2f * depth),
+            Sharpness(frame, height, 0.7f * depth, depth + 1.0f));
+    };
+    const auto [lowAtBottom, highAtBottom] = sharpAt(0);
+    const auto [lowAtTop, highAtTop] = sharpAt(kSimFocusMaxUm);
+    ASSERT_GT(lowAtBottom, 0.0);
+    ASSERT_GT(highAtTop, 0.0);
+    EXPECT_GT(lowAtBottom, 2.0 * lowAtTop) << "the ground is sharp with the focus on it";
+    EXPECT_GT(highAtTop, 2.0 * highAtBottom) << "the particles' tops are sharp with the focus on them";
+
+    // Page Up / Page Down: a step of the knob, stopping at its ends.
+    EXPECT_TRUE(FocusSimCamera(camera, 2));
+    int at = 0;
+    g_object_get(camera, "focus", &at, nullptr);
+    EXPECT_EQ(at, kSimFocusMaxUm);
+    EXPECT_TRUE(FocusSimCamera(camera, -2));
+    g_object_get(camera, "focus", &at, nullptr);
+    EXPECT_EQ(at, kSimFocusMaxUm - 2);
     graph.StopGraph();
 }
