@@ -9,35 +9,35 @@
 
 namespace {
 
-constexpr unsigned kWidth = 61; // padded rows
-constexpr unsigned kHeight = 40; // more than two bands of the sweep
+constexpr unsigned kPeakWidth = 61; // padded rows
+constexpr unsigned kPeakHeight = 40; // more than two bands of the sweep
 constexpr QRgb kMark = qRgb(255, 0, 255);
 
 // Gray, with a vertical step up at x = 15 that is sharp (one pixel) and one
 // down from x = 39 to 51, spread over twelve pixels as out of focus.
 std::vector<uchar> TwoEdges()
 {
-    std::vector<uchar> bits(DibStride(kWidth) * kHeight, 0);
-    for (unsigned y = 0; y < kHeight; ++y)
-        for (unsigned x = 0; x < kWidth; ++x) {
+    std::vector<uchar> bits(DibStride(kPeakWidth) * kPeakHeight, 0);
+    for (unsigned y = 0; y < kPeakHeight; ++y)
+        for (unsigned x = 0; x < kPeakWidth; ++x) {
             const int v = x < 15 ? 60 : x < 39 ? 200 : x >= 51 ? 60 : 200 - int(x - 39) * 140 / 12;
             for (unsigned c = 0; c < 3; ++c)
-                bits[y * DibStride(kWidth) + 3 * x + c] = uchar(v);
+                bits[y * DibStride(kPeakWidth) + 3 * x + c] = uchar(v);
         }
     return bits;
 }
 
 std::vector<uchar> Processed(CCamProcess& process, const std::vector<uchar>& src)
 {
-    const auto stride = std::ptrdiff_t(DibStride(kWidth));
+    const auto stride = std::ptrdiff_t(DibStride(kPeakWidth));
     std::vector<uchar> out(src.size(), 0);
-    process.ProcessFrame(src.data(), stride, out.data(), stride, kWidth, kHeight);
+    process.ProcessFrame(src.data(), stride, out.data(), stride, kPeakWidth, kPeakHeight);
     return out;
 }
 
 bool Marked(const std::vector<uchar>& bits, unsigned x, unsigned y)
 {
-    const uchar* p = bits.data() + y * DibStride(kWidth) + 3 * x;
+    const uchar* p = bits.data() + y * DibStride(kPeakWidth) + 3 * x;
     return p[0] == qBlue(kMark) && p[1] == qGreen(kMark) && p[2] == qRed(kMark);
 }
 
@@ -48,34 +48,34 @@ bool Marked(const std::vector<uchar>& bits, unsigned x, unsigned y)
 TEST(FocusPeaking, MarksTheSharpEdgeOnlyAndMeasuresSharpness)
 {
     std::vector<uchar> bits = TwoEdges();
-    const auto stride = std::ptrdiff_t(DibStride(kWidth));
-    const double sharp = FocusPeaking::Mark(bits.data(), stride, kWidth, kHeight, kMark);
-    for (unsigned y = 1; y + 1 < kHeight; ++y) {
+    const auto stride = std::ptrdiff_t(DibStride(kPeakWidth));
+    const double sharp = FocusPeaking::Mark(bits.data(), stride, kPeakWidth, kPeakHeight, kMark);
+    for (unsigned y = 1; y + 1 < kPeakHeight; ++y) {
         EXPECT_TRUE(Marked(bits, 15, y) && Marked(bits, 16, y)) << y;
         EXPECT_FALSE(Marked(bits, 12, y) || Marked(bits, 19, y)) << y;
-        for (unsigned x = 30; x < kWidth; ++x)
+        for (unsigned x = 30; x < kPeakWidth; ++x)
             EXPECT_FALSE(Marked(bits, x, y)) << x << "," << y;
     }
     // The border rows have no neighbours to judge by.
     EXPECT_FALSE(Marked(bits, 15, 0));
-    EXPECT_FALSE(Marked(bits, 15, kHeight - 1));
+    EXPECT_FALSE(Marked(bits, 15, kPeakHeight - 1));
     // 140 at the sharp step, about 2 x 140 / 12 along the soft one, at every
     // other pixel of a row.
-    EXPECT_NEAR(sharp, std::sqrt((2 * 140.0 * 140.0 + 12 * 23.3 * 23.3) / (kWidth - 1)), 1.5);
+    EXPECT_NEAR(sharp, std::sqrt((2 * 140.0 * 140.0 + 12 * 23.3 * 23.3) / (kPeakWidth - 1)), 1.5);
 
     // Out of focus: each pixel the mean of five across.
     const std::vector<uchar> original = TwoEdges();
     std::vector<uchar> soft = original;
-    for (unsigned y = 0; y < kHeight; ++y)
-        for (unsigned x = 2; x + 2 < kWidth; ++x)
+    for (unsigned y = 0; y < kPeakHeight; ++y)
+        for (unsigned x = 2; x + 2 < kPeakWidth; ++x)
             for (unsigned c = 0; c < 3; ++c) {
                 int sum = 0;
                 for (unsigned k = x - 2; k <= x + 2; ++k)
-                    sum += original[y * DibStride(kWidth) + 3 * k + c];
-                soft[y * DibStride(kWidth) + 3 * x + c] = uchar(sum / 5);
+                    sum += original[y * DibStride(kPeakWidth) + 3 * k + c];
+                soft[y * DibStride(kPeakWidth) + 3 * x + c] = uchar(sum / 5);
             }
-    EXPECT_LT(FocusPeaking::Mark(soft.data(), stride, kWidth, kHeight, kMark), 0.8 * sharp);
-    EXPECT_EQ(FocusPeaking::Mark(bits.data(), stride, kWidth, 2, kMark), 0.0);
+    EXPECT_LT(FocusPeaking::Mark(soft.data(), stride, kPeakWidth, kPeakHeight, kMark), 0.8 * sharp);
+    EXPECT_EQ(FocusPeaking::Mark(bits.data(), stride, kPeakWidth, 2, kMark), 0.0);
 }
 
 // Off, the element's frames are what they were before it was ever on; on,
@@ -98,18 +98,18 @@ TEST(FocusPeaking, LiveElementMarksUnderTheOverlayAndOffChangesNothing)
     // An overlay with a vertical line at x = 40 across the soft edge, and a
     // transparent rest.
     std::vector<uchar> overlay(src.size(), kOverlayKey);
-    for (unsigned y = 0; y < kHeight; ++y)
+    for (unsigned y = 0; y < kPeakHeight; ++y)
         for (unsigned c = 0; c < 3; ++c)
-            overlay[y * DibStride(kWidth) + 3 * 40 + c] = 0;
+            overlay[y * DibStride(kPeakWidth) + 3 * 40 + c] = 0;
     uchar* published = overlay.data();
-    process.SetOverlaySize(kWidth, kHeight);
+    process.SetOverlaySize(kPeakWidth, kPeakHeight);
     process.SetOverlay(1, &published);
     const std::vector<uchar> withOverlay = Processed(process, src);
     process.SetFocusPeaking(true, kMark);
     const std::vector<uchar> both = Processed(process, src);
-    for (unsigned y = 1; y + 1 < kHeight; ++y) {
+    for (unsigned y = 1; y + 1 < kPeakHeight; ++y) {
         EXPECT_TRUE(Marked(both, 15, y));
-        EXPECT_EQ(both[y * DibStride(kWidth) + 3 * 40], 0) << "the shape stays on top";
+        EXPECT_EQ(both[y * DibStride(kPeakWidth) + 3 * 40], 0) << "the shape stays on top";
         EXPECT_FALSE(Marked(both, 39, y) || Marked(both, 41, y)) << "the shape's line is no edge in focus";
     }
     process.SetFocusPeaking(false, kMark);
@@ -132,7 +132,7 @@ TEST(FocusPeaking, CoverageTintsItsPartOfThePictureAndGoesAway)
     process.SetCoverage(coverage, qRgb(0, 0, 255));
     const std::vector<uchar> tinted = Processed(process, src);
     const auto at = [&](const std::vector<uchar>& bits, unsigned x, unsigned pictureY) {
-        return bits.data() + (kHeight - 1 - pictureY) * DibStride(kWidth) + 3 * x;
+        return bits.data() + (kPeakHeight - 1 - pictureY) * DibStride(kPeakWidth) + 3 * x;
     };
     // Picture row 5 is in the top half, row 30 in the bottom one.
     EXPECT_EQ(at(tinted, 5, 5)[0], (3 * at(plain, 5, 5)[0] + 255 + 2) / 4) << "blue a quarter of the way";
