@@ -256,6 +256,49 @@
     </message>
 </context>
 <context>
+    <name>CLiveFocus</name>
+    <message>
+        <source>Focus Peaking Color</source>
+        <translation>Couleur du focus peaking</translation>
+    </message>
+    <message>
+        <source>Focus stacking: sweep the focus through the specimen, then choose Focus Stack again.</source>
+        <translation>Empilement de mise au point : balayez la mise au point à travers l&apos;échantillon, puis choisissez de nouveau Empilement de mise au point.</translation>
+    </message>
+    <message>
+        <source>Focus stacking cancelled.</source>
+        <translation>Empilement de mise au point annulé.</translation>
+    </message>
+    <message>
+        <source>No frame reached the focus stack: the camera sent none.</source>
+        <translation>Aucune image n&apos;est parvenue à l&apos;empilement : la caméra n&apos;en a envoyé aucune.</translation>
+    </message>
+    <message>
+        <source>The focus stack could not be made: %1</source>
+        <translation>L&apos;empilement de mise au point n&apos;a pas pu être réalisé : %1</translation>
+    </message>
+    <message>
+        <source>Focus Stack</source>
+        <translation>Empilement de mise au point</translation>
+    </message>
+    <message>
+        <source>Some frames were left out of the focus stack: %1</source>
+        <translation>Certaines images ont été écartées de l&apos;empilement : %1</translation>
+    </message>
+    <message>
+        <source>Live Stack %1</source>
+        <translation>Empilement en direct %1</translation>
+    </message>
+    <message>
+        <source>Live Stack %1 Depth</source>
+        <translation>Profondeur de l&apos;empilement en direct %1</translation>
+    </message>
+    <message>
+        <source>Sharpness: %1</source>
+        <translation>Netteté : %1</translation>
+    </message>
+</context>
+<context>
     <name>CMainFrame</name>
     <message>
         <source>Already having one instance running!</source>
@@ -571,6 +614,45 @@ texte</translation>
     <message>
         <source>The rectangle lies outside the picture.</source>
         <translation>Le rectangle est hors de l&apos;image.</translation>
+    </message>
+</context>
+<context>
+    <name>CMosaicDock</name>
+    <message>
+        <source>Move the stage slowly over the specimen</source>
+        <translation>Déplacez lentement la platine sur l&apos;échantillon</translation>
+    </message>
+    <message>
+        <source>Lost: move back over covered ground</source>
+        <translation>Perdu : revenez sur une zone déjà couverte</translation>
+    </message>
+    <message>
+        <source>Tracking; fields in the mosaic: %1</source>
+        <translation>Suivi en cours ; champs dans la mosaïque : %1</translation>
+    </message>
+    <message>
+        <source>Live Mosaic %1</source>
+        <translation>Mosaïque en direct %1</translation>
+    </message>
+    <message>
+        <source>Mosaic</source>
+        <translation>Mosaïque</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Arrêter</translation>
+    </message>
+    <message>
+        <source>Open the mosaic as a picture</source>
+        <translation>Ouvrir la mosaïque comme image</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>A&amp;nnuler</translation>
+    </message>
+    <message>
+        <source>Throw the mosaic away</source>
+        <translation>Abandonner la mosaïque</translation>
     </message>
 </context>
 <context>
@@ -1608,6 +1690,46 @@ Vous pouvez aussi essayer de mesurer avec la caméra simulée.</translation>
         <source>Make the rectangle drawn over a neutral area gray</source>
         <translation>Rendre gris le rectangle tracé sur une zone neutre</translation>
     </message>
+    <message>
+        <source>Focus Pea&amp;king</source>
+        <translation>Focus pea&amp;king</translation>
+    </message>
+    <message>
+        <source>Mark the edges in focus on the live picture</source>
+        <translation>Marquer les contours nets sur l&apos;image en direct</translation>
+    </message>
+    <message>
+        <source>Focus Peaking &amp;Color...</source>
+        <translation>&amp;Couleur du focus peaking...</translation>
+    </message>
+    <message>
+        <source>Choose the color of the focus marks</source>
+        <translation>Choisir la couleur des marques de netteté</translation>
+    </message>
+    <message>
+        <source>F&amp;ocus Stack</source>
+        <translation>Empilement de mise au p&amp;oint</translation>
+    </message>
+    <message>
+        <source>Start fusing the live frames while you sweep the focus; again to finish</source>
+        <translation>Commencer à fusionner les images en direct pendant que vous balayez la mise au point ; de nouveau pour terminer</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel Focus Stack</source>
+        <translation>A&amp;nnuler l&apos;empilement de mise au point</translation>
+    </message>
+    <message>
+        <source>Stop focus stacking and keep nothing</source>
+        <translation>Arrêter l&apos;empilement sans rien garder</translation>
+    </message>
+    <message>
+        <source>&amp;Mosaic</source>
+        <translation>&amp;Mosaïque</translation>
+    </message>
+    <message>
+        <source>Stitch the live picture into one as the stage moves</source>
+        <translation>Assembler l&apos;image en direct en une seule à mesure que la platine se déplace</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1705,6 +1827,17 @@ Vous pouvez aussi essayer de mesurer avec la caméra simulée.</translation>
     </message>
 </context>
 <context>
+    <name>LiveFocusStack</name>
+    <message>
+        <source>frame 1</source>
+        <translation>image 1</translation>
+    </message>
+    <message>
+        <source>frame %1</source>
+        <translation>image %1</translation>
+    </message>
+</context>
+<context>
     <name>Menu</name>
     <message>
         <source>&amp;File</source>
@@ -1752,6 +1885,10 @@ Vous pouvez aussi essayer de mesurer avec la caméra simulée.</translation>
     <message>
         <source>the picture is empty or too small</source>
         <translation>l&apos;image est vide ou trop petite</translation>
+    </message>
+    <message>
+        <source>the pictures it overlaps disagree about where it lies</source>
+        <translation>les images qu&apos;elle recouvre ne s&apos;accordent pas sur sa position</translation>
     </message>
 </context>
 <context>

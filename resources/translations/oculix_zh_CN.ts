@@ -256,6 +256,49 @@
     </message>
 </context>
 <context>
+    <name>CLiveFocus</name>
+    <message>
+        <source>Focus Peaking Color</source>
+        <translation>峰值对焦颜色</translation>
+    </message>
+    <message>
+        <source>Focus stacking: sweep the focus through the specimen, then choose Focus Stack again.</source>
+        <translation>景深合成：在标本范围内转动对焦，然后再次选择景深合成。</translation>
+    </message>
+    <message>
+        <source>Focus stacking cancelled.</source>
+        <translation>景深合成已取消。</translation>
+    </message>
+    <message>
+        <source>No frame reached the focus stack: the camera sent none.</source>
+        <translation>没有帧进入景深合成：相机未发送任何帧。</translation>
+    </message>
+    <message>
+        <source>The focus stack could not be made: %1</source>
+        <translation>无法完成景深合成：%1</translation>
+    </message>
+    <message>
+        <source>Focus Stack</source>
+        <translation>景深合成</translation>
+    </message>
+    <message>
+        <source>Some frames were left out of the focus stack: %1</source>
+        <translation>部分帧未纳入景深合成：%1</translation>
+    </message>
+    <message>
+        <source>Live Stack %1</source>
+        <translation>实时合成 %1</translation>
+    </message>
+    <message>
+        <source>Live Stack %1 Depth</source>
+        <translation>实时合成 %1 深度</translation>
+    </message>
+    <message>
+        <source>Sharpness: %1</source>
+        <translation>清晰度：%1</translation>
+    </message>
+</context>
+<context>
     <name>CMainFrame</name>
     <message>
         <source>Already having one instance running!</source>
@@ -571,6 +614,45 @@ Background</source>
     <message>
         <source>The rectangle lies outside the picture.</source>
         <translation>矩形在图像之外。</translation>
+    </message>
+</context>
+<context>
+    <name>CMosaicDock</name>
+    <message>
+        <source>Move the stage slowly over the specimen</source>
+        <translation>在标本上缓慢移动载物台</translation>
+    </message>
+    <message>
+        <source>Lost: move back over covered ground</source>
+        <translation>跟踪丢失：请移回已覆盖的区域</translation>
+    </message>
+    <message>
+        <source>Tracking; fields in the mosaic: %1</source>
+        <translation>正在跟踪；拼图中的视野数：%1</translation>
+    </message>
+    <message>
+        <source>Live Mosaic %1</source>
+        <translation>实时拼图 %1</translation>
+    </message>
+    <message>
+        <source>Mosaic</source>
+        <translation>拼图</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>停止(&amp;S)</translation>
+    </message>
+    <message>
+        <source>Open the mosaic as a picture</source>
+        <translation>将拼图作为图像打开</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>取消(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Throw the mosaic away</source>
+        <translation>丢弃拼图</translation>
     </message>
 </context>
 <context>
@@ -1608,6 +1690,46 @@ You can also try measuring with the simulated camera.</source>
         <source>Make the rectangle drawn over a neutral area gray</source>
         <translation>使绘制在中性区域上的矩形变为灰色</translation>
     </message>
+    <message>
+        <source>Focus Pea&amp;king</source>
+        <translation>峰值对焦(&amp;K)</translation>
+    </message>
+    <message>
+        <source>Mark the edges in focus on the live picture</source>
+        <translation>在实时图像上标出清晰的边缘</translation>
+    </message>
+    <message>
+        <source>Focus Peaking &amp;Color...</source>
+        <translation>峰值对焦颜色(&amp;C)...</translation>
+    </message>
+    <message>
+        <source>Choose the color of the focus marks</source>
+        <translation>选择对焦标记的颜色</translation>
+    </message>
+    <message>
+        <source>F&amp;ocus Stack</source>
+        <translation>景深合成(&amp;O)</translation>
+    </message>
+    <message>
+        <source>Start fusing the live frames while you sweep the focus; again to finish</source>
+        <translation>转动对焦时开始合成实时帧；再次选择以完成</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel Focus Stack</source>
+        <translation>取消景深合成(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Stop focus stacking and keep nothing</source>
+        <translation>停止景深合成，不保留任何结果</translation>
+    </message>
+    <message>
+        <source>&amp;Mosaic</source>
+        <translation>拼图(&amp;M)</translation>
+    </message>
+    <message>
+        <source>Stitch the live picture into one as the stage moves</source>
+        <translation>移动载物台时将实时图像拼接成一幅</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1704,6 +1826,17 @@ You can also try measuring with the simulated camera.</source>
     </message>
 </context>
 <context>
+    <name>LiveFocusStack</name>
+    <message>
+        <source>frame 1</source>
+        <translation>第 1 帧</translation>
+    </message>
+    <message>
+        <source>frame %1</source>
+        <translation>第 %1 帧</translation>
+    </message>
+</context>
+<context>
     <name>Menu</name>
     <message>
         <source>&amp;File</source>
@@ -1751,6 +1884,10 @@ You can also try measuring with the simulated camera.</source>
     <message>
         <source>the picture is empty or too small</source>
         <translation>图像为空或太小</translation>
+    </message>
+    <message>
+        <source>the pictures it overlaps disagree about where it lies</source>
+        <translation>与其重叠的图像对其位置判断不一致</translation>
     </message>
 </context>
 <context>
