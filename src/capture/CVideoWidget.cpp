@@ -1,8 +1,10 @@
 #include "capture/CVideoWidget.h"
 
 #include "capture/CFrameMailbox.h"
+#include "capture/DisplayScaler.h"
 
 #include <QEvent>
+#include <QPaintEvent>
 #include <QPainter>
 
 CVideoWidget::CVideoWidget(std::shared_ptr<CFrameMailbox> mailbox, QWidget* parent)
@@ -38,12 +40,16 @@ bool CVideoWidget::event(QEvent* event)
     return QWidget::event(event);
 }
 
-void CVideoWidget::paintEvent(QPaintEvent*)
+void CVideoWidget::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     if (m_frame.isNull()) {
         painter.fillRect(rect(), Qt::black);
         return;
     }
-    painter.drawImage(rect(), m_frame);
+    if (m_shown.size() != size())
+        m_shown = QImage(size(), QImage::Format_RGB32);
+    const QRect part = event->rect() & rect();
+    ScaleBgrInto(m_frame, m_shown, part);
+    painter.drawImage(part.topLeft(), m_shown, part);
 }

@@ -9,7 +9,9 @@ class CFrameMailbox;
 
 // The video window: shows the newest frame of its mailbox stretched over the
 // widget. Mouse input passes through to the widget below (its owner), so the
-// measuring shapes still get it.
+// measuring shapes still get it. A paint scales only the pixels it repaints
+// straight from the frame's buffer into a picture of the widget's size, which
+// the painter then copies unscaled.
 class CVideoWidget : public QWidget
 {
     Q_OBJECT
@@ -28,5 +30,7 @@ protected:
 private:
     std::shared_ptr<CFrameMailbox> m_mailbox;
     QImage m_frame;
+    // The frame as shown, at the widget's size; reused from paint to paint.
+    QImage m_shown;
     int m_framesShown = 0;
 };

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QRect>
+
+class QImage;
+
+// Puts a BGR frame on a 32-bit picture of the displayed size, nearest
+// neighbour, writing only `part` of it: a repaint then costs one pass over the
+// pixels painted, with no conversion of the whole frame. The sampling is the
+// one Qt's painter uses for an unsmoothed drawImage clipped to `part`, so the
+// window shows the same pixels it always did at every zoom level.
+void ScaleBgrInto(const QImage& frame, QImage& target, const QRect& part);

@@ -1,0 +1,75 @@
+#include "capture/DisplayScaler.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace {
+
+// Every pixel different, so a sample taken one column or row off shows.
+QImage NoisyFrame(int width, int height)
+{
+    QImage frame(width, height, QImage::Format_BGR888);
+    std::mt19937 random(7);
+    for (int y = 0; y < height; ++y) {
+        uchar* row = frame.scanLine(y);
+        for (int x = 0; x < 3 * width; ++x)
+            row[x] = uchar(random());
+    }
+    return frame;
+}
+
+// What the window showed before: the painter stretching the frame over it,
+// clipped to the part repainted.
+QImage PainterShows(const QImage& frame, QSize shown, QRect part, QRgb outside)
+{
+    QImage out(shown, QImage::Format_RGB32);
+    out.fill(outside);
+    QPainter painter(&out);
+    painter.setClipRect(part);
+    painter.drawImage(QRect(QPoint(0, 0), shown), frame);
+    return out;
+}
+
+QImage ScalerShows(const QImage& frame, QSize shown, QRect part, QRgb outside)
+{
+    QImage out(shown, QImage::Format_RGB32);
+    out.fill(outside);
+    ScaleBgrInto(frame, out, part);
+    return out;
+}
+
+} // namespace
+
+// The zoom levels of the view (250 % down to 25 %) over odd frame sizes, the
+// whole window and parts of it, as a scrolled or half-covered window repaints.
+TEST(DisplayScaler, ShowsWhatThePainterShowedAtEveryZoom)
+{
+    const int zooms[][2] = { { 5, 2 }, { 2, 1 }, { 3, 2 }, { 5, 4 }, { 1, 1 }, { 3, 4 }, { 2, 3 }, { 1, 2 },
+        { 1, 3 }, { 1, 4 } };
+    const QRgb outside = qRgb(1, 2, 3);
+    for (const QSize size : { QSize(161, 121), QSize(128, 102) }) {
+        const QImage frame = NoisyFrame(size.width(), size.height());
+        for (const auto& zoom : zooms) {
+            const QSize shown(size.width() * zoom[0] / zoom[1], size.height() * zoom[0] / zoom[1]);
+            const QRect whole(QPoint(0, 0), shown);
+            for (const QRect part : { whole, QRect(7, 5, shown.width() / 2, shown.height() / 3),
+                     QRect(shown.width() - 9, shown.height() - 4, 40, 40) }) {
+                SCOPED_TRACE(testing::Message() << size.width() << "x" << size.height() << " zoom " << zoom[0]
+                                                << "/" << zoom[1] << " part " << part.x() << "," << part.y());
+                EXPECT_EQ(
+                    ScalerShows(frame, shown, part, outside), PainterShows(frame, shown, part, outside));
+            }
+        }
+    }
+}
+
+// A frame in a layout the window cannot read leaves the picture as it was.
+TEST(DisplayScaler, LeavesThePictureForAFrameItCannotRead)
+{
+    const QImage rgb = NoisyFrame(16, 16).convertToFormat(QImage::Format_RGB888);
+    const QImage shown = ScalerShows(rgb, QSize(20, 20), QRect(0, 0, 20, 20), qRgb(9, 9, 9));
+    EXPECT_EQ(shown.pixel(10, 10), qRgb(9, 9, 9));
+}
