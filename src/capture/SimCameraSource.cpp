@@ -51,6 +51,9 @@ struct SimState
     GstVideoInfo info;
     GstClockTime frameDuration = GST_SECOND / 30;
     std::uint64_t frame = 0;
+    // The running time the first frame was made at: the base class shifts
+    // every time stamp by it.
+    GstClockTime firstAt = 0;
     int framesDelivered = 0; // read by "frames"; guarded by mutex
 
     // Interrupts a late-frame sleep when the pipeline flushes or stops.
@@ -373,9 +376,11 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
     QString name;
     bool stage = false;
     QPointF stageTarget;
+    std::uint64_t delivered = 0;
     {
         std::lock_guard lock(s->mutex);
         name = s->cameraName;
+        delivered = s->framesDelivered;
         stage = s->stage;
         stageTarget = s->stageTarget;
         s->stageTarget = QPointF(-1.0, -1.0);
@@ -385,11 +390,26 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
         }
     }
     const SimCameraFault fault = FaultFor(name);
-    if (fault.failAfterFrames > 0 && s->frame >= std::uint64_t(fault.failAfterFrames)) {
+    if (fault.failAfterFrames > 0 && delivered >= std::uint64_t(fault.failAfterFrames)) {
         // The words and codes v4l2src uses when its device vanishes.
         GST_ELEMENT_ERROR(
             src, RESOURCE, READ, ("Could not read from resource."), ("poll error 1: No such device (19)"));
         return GST_FLOW_ERROR;
+    }
+
+    // Not read in time, a camera drops frames and keeps to the clock; one
+    // falling behind it instead would make recordings shorter than the time
+    // they took.
+    if (GstClock* clock = gst_element_get_clock(GST_ELEMENT(src))) {
+        const GstClockTime now = gst_clock_get_time(clock) - gst_element_get_base_time(GST_ELEMENT(src));
+        gst_object_unref(clock);
+        if (s->frame == 0) {
+            s->firstAt = now;
+        } else if (now > s->firstAt) {
+            const std::uint64_t due = (now - s->firstAt) / s->frameDuration;
+            if (due > s->frame + 1)
+                s->frame = due;
+        }
     }
 
     QImage staged;
