@@ -1,6 +1,7 @@
 // The live window as a user sees it: the program itself under a virtual
-// display (Xvfb), the simulated camera at 1280 x 1024 and 30 frames per
-// second, the overlay on, zoom 125 %. Reports the program's CPU in percent of
+// display (Xvfb), the simulated camera at 1280 x 1024 (its first size) or
+// 3840 x 2160 (chosen in Video > Video Resolution with xdotool, as a user
+// would) and 30 frames per second, the overlay on, zoom 125 %. Reports the program's CPU in percent of
 // one core (from /proc/PID/stat), the simulated camera's own cost (the same
 // source alone into a fake sink, in this process) and the difference: what
 // showing, processing and painting the frames cost.
@@ -10,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QSize>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -101,6 +103,47 @@ QString StartDisplay(QProcess& xvfb)
     return QString::fromLatin1(xvfb.readLine()).trimmed();
 }
 
+// The video menu (the sixth), its resolution command, the last format of the
+// list; true once the view shows frames of that size.
+bool ChooseLastFormat(const QProcessEnvironment& env, QProcess& program, QSize size)
+{
+    const auto xdotool = [&](const QStringList& args) {
+        QProcess tool;
+        tool.setProcessEnvironment(env);
+        tool.start(QStringLiteral("xdotool"), args);
+        return tool.waitForFinished(5000) && tool.exitCode() == 0;
+    };
+    QStringList open { "mousemove", "15", "8", "click", "1", "sleep", "0.4" };
+    for (int i = 0; i < 5; ++i)
+        open << "key"
+             << "Right"
+             << "sleep"
+             << "0.1";
+    open << "key"
+         << "r"
+         << "sleep"
+         << "1"
+         << "key"
+         << "End"
+         << "sleep"
+         << "0.2"
+         << "key"
+         << "Return";
+    if (!xdotool(open))
+        return false;
+    // "display W, H": the zoomed size of the new frames.
+    const QByteArray shown
+        = QStringLiteral("display %1, %2").arg(size.width() * 5 / 4).arg(size.height() * 5 / 4).toUtf8();
+    QByteArray log;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!log.contains(shown) && std::chrono::steady_clock::now() < deadline) {
+        program.waitForReadyRead(500);
+        log += program.readAll();
+    }
+    QThread::msleep(kSettleMs);
+    return log.contains(shown);
+}
+
 void BM_LiveWindow(benchmark::State& state)
 {
     const int width = int(state.range(0));
@@ -125,8 +168,10 @@ void BM_LiveWindow(benchmark::State& state)
     env.insert(QStringLiteral("OCULIX_DATA_DIR"), data.path());
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), data.filePath(QStringLiteral("config")));
     env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    // The view logs the size it shows the frames at: proof of the format.
+    env.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("oculix.app.debug=true"));
     program.setProcessEnvironment(env);
-    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    program.setProcessChannelMode(QProcess::MergedChannels);
     // OCULIX_BENCH_PROGRAM measures another build of the program (before and after).
     const QString path = qEnvironmentVariable("OCULIX_BENCH_PROGRAM", QStringLiteral(OCULIX_APP_PATH));
     program.start(path, { QStringLiteral("--demo-camera") });
@@ -134,11 +179,25 @@ void BM_LiveWindow(benchmark::State& state)
         state.SkipWithError("the program did not start");
         return;
     }
+    program.setReadChannel(QProcess::StandardOutput);
     QThread::msleep(kSettleMs);
+    if (width != 1280 && !ChooseLastFormat(env, program, QSize(width, height))) {
+        state.SkipWithError("could not choose the format (package xdotool)");
+        program.kill();
+        program.waitForFinished();
+        return;
+    }
     const qint64 pid = program.processId();
     double window = 0;
-    for (auto _ : state)
-        window = PercentOver([pid] { return ProcessCpuSeconds(pid); }, kMeasureMs);
+    for (auto _ : state) {
+        // The log is drained while measuring, or the program blocks on it.
+        window = PercentOver(
+            [&] {
+                program.readAll();
+                return ProcessCpuSeconds(pid);
+            },
+            kMeasureMs);
+    }
     program.terminate();
     program.waitForFinished(5000);
     xvfb.terminate();
@@ -155,4 +214,9 @@ void BM_LiveWindow(benchmark::State& state)
 
 } // namespace
 
-BENCHMARK(BM_LiveWindow)->Args({ 1280, 1024 })->Iterations(1)->Unit(benchmark::kSecond)->UseRealTime();
+BENCHMARK(BM_LiveWindow)
+    ->Args({ 1280, 1024 })
+    ->Args({ 3840, 2160 })
+    ->Iterations(1)
+    ->Unit(benchmark::kSecond)
+    ->UseRealTime();
