@@ -167,6 +167,9 @@ void BM_LiveWindow(benchmark::State& state)
     env.insert(QStringLiteral("DISPLAY"), QStringLiteral(":") + display);
     env.insert(QStringLiteral("OCULIX_DATA_DIR"), data.path());
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), data.filePath(QStringLiteral("config")));
+    // A folder of its own for the single-instance socket: another copy of the
+    // program running meanwhile would otherwise take this one's start over.
+    env.insert(QStringLiteral("XDG_RUNTIME_DIR"), data.path());
     env.remove(QStringLiteral("QT_QPA_PLATFORM"));
     // The view logs the size it shows the frames at: proof of the format.
     env.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("oculix.app.debug=true"));
