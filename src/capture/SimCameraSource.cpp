@@ -43,6 +43,9 @@ struct SimState
     bool stage = false;
     QPointF stageTarget { -1.0, -1.0 };
     QPointF stageAt;
+    // Off: the balance properties still work but are not offered as
+    // controls, as on a camera without a white balance of its own.
+    bool balanceControls = true;
 
     // Streaming thread only, between set_caps and stop.
     std::unique_ptr<CSimScene> scene;
@@ -96,6 +99,9 @@ enum {
     PROP_STAGE,
     PROP_STAGE_X,
     PROP_STAGE_Y,
+    PROP_RED_BALANCE,
+    PROP_BLUE_BALANCE,
+    PROP_BALANCE_CONTROLS,
 };
 
 SimState* State(gpointer object)
@@ -177,6 +183,17 @@ void SetProperty(GObject* object, guint id, const GValue* value, GParamSpec* psp
     case PROP_STAGE:
         s->stage = g_value_get_boolean(value);
         break;
+    case PROP_RED_BALANCE:
+        s->controls.redBalance = g_value_get_int(value);
+        s->controlsChanged = true;
+        break;
+    case PROP_BLUE_BALANCE:
+        s->controls.blueBalance = g_value_get_int(value);
+        s->controlsChanged = true;
+        break;
+    case PROP_BALANCE_CONTROLS:
+        s->balanceControls = g_value_get_boolean(value);
+        break;
     case PROP_STAGE_X:
         s->stageTarget = QPointF(
             g_value_get_double(value), s->stageTarget.y() < 0 ? s->stageAt.y() : s->stageTarget.y());
@@ -236,6 +253,15 @@ void GetProperty(GObject* object, guint id, GValue* value, GParamSpec* pspec)
         break;
     case PROP_STAGE:
         g_value_set_boolean(value, s->stage);
+        break;
+    case PROP_RED_BALANCE:
+        g_value_set_int(value, s->controls.redBalance);
+        break;
+    case PROP_BLUE_BALANCE:
+        g_value_set_int(value, s->controls.blueBalance);
+        break;
+    case PROP_BALANCE_CONTROLS:
+        g_value_set_boolean(value, s->balanceControls);
         break;
     case PROP_STAGE_X:
         g_value_set_double(value, s->stageTarget.x() >= 0 ? s->stageTarget.x() : s->stageAt.x());
@@ -498,6 +524,15 @@ static void oculix_sim_src_class_init(OculixSimSrcClass* klass)
     g_object_class_install_property(object, PROP_UNEVEN_LIGHT,
         g_param_spec_int(
             "uneven-light", "Uneven light", "Light falling off across the field, percent", 0, 90, 0, flags));
+    g_object_class_install_property(object, PROP_RED_BALANCE,
+        g_param_spec_int(
+            "red-balance", "Red balance", "Gain of the red channel, percent", 10, 400, 100, flags));
+    g_object_class_install_property(object, PROP_BLUE_BALANCE,
+        g_param_spec_int(
+            "blue-balance", "Blue balance", "Gain of the blue channel, percent", 10, 400, 100, flags));
+    g_object_class_install_property(object, PROP_BALANCE_CONTROLS,
+        g_param_spec_boolean("balance-controls", "Balance controls",
+            "Whether the red and blue balance are offered as camera controls", TRUE, flags));
     g_object_class_install_property(object, PROP_STAGE,
         g_param_spec_boolean("stage", "Stage",
             "A slide several fields across under a stage that moves (default: OCULIX_DEMO_STAGE=1)", FALSE,

@@ -18,7 +18,10 @@
 // (0..90 percent), "stage" (bool: frames of SimStage's larger slide instead,
 // on by default when OCULIX_DEMO_STAGE=1), "stage-x" and "stage-y" (the
 // stage's position in slide pixels), "frames" (read-only count of frames
-// delivered since the last start).
+// delivered since the last start), "red-balance" and "blue-balance" (the
+// camera's white balance: gains of the red and blue channels in percent,
+// 10..400) and "balance-controls" (bool, on: whether those two are offered as
+// camera controls).
 
 inline constexpr const char* kSimCameraElement = "oculixsimcamsrc";
 
