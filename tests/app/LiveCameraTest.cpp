@@ -206,3 +206,23 @@ TEST_F(LiveCamera, FirstStartWithoutACameraOffersTheSimulatedOne)
     EXPECT_EQ(ActiveView()->findChild<QPushButton*>(QStringLiteral("UseSimulatedCamera")), nullptr);
     EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
 }
+
+// A rectangle dragged over the slide's beige background, then "White
+// Balance": the whole rectangle is measured and the camera's own gains make
+// it gray, without a word to the user.
+TEST_F(LiveCamera, WhiteBalanceFromADraggedRectangleSetsTheCamerasGains)
+{
+    PlugIn(QStringLiteral("Plain Camera"));
+    Start(false);
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_NE(live, nullptr) << messages.join('\n').toStdString();
+    ASSERT_TRUE(FreshFrames(*live));
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_RECT));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(10, 150), QPoint(70, 200));
+    messages.clear();
+    ASSERT_TRUE(frame->RouteCommand(ID_VIDEO_WHITE_BALANCE));
+    EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+    int blue = 0;
+    g_object_get(live->GetGraph().DeviceElement(), "blue-balance", &blue, nullptr);
+    EXPECT_GT(blue, 100) << "the lamp is short of blue";
+}
