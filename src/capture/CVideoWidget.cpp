@@ -3,6 +3,7 @@
 #include "capture/CFrameMailbox.h"
 #include "capture/DisplayScaler.h"
 
+#include <QDateTime>
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -40,6 +41,14 @@ bool CVideoWidget::event(QEvent* event)
     return QWidget::event(event);
 }
 
+void CVideoWidget::SetClippingShown(bool on)
+{
+    if (on == m_clipping)
+        return;
+    m_clipping = on;
+    update();
+}
+
 void CVideoWidget::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
@@ -51,5 +60,8 @@ void CVideoWidget::paintEvent(QPaintEvent* event)
         m_shown = QImage(size(), QImage::Format_RGB32);
     const QRect part = event->rect() & rect();
     ScaleBgrInto(m_frame, m_shown, part);
+    // On for 400 ms, off for 400: the frames' repaints carry the flashing.
+    if (m_clipping && QDateTime::currentMSecsSinceEpoch() / 400 % 2 == 0)
+        MarkClipped(m_shown, part, qRgb(255, 0, 0), qRgb(0, 0, 255));
     painter.drawImage(part.topLeft(), m_shown, part);
 }

@@ -23,6 +23,10 @@ public:
     QImage CurrentFrame() const { return m_frame; }
     int FramesShown() const { return m_framesShown; }
 
+    // Clipped pixels flash over the picture (bright red, dark blue).
+    void SetClippingShown(bool on);
+    bool ClippingShown() const { return m_clipping; }
+
 protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -33,4 +37,5 @@ private:
     // The frame as shown, at the widget's size; reused from paint to paint.
     QImage m_shown;
     int m_framesShown = 0;
+    bool m_clipping = false;
 };

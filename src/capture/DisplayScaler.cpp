@@ -71,3 +71,21 @@ void ScaleBgrInto(const QImage& frame, QImage& target, const QRect& part)
         previous = out;
     }
 }
+
+void MarkClipped(QImage& shown, const QRect& part, QRgb bright, QRgb dark)
+{
+    const QRect area = part & shown.rect();
+    if (area.isEmpty() || shown.depth() != 32)
+        return;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        auto* px = reinterpret_cast<quint32*>(shown.scanLine(y)) + area.left();
+        for (int i = 0; i < area.width(); ++i) {
+            const quint32 p = px[i];
+            const quint32 r = (p >> 16) & 0xff, g = (p >> 8) & 0xff, b = p & 0xff;
+            if (r == 255 || g == 255 || b == 255)
+                px[i] = bright;
+            else if (r == 0 || g == 0 || b == 0)
+                px[i] = dark;
+        }
+    }
+}

@@ -1,11 +1,14 @@
 #include "MeasureFrameFixture.h"
 #include "RequiredTools.h"
 #include "TestFiles.h"
+#include "app/CHistogramDock.h"
 #include "app/CommandTable.h"
+#include "capture/CVideoWidget.h"
 #include "capture/CameraModels.h"
 #include "capture/GstInit.h"
 #include "capture/SimCameraSource.h"
 #include "platform/PrivateProfile.h"
+#include "ui/CHistogramPanel.h"
 
 #include <QDialog>
 #include <QPushButton>
@@ -225,4 +228,26 @@ TEST_F(LiveCamera, WhiteBalanceFromADraggedRectangleSetsTheCamerasGains)
     int blue = 0;
     g_object_get(live->GetGraph().DeviceElement(), "blue-balance", &blue, nullptr);
     EXPECT_GT(blue, 100) << "the lamp is short of blue";
+}
+
+// "Flash clipped" in the histogram flashes the live picture's clipped pixels
+// while the histogram shows, and stops when it is hidden.
+TEST_F(LiveCamera, FlashClippedFollowsTheHistogramsSwitchAndVisibility)
+{
+    PlugIn(QStringLiteral("Plain Camera"));
+    Start(false);
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_NE(live, nullptr) << messages.join('\n').toStdString();
+    CVideoWidget* video = live->GetGraph().VideoWidget();
+    ASSERT_NE(video, nullptr);
+    auto* dock = frame->findChild<CHistogramDock*>();
+    ASSERT_NE(dock, nullptr);
+    ASSERT_TRUE(frame->RouteCommand(ID_VIEW_HISTOGRAM));
+    ASSERT_TRUE(WaitFor([&] { return dock->isVisible(); }, 5000));
+    EXPECT_FALSE(video->ClippingShown());
+    dock->Panel()->SetFlashClipping(true);
+    EXPECT_TRUE(video->ClippingShown());
+    ASSERT_TRUE(frame->RouteCommand(ID_VIEW_HISTOGRAM));
+    ASSERT_TRUE(WaitFor([&] { return !dock->isVisible(); }, 5000));
+    EXPECT_FALSE(video->ClippingShown());
 }

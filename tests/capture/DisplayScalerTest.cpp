@@ -73,3 +73,27 @@ TEST(DisplayScaler, LeavesThePictureForAFrameItCannotRead)
     const QImage shown = ScalerShows(rgb, QSize(20, 20), QRect(0, 0, 20, 20), qRgb(9, 9, 9));
     EXPECT_EQ(shown.pixel(10, 10), qRgb(9, 9, 9));
 }
+
+// The clipping warning marks a pixel with any channel at 255 (before one at
+// 0) and leaves the rest of the part, and everything outside it, alone.
+TEST(DisplayScaler, ClippedPixelsAreMarkedInsideThePartOnly)
+{
+    QImage shown(4, 2, QImage::Format_RGB32);
+    const QRgb row0[] = { qRgb(255, 10, 10), qRgb(10, 255, 10), qRgb(10, 10, 255), qRgb(255, 0, 7) };
+    const QRgb row1[] = { qRgb(0, 10, 10), qRgb(10, 0, 10), qRgb(10, 10, 0), qRgb(254, 1, 200) };
+    for (int x = 0; x < 4; ++x) {
+        shown.setPixel(x, 0, row0[x]);
+        shown.setPixel(x, 1, row1[x]);
+    }
+    const QRgb bright = qRgb(200, 0, 0), dark = qRgb(0, 0, 200);
+    MarkClipped(shown, QRect(0, 0, 4, 2), bright, dark);
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(shown.pixel(x, 0), bright) << x;
+    for (int x = 0; x < 3; ++x)
+        EXPECT_EQ(shown.pixel(x, 1), dark) << x;
+    EXPECT_EQ(shown.pixel(3, 1), row1[3]);
+
+    shown.setPixel(0, 0, row0[0]);
+    MarkClipped(shown, QRect(1, 0, 3, 2), qRgb(1, 2, 3), qRgb(1, 2, 3));
+    EXPECT_EQ(shown.pixel(0, 0), row0[0]);
+}
