@@ -131,7 +131,7 @@ void CHistogramPanel::changeEvent(QEvent* event)
 void CHistogramPanel::Retranslate()
 {
     m_log->setText(tr("&Log scale"));
-    m_flash->setText(tr("&Flash clipped"));
+    m_flash->setText(tr("Flash &clipped"));
     m_flash->setToolTip(tr("Clipped pixels flash in the live picture: bright ones red, dark ones blue"));
     m_clipped->setText(ClippedText());
 }
