@@ -56,12 +56,17 @@ void CVideoWidget::paintEvent(QPaintEvent* event)
         painter.fillRect(rect(), Qt::black);
         return;
     }
-    if (m_shown.size() != size())
-        m_shown = QImage(size(), QImage::Format_RGB32);
-    const QRect part = event->rect() & rect();
-    ScaleBgrInto(m_frame, m_shown, part);
+    // Only what shows is computed: at a large zoom the widget is far bigger
+    // than the part of it in view.
+    const QRect part = event->rect() & visibleRegion().boundingRect();
+    if (part.isEmpty())
+        return;
+    if (m_shown.width() < part.width() || m_shown.height() < part.height())
+        m_shown = QImage(part.size().expandedTo(m_shown.size()), QImage::Format_RGB32);
+    const QRect piece(QPoint(0, 0), part.size());
+    ScaleBgrInto(m_frame, size(), part, m_shown);
     // On for 400 ms, off for 400: the frames' repaints carry the flashing.
     if (m_clipping && QDateTime::currentMSecsSinceEpoch() / 400 % 2 == 0)
-        MarkClipped(m_shown, part, qRgb(255, 0, 0), qRgb(0, 0, 255));
-    painter.drawImage(part.topLeft(), m_shown, part);
+        MarkClipped(m_shown, piece, qRgb(255, 0, 0), qRgb(0, 0, 255));
+    painter.drawImage(part.topLeft(), m_shown, piece);
 }

@@ -34,7 +34,7 @@ protected:
 private:
     std::shared_ptr<CFrameMailbox> m_mailbox;
     QImage m_frame;
-    // The frame as shown, at the widget's size; reused from paint to paint.
+    // The part of the frame a paint shows, as shown; reused from paint to paint.
     QImage m_shown;
     int m_framesShown = 0;
     bool m_clipping = false;

@@ -32,14 +32,15 @@ int Sample(std::int64_t at, int size)
 
 } // namespace
 
-void ScaleBgrInto(const QImage& frame, QImage& target, const QRect& part)
+void ScaleBgrInto(const QImage& frame, QSize shown, const QRect& part, QImage& out)
 {
-    const QRect area = part & target.rect();
-    if (frame.isNull() || area.isEmpty() || frame.format() != QImage::Format_BGR888 || target.depth() != 32)
+    const QRect area = part & QRect(QPoint(0, 0), shown);
+    if (frame.isNull() || area.isEmpty() || frame.format() != QImage::Format_BGR888 || out.depth() != 32
+        || out.width() < area.width() || out.height() < area.height())
         return;
     const int width = area.width();
     std::vector<int> columns(static_cast<std::size_t>(width));
-    const Walk across = WalkFor(area.left(), frame.width(), target.width());
+    const Walk across = WalkFor(area.left(), frame.width(), shown.width());
     for (int i = 0; i < width; ++i)
         columns[std::size_t(i)] = Sample(across.first + across.step * i, frame.width());
     // The frame's columns the part reads, made 32-bit a row at a time by the
@@ -50,25 +51,25 @@ void ScaleBgrInto(const QImage& frame, QImage& target, const QRect& part)
     const int span = columns.back() + 1;
     std::vector<quint32> wide(static_cast<std::size_t>(span));
 
-    const Walk down = WalkFor(area.top(), frame.height(), target.height());
+    const Walk down = WalkFor(area.top(), frame.height(), shown.height());
     int previousRow = -1;
     const quint32* previous = nullptr;
     for (int y = area.top(); y <= area.bottom(); ++y) {
         const int row = Sample(down.first + down.step * (y - area.top()), frame.height());
-        auto* out = reinterpret_cast<quint32*>(target.scanLine(y)) + area.left();
+        auto* line = reinterpret_cast<quint32*>(out.scanLine(y - area.top()));
         // Enlarged, neighbouring lines repeat a frame row: copied, not sampled.
         if (row == previousRow) {
-            std::memcpy(out, previous, sizeof(quint32) * std::size_t(width));
+            std::memcpy(line, previous, sizeof(quint32) * std::size_t(width));
         } else {
             libyuv::RGB24ToARGB(
                 frame.constScanLine(row) + 3 * left, 0, reinterpret_cast<uint8_t*>(wide.data()), 0, span, 1);
             const quint32* in = wide.data();
             const int* at = columns.data();
             for (int i = 0; i < width; ++i)
-                out[i] = in[at[i]];
+                line[i] = in[at[i]];
             previousRow = row;
         }
-        previous = out;
+        previous = line;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QPainter>
 
+#include <cstring>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -37,7 +38,12 @@ QImage ScalerShows(const QImage& frame, QSize shown, QRect part, QRgb outside)
 {
     QImage out(shown, QImage::Format_RGB32);
     out.fill(outside);
-    ScaleBgrInto(frame, out, part);
+    const QRect area = part & out.rect();
+    QImage piece(area.size(), QImage::Format_RGB32);
+    piece.fill(outside);
+    ScaleBgrInto(frame, shown, part, piece);
+    for (int y = 0; y < area.height(); ++y)
+        std::memcpy(out.scanLine(area.top() + y) + 4 * area.left(), piece.constScanLine(y), 4 * area.width());
     return out;
 }
 
@@ -66,12 +72,17 @@ TEST(DisplayScaler, ShowsWhatThePainterShowedAtEveryZoom)
     }
 }
 
-// A frame in a layout the window cannot read leaves the picture as it was.
+// A frame in a layout the window cannot read, or a picture too small for the
+// part, leaves the picture as it was.
 TEST(DisplayScaler, LeavesThePictureForAFrameItCannotRead)
 {
     const QImage rgb = NoisyFrame(16, 16).convertToFormat(QImage::Format_RGB888);
-    const QImage shown = ScalerShows(rgb, QSize(20, 20), QRect(0, 0, 20, 20), qRgb(9, 9, 9));
-    EXPECT_EQ(shown.pixel(10, 10), qRgb(9, 9, 9));
+    EXPECT_EQ(
+        ScalerShows(rgb, QSize(20, 20), QRect(0, 0, 20, 20), qRgb(9, 9, 9)).pixel(10, 10), qRgb(9, 9, 9));
+    QImage small(10, 10, QImage::Format_RGB32);
+    small.fill(qRgb(9, 9, 9));
+    ScaleBgrInto(NoisyFrame(16, 16), QSize(20, 20), QRect(0, 0, 20, 20), small);
+    EXPECT_EQ(small.pixel(5, 5), qRgb(9, 9, 9));
 }
 
 // The clipping warning marks a pixel with any channel at 255 (before one at
