@@ -38,7 +38,7 @@ void BM_LivePipeline(benchmark::State& state, int formatIndex, bool allOn, bool 
 {
     EnableDemoCamera(true);
     CXCapGraph graph;
-    graph.SetDeviceName(QString::fromUtf8(kDemoCameraName));
+    graph.SetDeviceName(DemoCameraName());
     if (graph.InitGraph() != S_OK) {
         state.SkipWithError("no demo camera");
         return;

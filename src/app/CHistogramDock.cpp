@@ -1,5 +1,6 @@
 #include "app/CHistogramDock.h"
 
+#include "capture/CVideoWidget.h"
 #include "capture/CXCapGraph.h"
 #include "ui/CHistogramPanel.h"
 
@@ -18,6 +19,7 @@ CHistogramDock::CHistogramDock(std::function<std::vector<LiveGraph>()> liveGraph
     setWindowTitle(tr("Histogram"));
     m_timer->setInterval(200);
     connect(m_timer, &QTimer::timeout, this, &CHistogramDock::Refresh);
+    connect(m_panel, &CHistogramPanel::flashClippingToggled, this, &CHistogramDock::Refresh);
     connect(this, &QDockWidget::visibilityChanged, this, [this](bool visible) {
         if (visible)
             m_timer->start();
@@ -40,6 +42,9 @@ void CHistogramDock::Refresh()
     for (const LiveGraph& live : m_liveGraphs()) {
         const bool wanted = showing && live.active;
         live.graph->KeepHistograms(wanted);
+        // The warning flashes only in the picture whose histogram shows.
+        if (CVideoWidget* video = live.graph->VideoWidget())
+            video->SetClippingShown(wanted && m_panel->FlashClipping());
         FrameHistogram histogram;
         if (wanted && live.graph->LastHistogram(&histogram))
             shown = histogram;

@@ -12,7 +12,8 @@ class QTimer;
 // The dockable live histogram. While it shows, the active live document's
 // element takes each frame's histogram and the panel follows it a few times
 // a second; every other live document, and all of them while it is hidden,
-// take none.
+// take none. Its "Flash clipped" switch flashes the clipped pixels in the
+// active document's video window while it shows.
 class CHistogramDock : public QDockWidget
 {
     Q_OBJECT

@@ -27,8 +27,9 @@ QRect CMeasureDoc::WhiteBalanceRegion() const
             chosen = shape.get();
     if (!chosen)
         return {};
+    // A rectangle keeps its four corners; the first and the last are opposite.
     auto* rect = const_cast<CGVLShape*>(chosen);
-    return QRect(*rect->GetCoord(0), *rect->GetCoord(1)).normalized();
+    return QRect(*rect->GetCoord(0), *rect->GetCoord(rect->CoordCount() - 1)).normalized();
 }
 
 void CMeasureDoc::OnWhiteBalance()

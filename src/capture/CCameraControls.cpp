@@ -23,6 +23,9 @@ constexpr std::pair<const char*, const char*> kSimProperties[] = {
     { "noise", "Noise" },
     { "drift", "Drift" },
     { "focus", "Focus" },
+    // As V4L2 names a camera's white balance gains.
+    { "red-balance", "Red Balance" },
+    { "blue-balance", "Blue Balance" },
 };
 
 int Ioctl(int fd, unsigned long request, void* arg)
@@ -106,9 +109,12 @@ QList<CameraControl> CCameraControls::QueryProperties() const
 {
     QList<CameraControl> out;
     GObjectClass* klass = G_OBJECT_GET_CLASS(m_source);
+    gboolean balance = TRUE;
+    if (g_object_class_find_property(klass, "balance-controls"))
+        g_object_get(m_source, "balance-controls", &balance, nullptr);
     for (const auto& [property, name] : kSimProperties) {
         GParamSpec* param = g_object_class_find_property(klass, property);
-        if (!param)
+        if (!param || (!balance && QByteArray(property).endsWith("-balance")))
             continue;
         // The focus knob is there only while the camera shows its relief.
         if (std::strcmp(property, "focus") == 0) {

@@ -188,9 +188,27 @@ void CSimScene::DrawSlideInThisThread()
         cv::GaussianBlur(rgb, rgb, cv::Size(), m_controls.blur, m_controls.blur, cv::BORDER_REPLICATE);
     }
 
-    m_slideYuy2Stride = std::size_t(w) * 2;
-    m_slideYuy2.assign(m_slideYuy2Stride * h, 0);
-    Yuy2FromRgb(m_slide, m_slideYuy2.data(), m_slideYuy2Stride);
+    ConvertSlide();
+}
+
+void CSimScene::ConvertSlide()
+{
+    m_slideYuy2Stride = std::size_t(m_slide.width()) * 2;
+    m_slideYuy2.assign(m_slideYuy2Stride * std::size_t(m_slide.height()), 0);
+    if (m_controls.redBalance == 100 && m_controls.blueBalance == 100) {
+        Yuy2FromRgb(m_slide, m_slideYuy2.data(), m_slideYuy2Stride);
+        return;
+    }
+    // The camera's white balance scales red and blue before anything else.
+    QImage balanced = m_slide.copy();
+    for (int y = 0; y < balanced.height(); ++y) {
+        uchar* px = balanced.scanLine(y);
+        for (int x = 0; x < balanced.width(); ++x, px += 3) {
+            px[0] = Clamp255((px[0] * m_controls.redBalance + 50) / 100);
+            px[2] = Clamp255((px[2] * m_controls.blueBalance + 50) / 100);
+        }
+    }
+    Yuy2FromRgb(balanced, m_slideYuy2.data(), m_slideYuy2Stride);
 }
 
 void CSimScene::Yuy2FromRgb(const QImage& rgb, uchar* dst, std::size_t stride)
@@ -270,11 +288,14 @@ void CSimScene::SetControls(const Controls& controls)
     const bool redraw = controls.rotation != old.rotation || controls.blur != old.blur;
     if (redraw)
         DrawSlide();
+    else if (controls.redBalance != old.redBalance || controls.blueBalance != old.blueBalance)
+        ConvertSlide();
     if (controls.noiseLevel != old.noiseLevel)
         BuildNoise();
     if (controls.vignetting != old.vignetting || controls.unevenLight != old.unevenLight)
         BuildGains();
-    if (redraw || controls.brightness != old.brightness || controls.contrast != old.contrast
+    if (redraw || controls.redBalance != old.redBalance || controls.blueBalance != old.blueBalance
+        || controls.brightness != old.brightness || controls.contrast != old.contrast
         || controls.saturation != old.saturation)
         AdjustSlide();
 }

@@ -58,6 +58,9 @@ public:
         // Light falling off linearly by this many percent from the left edge
         // to the right one and again from the top edge to the bottom one.
         int unevenLight = 0;
+        // White balance: gains of the red and blue channels in percent.
+        int redBalance = 100;
+        int blueBalance = 100;
     };
     void SetControls(const Controls& controls);
 
@@ -85,6 +88,7 @@ public:
 private:
     void DrawSlide();
     void DrawSlideInThisThread();
+    void ConvertSlide();
     void BuildNoise();
     void BuildGains();
     void AdjustSlide();

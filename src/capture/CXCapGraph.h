@@ -207,6 +207,7 @@ public:
     // The pipeline and the bound device's element, for diagnostics and tests.
     GstElement* Pipeline() const { return m_graph; }
     GstElement* DeviceElement() const { return m_device; }
+    GstDevice* BoundDevice() const { return m_boundDevice; }
 
 private:
     int InitPipeline();

@@ -352,7 +352,9 @@ void CXCapGraph::BuildRecordGraph()
         = gst_caps_new_simple("video/x-raw", "framerate", GST_TYPE_FRACTION, fpsNum, fpsDen, nullptr);
     g_object_set(rateCaps, "caps", fixed, nullptr);
     gst_caps_unref(fixed);
-    g_object_set(queue, "max-size-buffers", 30u, "max-size-bytes", 0u, "max-size-time", guint64(0), nullptr);
+    // A second of frames, but at most 256 MiB: thirty 4K frames would hold 750 MB.
+    g_object_set(
+        queue, "max-size-buffers", 30u, "max-size-bytes", 256u << 20, "max-size-time", guint64(0), nullptr);
     if (GstPad* in = gst_element_get_static_pad(encoder, "sink"))
         gst_object_unref(in);
     else

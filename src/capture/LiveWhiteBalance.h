@@ -5,8 +5,10 @@
 class ILiveDocument;
 
 // White balance of the live picture from a rectangle drawn over something
-// neutral: the element's RGB offsets are set so the rectangle turns gray,
-// through the document's switches, so the RGB dialog shows them.
+// neutral: through the camera's own red and blue gains where it has them
+// (kept for its next start, the element's offsets switched off), else the
+// element's RGB offsets are set so the rectangle turns gray, through the
+// document's switches, so the RGB dialog shows them.
 enum class LiveWhiteBalance {
     Done,
     Partial, // a cast beyond the largest offset: as gray as they allow

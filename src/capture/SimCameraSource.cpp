@@ -47,6 +47,9 @@ struct SimState
     // The specimen with relief ("depth") and the focus over it, micrometres.
     bool depth = false;
     int focusUm = kSimFocusDefaultUm;
+    // Off: the balance properties still work but are not offered as
+    // controls, as on a camera without a white balance of its own.
+    bool balanceControls = true;
 
     // Streaming thread only, between set_caps and stop.
     std::unique_ptr<CSimScene> scene;
@@ -57,6 +60,9 @@ struct SimState
     GstVideoInfo info;
     GstClockTime frameDuration = GST_SECOND / 30;
     std::uint64_t frame = 0;
+    // The running time the first frame was made at: the base class shifts
+    // every time stamp by it.
+    GstClockTime firstAt = 0;
     int framesDelivered = 0; // read by "frames"; guarded by mutex
 
     // Interrupts a late-frame sleep when the pipeline flushes or stops.
@@ -101,6 +107,9 @@ enum {
     PROP_STAGE_Y,
     PROP_DEPTH,
     PROP_FOCUS,
+    PROP_RED_BALANCE,
+    PROP_BLUE_BALANCE,
+    PROP_BALANCE_CONTROLS,
 };
 
 SimState* State(gpointer object)
@@ -199,6 +208,17 @@ void SetProperty(GObject* object, guint id, const GValue* value, GParamSpec* psp
     case PROP_FOCUS:
         s->focusUm = g_value_get_int(value);
         break;
+    case PROP_RED_BALANCE:
+        s->controls.redBalance = g_value_get_int(value);
+        s->controlsChanged = true;
+        break;
+    case PROP_BLUE_BALANCE:
+        s->controls.blueBalance = g_value_get_int(value);
+        s->controlsChanged = true;
+        break;
+    case PROP_BALANCE_CONTROLS:
+        s->balanceControls = g_value_get_boolean(value);
+        break;
     case PROP_STAGE_X:
         s->stageTarget = QPointF(
             g_value_get_double(value), s->stageTarget.y() < 0 ? s->stageAt.y() : s->stageTarget.y());
@@ -264,6 +284,15 @@ void GetProperty(GObject* object, guint id, GValue* value, GParamSpec* pspec)
         break;
     case PROP_FOCUS:
         g_value_set_int(value, s->focusUm);
+        break;
+    case PROP_RED_BALANCE:
+        g_value_set_int(value, s->controls.redBalance);
+        break;
+    case PROP_BLUE_BALANCE:
+        g_value_set_int(value, s->controls.blueBalance);
+        break;
+    case PROP_BALANCE_CONTROLS:
+        g_value_set_boolean(value, s->balanceControls);
         break;
     case PROP_STAGE_X:
         g_value_set_double(value, s->stageTarget.x() >= 0 ? s->stageTarget.x() : s->stageAt.x());
@@ -407,9 +436,11 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
     int focusUm = 0;
     bool drift = true;
     QPointF stageTarget;
+    std::uint64_t delivered = 0;
     {
         std::lock_guard lock(s->mutex);
         name = s->cameraName;
+        delivered = s->framesDelivered;
         stage = s->stage;
         depth = s->depth && !stage;
         focusUm = s->focusUm;
@@ -426,11 +457,26 @@ GstFlowReturn Create(GstPushSrc* src, GstBuffer** out)
         }
     }
     const SimCameraFault fault = FaultFor(name);
-    if (fault.failAfterFrames > 0 && s->frame >= std::uint64_t(fault.failAfterFrames)) {
+    if (fault.failAfterFrames > 0 && delivered >= std::uint64_t(fault.failAfterFrames)) {
         // The words and codes v4l2src uses when its device vanishes.
         GST_ELEMENT_ERROR(
             src, RESOURCE, READ, ("Could not read from resource."), ("poll error 1: No such device (19)"));
         return GST_FLOW_ERROR;
+    }
+
+    // Not read in time, a camera drops frames and keeps to the clock; one
+    // falling behind it instead would make recordings shorter than the time
+    // they took.
+    if (GstClock* clock = gst_element_get_clock(GST_ELEMENT(src))) {
+        const GstClockTime now = gst_clock_get_time(clock) - gst_element_get_base_time(GST_ELEMENT(src));
+        gst_object_unref(clock);
+        if (s->frame == 0) {
+            s->firstAt = now;
+        } else if (now > s->firstAt) {
+            const std::uint64_t due = (now - s->firstAt) / s->frameDuration;
+            if (due > s->frame + 1)
+                s->frame = due;
+        }
     }
 
     QImage staged;
@@ -525,6 +571,15 @@ static void oculix_sim_src_class_init(OculixSimSrcClass* klass)
     g_object_class_install_property(object, PROP_UNEVEN_LIGHT,
         g_param_spec_int(
             "uneven-light", "Uneven light", "Light falling off across the field, percent", 0, 90, 0, flags));
+    g_object_class_install_property(object, PROP_RED_BALANCE,
+        g_param_spec_int(
+            "red-balance", "Red balance", "Gain of the red channel, percent", 10, 400, 100, flags));
+    g_object_class_install_property(object, PROP_BLUE_BALANCE,
+        g_param_spec_int(
+            "blue-balance", "Blue balance", "Gain of the blue channel, percent", 10, 400, 100, flags));
+    g_object_class_install_property(object, PROP_BALANCE_CONTROLS,
+        g_param_spec_boolean("balance-controls", "Balance controls",
+            "Whether the red and blue balance are offered as camera controls", TRUE, flags));
     g_object_class_install_property(object, PROP_STAGE,
         g_param_spec_boolean("stage", "Stage",
             "A slide several fields across under a stage that moves (default: OCULIX_DEMO_STAGE=1)", FALSE,

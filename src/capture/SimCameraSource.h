@@ -21,7 +21,10 @@
 // specimen with relief, with its default options, instead; on by default
 // when OCULIX_DEMO_DEPTH=1; the stage wins when both are on), "focus" (its
 // focus, micrometres above the relief's lowest point), "frames" (read-only
-// count of frames delivered since the last start).
+// count of frames delivered since the last start), "red-balance" and
+// "blue-balance" (the camera's white balance: gains of the red and blue
+// channels in percent, 10..400) and "balance-controls" (bool, on: whether
+// those two are offered as camera controls).
 
 inline constexpr const char* kSimCameraElement = "oculixsimcamsrc";
 

@@ -221,7 +221,13 @@ GstCaps* DemoCameraCaps()
         "video/x-raw, format=(string)YUY2, width=(int)1600, height=(int)1200, "
         "pixel-aspect-ratio=(fraction)1/1, framerate=(fraction){ 15/1, 10/1 }; "
         "image/jpeg, width=(int)1280, height=(int)1024, pixel-aspect-ratio=(fraction)1/1, "
-        "framerate=(fraction)30/1");
+        "framerate=(fraction)30/1; "
+        // The sizes of 5-megapixel and 4K microscope cameras, last so the
+        // formats before keep their places in the list.
+        "video/x-raw, format=(string)YUY2, width=(int)2592, height=(int)1944, "
+        "pixel-aspect-ratio=(fraction)1/1, framerate=(fraction){ 15/1, 5/1 }; "
+        "video/x-raw, format=(string)YUY2, width=(int)3840, height=(int)2160, "
+        "pixel-aspect-ratio=(fraction)1/1, framerate=(fraction){ 30/1, 15/1 }");
 }
 
 void AddSimDevice(const QString& name, GstCaps* caps)

@@ -188,6 +188,15 @@ void CliCamera::StartRecording(
         m_graph.SetOperation(op.op, s);
     m_graph.SetFlatField(std::move(flat));
     m_graph.SetProcessEnable(1);
+    // The time asked for counts from the first frame on its way to the file:
+    // a camera starting again at 4K takes a second, which a short recording
+    // would otherwise spend without a frame.
+    const int start = Frames();
+    if (!Pump([&] { return Frames() > start; }, kFirstFramesTimeoutMs)) {
+        if (Interrupted())
+            ThrowFailure(QStringLiteral("interrupted"));
+        ThrowFailure(QStringLiteral("camera \"%1\" sent no pictures").arg(DeviceName()));
+    }
 }
 
 void CliCamera::StopRecording()

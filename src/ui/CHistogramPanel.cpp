@@ -14,13 +14,16 @@
 CHistogramPanel::CHistogramPanel(QWidget* parent)
     : QWidget(parent)
     , m_log(new QCheckBox(this))
+    , m_flash(new QCheckBox(this))
     , m_clipped(new QLabel(this))
 {
     setObjectName(QStringLiteral("histogramPanel"));
     m_log->setObjectName(QStringLiteral("histogramLog"));
+    m_flash->setObjectName(QStringLiteral("histogramFlash"));
     m_clipped->setObjectName(QStringLiteral("histogramClipped"));
     auto* row = new QHBoxLayout;
     row->addWidget(m_log);
+    row->addWidget(m_flash);
     row->addStretch();
     row->addWidget(m_clipped);
     auto* column = new QVBoxLayout(this);
@@ -28,6 +31,7 @@ CHistogramPanel::CHistogramPanel(QWidget* parent)
     column->addLayout(row);
     setMinimumSize(260, 150);
     connect(m_log, &QCheckBox::toggled, this, qOverload<>(&QWidget::update));
+    connect(m_flash, &QCheckBox::toggled, this, &CHistogramPanel::flashClippingToggled);
     Retranslate();
 }
 
@@ -46,6 +50,16 @@ bool CHistogramPanel::LogScale() const
 void CHistogramPanel::SetLogScale(bool on)
 {
     m_log->setChecked(on);
+}
+
+bool CHistogramPanel::FlashClipping() const
+{
+    return m_flash->isChecked();
+}
+
+void CHistogramPanel::SetFlashClipping(bool on)
+{
+    m_flash->setChecked(on);
 }
 
 QString CHistogramPanel::ClippedText() const
@@ -117,5 +131,7 @@ void CHistogramPanel::changeEvent(QEvent* event)
 void CHistogramPanel::Retranslate()
 {
     m_log->setText(tr("&Log scale"));
+    m_flash->setText(tr("Flash &clipped"));
+    m_flash->setToolTip(tr("Clipped pixels flash in the live picture: bright ones red, dark ones blue"));
     m_clipped->setText(ClippedText());
 }

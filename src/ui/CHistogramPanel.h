@@ -24,12 +24,18 @@ public:
 
     bool LogScale() const;
     void SetLogScale(bool on);
+    // Whether clipped pixels should flash in the live picture.
+    bool FlashClipping() const;
+    void SetFlashClipping(bool on);
     QString ClippedText() const;
 
     // A count's height as a share of the plot, 0 to 1, against the largest
     // count shown: in proportion, or on a logarithmic scale where one sample
     // is already visible.
     static double Height(std::uint32_t count, std::uint32_t largest, bool logScale);
+
+signals:
+    void flashClippingToggled(bool on);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -41,5 +47,6 @@ private:
 
     std::optional<FrameHistogram> m_histogram;
     QCheckBox* m_log;
+    QCheckBox* m_flash;
     QLabel* m_clipped;
 };

@@ -1,11 +1,14 @@
 #include "MeasureFrameFixture.h"
 #include "RequiredTools.h"
 #include "TestFiles.h"
+#include "app/CHistogramDock.h"
 #include "app/CommandTable.h"
+#include "capture/CVideoWidget.h"
 #include "capture/CameraModels.h"
 #include "capture/GstInit.h"
 #include "capture/SimCameraSource.h"
 #include "platform/PrivateProfile.h"
+#include "ui/CHistogramPanel.h"
 
 #include <QDialog>
 #include <QPushButton>
@@ -205,4 +208,46 @@ TEST_F(LiveCamera, FirstStartWithoutACameraOffersTheSimulatedOne)
     EXPECT_EQ(ActiveDoc(), live);
     EXPECT_EQ(ActiveView()->findChild<QPushButton*>(QStringLiteral("UseSimulatedCamera")), nullptr);
     EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+}
+
+// A rectangle dragged over the slide's beige background, then "White
+// Balance": the whole rectangle is measured and the camera's own gains make
+// it gray, without a word to the user.
+TEST_F(LiveCamera, WhiteBalanceFromADraggedRectangleSetsTheCamerasGains)
+{
+    PlugIn(QStringLiteral("Plain Camera"));
+    Start(false);
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_NE(live, nullptr) << messages.join('\n').toStdString();
+    ASSERT_TRUE(FreshFrames(*live));
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_RECT));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(10, 150), QPoint(70, 200));
+    messages.clear();
+    ASSERT_TRUE(frame->RouteCommand(ID_VIDEO_WHITE_BALANCE));
+    EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+    int blue = 0;
+    g_object_get(live->GetGraph().DeviceElement(), "blue-balance", &blue, nullptr);
+    EXPECT_GT(blue, 100) << "the lamp is short of blue";
+}
+
+// "Flash clipped" in the histogram flashes the live picture's clipped pixels
+// while the histogram shows, and stops when it is hidden.
+TEST_F(LiveCamera, FlashClippedFollowsTheHistogramsSwitchAndVisibility)
+{
+    PlugIn(QStringLiteral("Plain Camera"));
+    Start(false);
+    CMeasureDoc* live = CMeasureDoc::GetLiveDocument();
+    ASSERT_NE(live, nullptr) << messages.join('\n').toStdString();
+    CVideoWidget* video = live->GetGraph().VideoWidget();
+    ASSERT_NE(video, nullptr);
+    auto* dock = frame->findChild<CHistogramDock*>();
+    ASSERT_NE(dock, nullptr);
+    ASSERT_TRUE(frame->RouteCommand(ID_VIEW_HISTOGRAM));
+    ASSERT_TRUE(WaitFor([&] { return dock->isVisible(); }, 5000));
+    EXPECT_FALSE(video->ClippingShown());
+    dock->Panel()->SetFlashClipping(true);
+    EXPECT_TRUE(video->ClippingShown());
+    ASSERT_TRUE(frame->RouteCommand(ID_VIEW_HISTOGRAM));
+    ASSERT_TRUE(WaitFor([&] { return !dock->isVisible(); }, 5000));
+    EXPECT_FALSE(video->ClippingShown());
 }

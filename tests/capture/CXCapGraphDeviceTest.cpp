@@ -278,7 +278,7 @@ TEST_F(Devices, DialogsSetTheFormatTheCameraAndTheProcessing)
     EXPECT_EQ(r, 0);
 
     WhenOpen<CDevicePropertiesDlg>([](CDevicePropertiesDlg* d) {
-        EXPECT_EQ(d->Controls().size(), 6);
+        EXPECT_EQ(d->Controls().size(), 8);
         d->Apply(2, 150);
         d->reject();
     });

@@ -221,10 +221,11 @@ TEST_F(CaptureGraph, CallsAnswerForEveryStateOfTheGraphAndSwitchesSurviveRebuild
 
 TEST_F(CaptureGraph, FormatsAreListedAndAMissingSizeFallsBack)
 {
-    // The demo camera: the fastest of each size's rates, MJPG last.
+    // The demo camera: the fastest of each size's rates, MJPG after the
+    // sizes it always had, then the 5-megapixel and 4K ones.
     ASSERT_TRUE(BindCamera(graph, DemoCameraName()));
     const auto& f = graph.Formats();
-    ASSERT_EQ(f.size(), 4u);
+    ASSERT_EQ(f.size(), 6u);
     EXPECT_EQ(f[0].fourcc, "YUY2");
     EXPECT_EQ(f[0].width, 640u);
     EXPECT_EQ(f[0].fpsNum, 30);
@@ -234,9 +235,14 @@ TEST_F(CaptureGraph, FormatsAreListedAndAMissingSizeFallsBack)
     EXPECT_EQ(f[2].fpsNum, 15);
     EXPECT_EQ(f[3].fourcc, "MJPG");
     EXPECT_EQ(f[3].height, 1024u);
+    EXPECT_EQ(f[4].width, 2592u);
+    EXPECT_EQ(f[4].fpsNum, 15);
+    EXPECT_EQ(f[5].width, 3840u);
+    EXPECT_EQ(f[5].height, 2160u);
+    EXPECT_EQ(f[5].fpsNum, 30);
 
     // An index outside the list is a caller's mistake: nothing is built.
-    graph.SetSelectedFormat(4);
+    graph.SetSelectedFormat(6);
     EXPECT_DEBUG_DEATH(graph.BuildPreviewGraph(), "format index outside the list");
     EXPECT_FALSE(graph.HasProcess());
     graph.SetSelectedFormat(0);

@@ -2,9 +2,13 @@
 
 #include "CaptureTestSupport.h"
 #include "FakeLiveDocument.h"
+#include "capture/CCameraControlStore.h"
+#include "capture/CCameraControls.h"
 #include "image/FCObjImage.h"
 #include "image/WhiteBalance.h"
+#include "platform/AppPaths.h"
 
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -32,8 +36,9 @@ double Spread(const ChannelMeans& m)
 
 } // namespace
 
-// One rectangle over a tinted area of the live picture makes it gray within
-// 1 % through the element's RGB offsets, which the document's switches show;
+// One rectangle over a tinted area of the live picture of a camera without
+// white balance controls makes it gray within 1 % through the element's RGB
+// offsets, which the document's switches show;
 // doing it again keeps it there instead of adding up.
 TEST(LiveWhiteBalance, RectangleTurnsGrayThroughTheElement)
 {
@@ -44,6 +49,8 @@ TEST(LiveWhiteBalance, RectangleTurnsGrayThroughTheElement)
     FakeLiveDocument document(graph, dir.filePath("Setting.ini"));
     AddCapsCamera(QStringLiteral("Small Camera"), kSmallCameraCaps);
     ASSERT_TRUE(StartPreview(graph, QStringLiteral("Small Camera"), true));
+    // A camera without a white balance of its own.
+    g_object_set(graph.DeviceElement(), "balance-controls", FALSE, nullptr);
     // Background of the scene, a warm lamp's beige.
     const QRect drawn(8, 150, 60, 40);
     const QRect inside = drawn.adjusted(5, 5, -5, -5);
@@ -69,4 +76,54 @@ TEST(LiveWhiteBalance, RectangleTurnsGrayThroughTheElement)
 
     EXPECT_EQ(BalanceLiveRegion(document, QRect(10, 10, 6, 6)), LiveWhiteBalance::TooSmall);
     EXPECT_EQ(BalanceLiveRegion(document, QRect(1000, 10, 50, 50)), LiveWhiteBalance::Outside);
+}
+
+// A camera with red and blue gains of its own gets them set instead: the
+// element's offsets, on from an earlier balance, are taken out of the
+// measurement and switched off, the picture turns gray within 1 % with one
+// rectangle, and the gains are kept for the camera's next start.
+TEST(LiveWhiteBalance, RectangleTurnsGrayThroughTheCamerasOwnGains)
+{
+    SimCameraScope cameras;
+    MessageCollector messages;
+    QTemporaryDir dir;
+    const AppPaths saved = CurrentAppPaths();
+    AppPaths paths = saved;
+    paths.m_dataFolder = dir.path() + QLatin1Char('/');
+    SetCurrentAppPaths(paths);
+    const auto restore = qScopeGuard([&] { SetCurrentAppPaths(saved); });
+    CXCapGraph graph;
+    FakeLiveDocument document(graph, dir.filePath("Setting.ini"));
+    const QString name = QStringLiteral("Balanced Camera");
+    AddCapsCamera(name, kSmallCameraCaps);
+    ASSERT_TRUE(StartPreview(graph, name, true));
+    document.m_switches.rgb = true;
+    document.m_switches.red = 12;
+    document.m_switches.blue = 3;
+    graph.SetRgbGain(1, 12, 0, 3);
+    ASSERT_TRUE(WaitFreshFrames(graph));
+    const QRect drawn(8, 150, 60, 40);
+    const QRect inside = drawn.adjusted(5, 5, -5, -5);
+    ASSERT_GT(Spread(Means(graph, inside)), 0.03);
+
+    ASSERT_EQ(BalanceLiveRegion(document, drawn), LiveWhiteBalance::Done);
+    EXPECT_FALSE(document.m_switches.rgb);
+    int on = 1, r = -1, g = -1, b = -1;
+    ASSERT_EQ(graph.GetRgbGain(&on, &r, &g, &b), S_OK);
+    EXPECT_EQ(on, 0);
+    int red = 0, blue = 0;
+    g_object_get(graph.DeviceElement(), "red-balance", &red, "blue-balance", &blue, nullptr);
+    EXPECT_GT(blue, 100) << "the lamp is short of blue";
+    ASSERT_TRUE(WaitFreshFrames(graph));
+    ASSERT_TRUE(WaitFreshFrames(graph));
+    EXPECT_LE(Spread(Means(graph, inside)), 0.01);
+
+    CCameraControls controls(graph.DeviceElement(), nullptr);
+    const CCameraControlStore store;
+    for (const CameraControl& c : controls.Query())
+        if (c.property == "blue-balance") {
+            int kept = 0;
+            EXPECT_TRUE(store.Stored(CCameraControlStore::CameraKey(name, graph.BoundDevice()), c, &kept));
+            EXPECT_EQ(kept, blue);
+        }
 }

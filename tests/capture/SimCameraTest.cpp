@@ -184,3 +184,33 @@ TEST(SimCameraSource, LateFramesAreAllProcessedNotDroppedForQuality)
     // Stopping may catch one frame between the camera and the element.
     EXPECT_GE(processed, p.Frames() - 1) << "every frame the camera delivered was processed";
 }
+
+// A pipeline that stops reading for a while (an encoder falling behind) finds
+// the camera's next frame stamped at the clock's time, the frames in between
+// dropped, as a real camera's driver drops them: were they stamped one after
+// another instead, a recording would play back shorter than it took.
+TEST(SimCameraSource, ReadLateItDropsFramesAndKeepsToTheClock)
+{
+    SimCameraScope scope;
+    SourcePipeline p("oculixsimcamsrc name=src ! video/x-raw,width=64,height=48,framerate=30/1 ! "
+                     "appsink name=sink sync=false max-buffers=1 drop=false");
+    gst_element_set_state(p.pipeline, GST_STATE_PLAYING);
+    GstClock* clock = nullptr;
+    ASSERT_TRUE(
+        PumpUntil([&] { return (clock = gst_pipeline_get_clock(GST_PIPELINE(p.pipeline))) != nullptr; }));
+    const auto runningTime
+        = [&] { return gst_clock_get_time(clock) - gst_element_get_base_time(p.pipeline); };
+    // Nothing is read for 600 ms: the camera waits on the full sink.
+    ASSERT_TRUE(PumpUntil([&] { return runningTime() > 600 * GST_MSECOND; }));
+    const GstClockTime resumed = runningTime();
+    gst_object_unref(clock);
+    GstClockTime last = 0;
+    for (int i = 0; i < 4; ++i) {
+        GstSample* sample = gst_app_sink_pull_sample(GST_APP_SINK(p.sink));
+        ASSERT_NE(sample, nullptr);
+        last = GST_BUFFER_PTS(gst_sample_get_buffer(sample));
+        gst_sample_unref(sample);
+    }
+    // The frames held while nothing was read are older; the ones after not.
+    EXPECT_GE(last + 100 * GST_MSECOND, resumed) << last / GST_MSECOND << " ms";
+}

@@ -16,6 +16,7 @@
 #include <QBuffer>
 #include <QDirIterator>
 #include <QElapsedTimer>
+#include <QImageReader>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -138,7 +139,7 @@ TEST_F(CliDevices, ListsTheCamerasWithTheirFormats)
             demo = v.toObject();
     ASSERT_FALSE(demo.isEmpty()) << json.out.toStdString();
     const QJsonArray formats = demo["formats"].toArray();
-    ASSERT_EQ(formats.size(), 4);
+    ASSERT_EQ(formats.size(), 6);
     EXPECT_EQ(formats[0].toObject()["argument"].toString(), "640x480@30:YUY2");
     EXPECT_EQ(formats[0].toObject()["width"].toInt(), 640);
     EXPECT_EQ(formats[3].toObject()["format"].toString(), "MJPG");
@@ -338,6 +339,22 @@ TEST_F(CliRecording, FullDiskAndUnwritableFolderLeaveNoFile)
     EXPECT_ONE_ERROR(full, 1, "could not be written any further");
     EXPECT_TRUE(Files().isEmpty()) << Files().join(' ').toStdString();
     EXPECT_ONE_ERROR(Run({ "record", "--seconds", "1", Path("no/such/x.avi") }), 1, "does not exist");
+}
+
+// 4K frames go the whole way at their size, and a recording covers the time
+// it took even when the encoder cannot keep up with the camera (frames repeat
+// then, as the AVI's fixed rate needs).
+TEST_F(CliRecording, FourKFramesKeepTheirSizeAndTheirTime)
+{
+    const CliRun shot = Run({ "snapshot", "-q", "--format", "3840x2160", Path("4k.bmp") });
+    ASSERT_EQ(shot.code, 0) << shot.err.toStdString();
+    EXPECT_EQ(QImageReader(Path("4k.bmp")).size(), QSize(3840, 2160));
+    const CliRun run = Run({ "record", "--format", "3840x2160", "--seconds", "0.5", Path("4k.avi") });
+    ASSERT_EQ(run.code, 0) << run.err.toStdString();
+    const auto probe = ProbeVideo(Path("4k.avi"));
+    EXPECT_EQ(probe.value("width"), "3840");
+    EXPECT_EQ(probe.value("height"), "2160");
+    EXPECT_GE(probe.value("nb_read_frames").toInt(), 8) << run.err.toStdString();
 }
 
 TEST_F(CliTimelapse, PicturesAtTheIntervalNamedAsTheQuickSaveNamesThem)
