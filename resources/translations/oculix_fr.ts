@@ -184,6 +184,14 @@
         <source>&amp;Log scale</source>
         <translation>Échelle &amp;logarithmique</translation>
     </message>
+    <message>
+        <source>Flash &amp;clipped</source>
+        <translation>Faire clignoter l&apos;é&amp;crêtage</translation>
+    </message>
+    <message>
+        <source>Clipped pixels flash in the live picture: bright ones red, dark ones blue</source>
+        <translation>Les pixels écrêtés clignotent dans l&apos;image en direct : les clairs en rouge, les sombres en bleu</translation>
+    </message>
 </context>
 <context>
     <name>CInputTextDlg</name>

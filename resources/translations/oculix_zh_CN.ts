@@ -184,6 +184,14 @@
         <source>&amp;Log scale</source>
         <translation>对数刻度(&amp;L)</translation>
     </message>
+    <message>
+        <source>Flash &amp;clipped</source>
+        <translation>闪烁显示溢出像素(&amp;C)</translation>
+    </message>
+    <message>
+        <source>Clipped pixels flash in the live picture: bright ones red, dark ones blue</source>
+        <translation>实时画面中溢出的像素闪烁：过亮为红色，过暗为蓝色</translation>
+    </message>
 </context>
 <context>
     <name>CInputTextDlg</name>
