@@ -1,5 +1,7 @@
 #include "capture/CSimScene.h"
 
+#include "capture/DrawInOwnThread.h"
+
 #include <QBuffer>
 #include <QFont>
 #include <QImageWriter>
@@ -13,7 +15,6 @@
 #include <numbers>
 #include <opencv2/imgproc.hpp>
 #include <random>
-#include <thread>
 
 namespace {
 
@@ -79,12 +80,7 @@ CSimScene::CSimScene(unsigned width, unsigned height)
 
 void CSimScene::DrawSlide()
 {
-    // Text leaves font caches in the thread that draws it, freed when the
-    // thread ends. GStreamer keeps its streaming threads in a pool that can
-    // outlive the application object, whose end those caches must precede;
-    // a thread of the drawing's own ends at once.
-    std::thread drawing([this] { DrawSlideInThisThread(); });
-    drawing.join();
+    DrawInOwnThread([this] { DrawSlideInThisThread(); });
 }
 
 void CSimScene::DrawSlideInThisThread()

@@ -1,6 +1,7 @@
 #include "capture/SimStage.h"
 
 #include "capture/CSimScene.h"
+#include "capture/DrawInOwnThread.h"
 #include "image/Registration.h"
 
 #include <QFont>
@@ -18,7 +19,8 @@ SimStage::SimStage(const Options& options)
     m_options.frame = m_options.frame.expandedTo(QSize(16, 16));
     m_options.fieldsAcross = std::max(1.5, m_options.fieldsAcross);
     m_options.fieldsDown = std::max(1.5, m_options.fieldsDown);
-    DrawSlide();
+    // The slide's scale has numbers, drawn while the camera streams.
+    DrawInOwnThread([this] { DrawSlide(); });
     // The lens darkens towards the corners, round about the centre.
     const int w = m_options.frame.width(), h = m_options.frame.height();
     const double loss = 1.0 - std::clamp(m_options.cornerShading, 0.05, 1.0);
