@@ -167,6 +167,10 @@ int RunRecord(const QStringList& arguments)
                          .arg(kMaxRecordPath - 20));
     }
     try {
+        // The file's stream starts with the pipeline, before the first frame
+        // (which stands in until it comes): its length is this clock's.
+        QElapsedTimer stream;
+        stream.start();
         camera.StartRecording(temporary, switches, flat);
         const int start = camera.Frames();
         QElapsedTimer clock;
@@ -189,7 +193,7 @@ int RunRecord(const QStringList& arguments)
             ThrowFailure(
                 QStringLiteral("cannot write %1: %2").arg(out, QString::fromLocal8Bit(std::strerror(errno))));
         PrintProgress(QStringLiteral("Recorded %1 s from \"%2\" to %3")
-                          .arg(double(clock.elapsed()) / 1000, 0, 'f', 1)
+                          .arg(double(stream.elapsed()) / 1000, 0, 'f', 1)
                           .arg(camera.DeviceName(), out));
     } catch (CliError& error) {
         // A camera lost on the way leaves the frames so far in a finished
