@@ -61,6 +61,35 @@ template <typename Work> void InBands(int rows, const Work& work)
         std::max(1, 2 * cv::getNumThreads()));
 }
 
+// pyrDown and pyrUp on both cores. They mirror their input at its ends
+// rather than read the rows beyond, so each band works on its rows and a few
+// either side, starting on an even row, and keeps the rows of its own.
+void PyrDownInBands(const cv::Mat& source, cv::Mat& result)
+{
+    result.create((source.rows + 1) / 2, (source.cols + 1) / 2, source.type());
+    InBands(result.rows, [&](const cv::Range& rows) {
+        const cv::Range wide(std::max(0, 2 * rows.start - 4), std::min(source.rows, 2 * rows.end + 4));
+        cv::Mat band;
+        cv::pyrDown(source.rowRange(wide), band);
+        const int first = rows.start - wide.start / 2;
+        band.rowRange(first, first + rows.size()).copyTo(result.rowRange(rows));
+    });
+}
+
+void PyrUpInBands(const cv::Mat& source, cv::Mat& result, cv::Size size)
+{
+    result.create(size, source.type());
+    InBands((size.height + 1) / 2, [&](const cv::Range& pairs) {
+        // Result rows 2i and 2i + 1 come from source rows i - 1 to i + 1.
+        const cv::Range wide(std::max(0, pairs.start - 2), std::min(source.rows, pairs.end + 2));
+        const int height = wide.end == source.rows ? size.height - 2 * wide.start : 2 * wide.size();
+        cv::Mat band;
+        cv::pyrUp(source.rowRange(wide), band, cv::Size(size.width, height));
+        const cv::Range rows(2 * pairs.start, std::min(size.height, 2 * pairs.end));
+        band.rowRange(rows.start - 2 * wide.start, rows.end - 2 * wide.start).copyTo(result.rowRange(rows));
+    });
+}
+
 // In 16-bit fixed point, kPyramidScale steps to a level: half the memory
 // traffic of floating point, which the pyramid of a large frame is bound by.
 std::vector<cv::Mat> LaplacianPyramid(const cv::Mat& rgb8, int levels)
@@ -73,8 +102,8 @@ std::vector<cv::Mat> LaplacianPyramid(const cv::Mat& rgb8, int levels)
     for (int l = 0; l < levels - 1; ++l) {
         cv::Mat down;
         cv::Mat up;
-        cv::pyrDown(current, down);
-        cv::pyrUp(down, up, current.size());
+        PyrDownInBands(current, down);
+        PyrUpInBands(down, up, current.size());
         cv::Mat& level = pyramid[std::size_t(l)];
         level.create(current.size(), CV_16SC3);
         InBands(current.rows, [&](const cv::Range& rows) {
@@ -268,8 +297,10 @@ bool FocusStack::Add(const QImage& frame)
     });
     const std::vector<cv::Mat> pyramid = LaplacianPyramid(warped, m->levels);
     for (int l = 0; l < m->levels; ++l) {
-        if (l > 0)
-            cv::pyrDown(weight, weight, m->fused[std::size_t(l)].size());
+        if (l > 0) {
+            cv::Mat finer = weight;
+            PyrDownInBands(finer, weight);
+        }
         Blend(m->fused[std::size_t(l)], pyramid[std::size_t(l)], weight);
     }
     m->warps.push_back(warp);
@@ -283,7 +314,7 @@ QImage FocusStack::Result() const
     cv::Mat current = m->fused.back();
     for (int l = m->levels - 2; l >= 0; --l) {
         cv::Mat up;
-        cv::pyrUp(current, up, m->fused[std::size_t(l)].size());
+        PyrUpInBands(current, up, m->fused[std::size_t(l)].size());
         cv::add(up, m->fused[std::size_t(l)], current);
     }
     QImage result(m->size.width, m->size.height, QImage::Format_RGB888);
