@@ -46,19 +46,69 @@ int Levels(cv::Size size)
     return levels;
 }
 
+// Runs the work on bands of rows on all cores. A band taken out of a whole
+// matrix keeps its neighbours' rows for the filters' borders, so a filter
+// band by band gives the same pixels as over the whole; most of OpenCV's
+// filters and element-wise operations use a single core by themselves.
+template <typename Work> void InBands(int rows, const Work& work)
+{
+    cv::parallel_for_(
+        cv::Range(0, rows),
+        [&](const cv::Range& band) {
+            if (!band.empty())
+                work(band);
+        },
+        std::max(1, 2 * cv::getNumThreads()));
+}
+
+// pyrDown and pyrUp on both cores. They mirror their input at its ends
+// rather than read the rows beyond, so each band works on its rows and a few
+// either side, starting on an even row, and keeps the rows of its own.
+void PyrDownInBands(const cv::Mat& source, cv::Mat& result)
+{
+    result.create((source.rows + 1) / 2, (source.cols + 1) / 2, source.type());
+    InBands(result.rows, [&](const cv::Range& rows) {
+        const cv::Range wide(std::max(0, 2 * rows.start - 4), std::min(source.rows, 2 * rows.end + 4));
+        cv::Mat band;
+        cv::pyrDown(source.rowRange(wide), band);
+        const int first = rows.start - wide.start / 2;
+        band.rowRange(first, first + rows.size()).copyTo(result.rowRange(rows));
+    });
+}
+
+void PyrUpInBands(const cv::Mat& source, cv::Mat& result, cv::Size size)
+{
+    result.create(size, source.type());
+    InBands((size.height + 1) / 2, [&](const cv::Range& pairs) {
+        // Result rows 2i and 2i + 1 come from source rows i - 1 to i + 1.
+        const cv::Range wide(std::max(0, pairs.start - 2), std::min(source.rows, pairs.end + 2));
+        const int height = wide.end == source.rows ? size.height - 2 * wide.start : 2 * wide.size();
+        cv::Mat band;
+        cv::pyrUp(source.rowRange(wide), band, cv::Size(size.width, height));
+        const cv::Range rows(2 * pairs.start, std::min(size.height, 2 * pairs.end));
+        band.rowRange(rows.start - 2 * wide.start, rows.end - 2 * wide.start).copyTo(result.rowRange(rows));
+    });
+}
+
 // In 16-bit fixed point, kPyramidScale steps to a level: half the memory
 // traffic of floating point, which the pyramid of a large frame is bound by.
 std::vector<cv::Mat> LaplacianPyramid(const cv::Mat& rgb8, int levels)
 {
     std::vector<cv::Mat> pyramid { std::size_t(levels) };
-    cv::Mat current;
-    rgb8.convertTo(current, CV_16SC3, kPyramidScale);
+    cv::Mat current(rgb8.size(), CV_16SC3);
+    InBands(rgb8.rows, [&](const cv::Range& rows) {
+        rgb8.rowRange(rows).convertTo(current.rowRange(rows), CV_16SC3, kPyramidScale);
+    });
     for (int l = 0; l < levels - 1; ++l) {
         cv::Mat down;
         cv::Mat up;
-        cv::pyrDown(current, down);
-        cv::pyrUp(down, up, current.size());
-        cv::subtract(current, up, pyramid[std::size_t(l)]);
+        PyrDownInBands(current, down);
+        PyrUpInBands(down, up, current.size());
+        cv::Mat& level = pyramid[std::size_t(l)];
+        level.create(current.size(), CV_16SC3);
+        InBands(current.rows, [&](const cv::Range& rows) {
+            cv::subtract(current.rowRange(rows), up.rowRange(rows), level.rowRange(rows));
+        });
         current = down;
     }
     pyramid.back() = current;
@@ -70,11 +120,17 @@ std::vector<cv::Mat> LaplacianPyramid(const cv::Mat& rgb8, int levels)
 // choice does not follow noise.
 cv::Mat FocusMeasure(const cv::Mat& gray8)
 {
-    cv::Mat laplacian;
-    cv::Laplacian(gray8, laplacian, CV_32F, 1);
-    cv::Mat energy = laplacian.mul(laplacian);
-    cv::GaussianBlur(energy, energy, cv::Size(), kFocusWindowSigma);
-    return energy;
+    cv::Mat energy(gray8.size(), CV_32F);
+    InBands(gray8.rows, [&](const cv::Range& rows) {
+        cv::Mat laplacian;
+        cv::Laplacian(gray8.rowRange(rows), laplacian, CV_32F, 1);
+        cv::multiply(laplacian, laplacian, energy.rowRange(rows));
+    });
+    cv::Mat focus(gray8.size(), CV_32F);
+    InBands(gray8.rows, [&](const cv::Range& rows) {
+        cv::GaussianBlur(energy.rowRange(rows), focus.rowRange(rows), cv::Size(), kFocusWindowSigma);
+    });
+    return focus;
 }
 
 // fused += weight * (frame - fused), per level, the weight one channel.
@@ -89,6 +145,12 @@ void Blend(cv::Mat& fused, const cv::Mat& frame, const cv::Mat& weight)
                 const float k = w[x];
                 if (k <= 0.0f)
                     continue;
+                // The finest level's weights are all 0 or 1, and the
+                // frame's value is then taken exactly.
+                if (k >= 1.0f) {
+                    std::copy_n(n + 3 * x, 3, f + 3 * x);
+                    continue;
+                }
                 for (int c = 3 * x; c < 3 * x + 3; ++c)
                     f[c] = short(std::lround(f[c] + k * float(n[c] - f[c])));
             }
@@ -203,23 +265,42 @@ bool FocusStack::Add(const QImage& frame)
 
     // Where this frame is sharper than every earlier one, cleaned of lone
     // pixels, and only where the frame has pixels of its own.
-    cv::Mat chosen = focus > m->best;
-    cv::medianBlur(chosen, chosen, 5);
-    cv::Mat covered = cv::Mat::zeros(m->size, CV_8U);
-    covered(Covered(warp, m->size)).setTo(255);
-    chosen &= covered;
-    focus.copyTo(m->best, chosen);
-    m->index.setTo(Count(), chosen);
-
-    // Each level blends with the choice smoothed to its own scale, so a
-    // depth step is a soft seam at coarse scales and a sharp one at fine
-    // scales: no ringing, and nothing is added to flat regions' noise.
-    cv::Mat weight;
-    chosen.convertTo(weight, CV_32F, 1.0 / 255.0);
+    cv::Mat sharper(m->size, CV_8U);
+    InBands(m->size.height, [&](const cv::Range& rows) {
+        cv::compare(focus.rowRange(rows), m->best.rowRange(rows), sharper.rowRange(rows), cv::CMP_GT);
+    });
+    const cv::Rect covered = Covered(warp, m->size);
+    cv::Mat chosen(m->size, CV_8U);
+    cv::Mat weight(m->size, CV_32F);
+    InBands(m->size.height, [&](const cv::Range& rows) {
+        // The median replicates the rows at its input's ends: given the
+        // band with the two rows either side, its own rows come out as over
+        // the whole picture.
+        const cv::Range wide(std::max(0, rows.start - 2), std::min(m->size.height, rows.end + 2));
+        cv::Mat median;
+        cv::medianBlur(sharper.rowRange(wide), median, 5);
+        cv::Mat band = chosen.rowRange(rows);
+        median.rowRange(rows.start - wide.start, rows.end - wide.start).copyTo(band);
+        for (int y = rows.start; y < rows.end; ++y)
+            if (y < covered.y || y >= covered.y + covered.height)
+                chosen.row(y).setTo(0);
+            else {
+                chosen.row(y).colRange(0, covered.x).setTo(0);
+                chosen.row(y).colRange(covered.x + covered.width, m->size.width).setTo(0);
+            }
+        focus.rowRange(rows).copyTo(m->best.rowRange(rows), band);
+        m->index.rowRange(rows).setTo(Count(), band);
+        // Each level blends with the choice smoothed to its own scale, so a
+        // depth step is a soft seam at coarse scales and a sharp one at fine
+        // scales: no ringing, and nothing is added to flat regions' noise.
+        band.convertTo(weight.rowRange(rows), CV_32F, 1.0 / 255.0);
+    });
     const std::vector<cv::Mat> pyramid = LaplacianPyramid(warped, m->levels);
     for (int l = 0; l < m->levels; ++l) {
-        if (l > 0)
-            cv::pyrDown(weight, weight, m->fused[std::size_t(l)].size());
+        if (l > 0) {
+            cv::Mat finer = weight;
+            PyrDownInBands(finer, weight);
+        }
         Blend(m->fused[std::size_t(l)], pyramid[std::size_t(l)], weight);
     }
     m->warps.push_back(warp);
@@ -233,7 +314,7 @@ QImage FocusStack::Result() const
     cv::Mat current = m->fused.back();
     for (int l = m->levels - 2; l >= 0; --l) {
         cv::Mat up;
-        cv::pyrUp(current, up, m->fused[std::size_t(l)].size());
+        PyrUpInBands(current, up, m->fused[std::size_t(l)].size());
         cv::add(up, m->fused[std::size_t(l)], current);
     }
     QImage result(m->size.width, m->size.height, QImage::Format_RGB888);

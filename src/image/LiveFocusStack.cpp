@@ -112,6 +112,12 @@ bool LiveFocusStack::Busy() const
     return m_busy;
 }
 
+void LiveFocusStack::WaitIdle() const
+{
+    std::unique_lock lock(m_mutex);
+    m_wake.wait(lock, [this] { return !m_busy; });
+}
+
 int LiveFocusStack::Seen() const
 {
     std::lock_guard lock(m_mutex);

@@ -36,6 +36,8 @@ public:
     void Finish();
     // Any thread: whether a frame is being judged or fused.
     bool Busy() const;
+    // Any thread: waits until the frame handed over last is judged.
+    void WaitIdle() const;
 
     // Any thread: frames judged and frames fused so far.
     int Seen() const;
@@ -56,7 +58,7 @@ private:
     void Judge(const QImage& frame);
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_wake;
+    mutable std::condition_variable m_wake;
     QImage m_pending;
     bool m_busy = false;
     bool m_quit = false;
