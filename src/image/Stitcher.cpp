@@ -129,12 +129,9 @@ void Stitcher::Impl::Trim()
         std::nth_element(recent.begin(), recent.end() - long(keep), recent.end());
         oldestKept = *(recent.end() - long(keep));
     }
-    for (StitchTile& tile : tiles) {
-        if (!tile.prepared.Full())
-            tile.prepared.spectrum.release(); // made again by a search that went that far
-        else if (tile.lastCompared < oldestKept)
+    for (StitchTile& tile : tiles)
+        if (tile.prepared.Full() && tile.lastCompared < oldestKept)
             Registration::Reduce(tile.prepared);
-    }
 }
 
 bool Stitcher::Impl::Place(StitchTile& tile, std::optional<cv::Point2d> near, int neighbours, QString* why)
@@ -154,6 +151,10 @@ bool Stitcher::Impl::Place(StitchTile& tile, std::optional<cv::Point2d> near, in
     for (const auto& [share, i] : order) {
         const Registration::Match coarse
             = Registration::Coarse(tiles[size_t(i)].prepared, tile.prepared, options.minOverlap);
+        // A reduced picture's spectrum is made again by the next search that
+        // goes that far: a search over every picture would otherwise keep them all.
+        if (!tiles[size_t(i)].prepared.Full())
+            tiles[size_t(i)].prepared.spectrum.release();
         if (coarse.ok && Verify(tile, tiles[size_t(i)].position + coarse.shift, neighbours))
             return true;
     }
