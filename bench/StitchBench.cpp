@@ -5,7 +5,8 @@
 //   micrometer measured on the mosaic, across seams;
 // - the brightness step across seams, with the shading evened out and not;
 // - stitching 20 pictures of 640 x 480 from JPEG files;
-// - registering and placing one 1280 x 1024 frame against a built mosaic.
+// - registering and placing one 1280 x 1024 frame against a built mosaic;
+// - the memory a live scan of 100 fields of 1280 x 1024 holds.
 // Figures on one core (OpenCV's threads off). The tables come first.
 #include "image/Stitcher.h"
 
@@ -24,6 +25,8 @@
 #include <cmath>
 #include <cstdio>
 #include <opencv2/core.hpp>
+#include <optional>
+#include <sys/resource.h>
 #include <vector>
 
 namespace {
@@ -297,6 +300,43 @@ void BM_TrackFrame1280(benchmark::State& state)
     }
 }
 BENCHMARK(BM_TrackFrame1280)->Unit(benchmark::kMillisecond);
+
+// A live scan of 10 x 10 fields of 1280 x 1024 as the live mosaic tracks it,
+// then a frame back over the first field with tracking lost: the memory the
+// stitcher holds (and the process's peak) when every picture keeps its full
+// registration data (argument 0) and when only the default few do.
+void BM_LiveScanMemory1280(benchmark::State& state)
+{
+    cv::setNumThreads(1);
+    const Scan scan { "10 x 10", 10, 10 };
+    SimStage stage(ScanOptions(scan, { 1280, 1024 }));
+    const std::vector<QPointF> path = stage.Serpentine(scan.columns, scan.rows, 0.6);
+    Stitcher::Options options;
+    options.minAgreement = 0.7;
+    if (state.range(0) == 0)
+        options.preparedPictures = int(path.size());
+    for (auto _ : state) {
+        Stitcher stitcher(options);
+        std::optional<QPointF> last;
+        for (const QPointF& at : path) {
+            stage.MoveTo(at);
+            const Stitcher::Tracked tracked = stitcher.Track(stage.Capture().picture, 0.15, last);
+            if (!tracked.found)
+                state.SkipWithError("a field was not placed");
+            last = tracked.position;
+        }
+        state.counters["tiles"] = stitcher.Count();
+        state.counters["held MB"] = double(stitcher.HeldBytes()) / 1e6;
+        state.counters["MB per tile"] = double(stitcher.HeldBytes()) / 1e6 / stitcher.Count();
+        stage.MoveTo(path.front() + QPointF(0.2 * 1280, 0.1 * 1024));
+        if (!stitcher.Track(stage.Capture().picture, 0.15, std::nullopt).found)
+            state.SkipWithError("the first field was not found again");
+    }
+    rusage usage {};
+    getrusage(RUSAGE_SELF, &usage);
+    state.counters["peak RSS MB"] = double(usage.ru_maxrss) / 1e3;
+}
+BENCHMARK(BM_LiveScanMemory1280)->Arg(1)->Arg(0)->Iterations(1)->Unit(benchmark::kSecond);
 
 // Where a placement's time goes: preparing a frame once, the coarse search
 // against one picture, the refinement against one.

@@ -126,6 +126,7 @@ double OverlapFraction(cv::Size reference, cv::Size moving, cv::Point2d shift)
 Prepared Prepare(const cv::Mat& gray)
 {
     Prepared out;
+    out.size = gray.size();
     // In logarithms vignetting and exposure add a smooth term that the
     // high-pass below takes away; the offset keeps dark noise from exploding.
     cv::Mat brightness;
@@ -170,9 +171,28 @@ Prepared Prepare(const cv::Mat& gray)
     return out;
 }
 
+void Reduce(Prepared& view)
+{
+    view.levels.clear();
+    view.gradX.clear();
+    view.gradY.clear();
+    view.spectrum.release();
+    view.spectrumSize = {};
+}
+
+std::size_t Bytes(const Prepared& view)
+{
+    std::size_t bytes
+        = view.reduced.total() * view.reduced.elemSize() + view.spectrum.total() * view.spectrum.elemSize();
+    for (const auto* mats : { &view.levels, &view.gradX, &view.gradY })
+        for (const cv::Mat& m : *mats)
+            bytes += m.total() * m.elemSize();
+    return bytes;
+}
+
 Match Coarse(const Prepared& reference, const Prepared& moving, double minOverlap)
 {
-    if (reference.levels.empty() || moving.levels.empty())
+    if (reference.reduced.empty() || !moving.Full())
         return {};
     const double scale = reference.reducedScale;
     const cv::Mat& a = reference.reduced;
@@ -252,7 +272,7 @@ Match Coarse(const Prepared& reference, const Prepared& moving, double minOverla
 Match Refine(const Prepared& reference, const Prepared& moving, cv::Point2d start, double minOverlap)
 {
     Match result;
-    if (reference.levels.empty() || moving.levels.empty())
+    if (!reference.Full() || !moving.Full())
         return result;
     if (OverlapFraction(reference.Size(), moving.Size(), start) < minOverlap)
         return result;
@@ -323,7 +343,7 @@ double Agreement(const Prepared& reference, const Prepared& moving, cv::Point2d 
     constexpr int kBlocks = 4;
     constexpr int kSmallestBlock = 8;
     constexpr double kBlockNcc = 0.4;
-    if (reference.levels.empty() || moving.levels.empty())
+    if (!reference.Full() || !moving.Full())
         return 0.0;
     // Half size is plenty to tell agreement from chance and costs a quarter.
     const int level = std::min(1, int(std::min(reference.levels.size(), moving.levels.size())) - 1);

@@ -3,6 +3,7 @@
 // Translation between two overlapping views of one specimen, for the
 // stitcher. OpenCV types: include only from sources of the core.
 
+#include <cstddef>
 #include <opencv2/core.hpp>
 #include <vector>
 
@@ -21,7 +22,11 @@ struct Prepared
     // asked for: a frame is searched against many, a tile by many frames.
     mutable cv::Mat spectrum;
     mutable cv::Size spectrumSize;
-    cv::Size Size() const { return levels.empty() ? cv::Size() : levels[0].size(); }
+    cv::Size size; // of the view
+    cv::Size Size() const { return size; }
+    // Whether the pyramid is there: Refine and Agreement need it, Coarse
+    // only the reduced copy of its reference.
+    bool Full() const { return !levels.empty(); }
 };
 
 // The longer side of the frames the coarse search compares.
@@ -29,6 +34,13 @@ constexpr int kSearchSide = 256;
 
 // `gray` is CV_8U or CV_32F brightness.
 Prepared Prepare(const cv::Mat& gray);
+
+// Drops all but what a reference needs in Coarse: a small part of the
+// whole, for a view that is rarely compared in full any more.
+void Reduce(Prepared& view);
+
+// The memory the view holds.
+std::size_t Bytes(const Prepared& view);
 
 struct Match
 {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <map>
 #include <opencv2/imgproc.hpp>
 #include <vector>
@@ -18,6 +19,7 @@ struct StitchTile
     cv::Mat logSmall; // log brightness, reduced and smoothed, for the shading fit
     cv::Point2d position; // top-left in the first picture's pixels
     double gain = 0.0; // log of the exposure relative to the first picture
+    std::uint64_t lastCompared = 0; // when it was last compared in full
 };
 
 namespace {
@@ -85,6 +87,7 @@ struct Stitcher::Impl
     bool shadingKnown = false;
     // Feathering and shading weights per picture size.
     std::map<std::pair<int, int>, std::pair<cv::Mat, cv::Mat>> weights;
+    std::uint64_t comparisons = 0;
 
     cv::Point2d Origin() const
     {
@@ -96,12 +99,40 @@ struct Stitcher::Impl
 
     double Shading(double r2) const { return shadingA * r2 + shadingB * r2 * r2; }
 
+    const Registration::Prepared& Full(StitchTile& tile);
+    void Trim();
     bool Place(StitchTile& tile, std::optional<cv::Point2d> near, int neighbours, QString* why);
     double Uncovered(const StitchTile& tile) const;
     bool Verify(StitchTile& tile, cv::Point2d guess, int neighbours);
     void EstimateShading();
     const std::pair<cv::Mat, cv::Mat>& WeightsFor(cv::Size size);
 };
+
+const Registration::Prepared& Stitcher::Impl::Full(StitchTile& tile)
+{
+    // The same grey as when it was placed, so it registers exactly as before.
+    if (!tile.prepared.Full())
+        tile.prepared = Registration::Prepare(GrayOf(tile.rgb));
+    tile.lastCompared = ++comparisons;
+    return tile.prepared;
+}
+
+void Stitcher::Impl::Trim()
+{
+    std::vector<std::uint64_t> recent;
+    for (const StitchTile& tile : tiles)
+        if (tile.prepared.Full())
+            recent.push_back(tile.lastCompared);
+    const size_t keep = size_t(std::max(1, options.preparedPictures));
+    std::uint64_t oldestKept = 0;
+    if (recent.size() > keep) {
+        std::nth_element(recent.begin(), recent.end() - long(keep), recent.end());
+        oldestKept = *(recent.end() - long(keep));
+    }
+    for (StitchTile& tile : tiles)
+        if (tile.prepared.Full() && tile.lastCompared < oldestKept)
+            Registration::Reduce(tile.prepared);
+}
 
 bool Stitcher::Impl::Place(StitchTile& tile, std::optional<cv::Point2d> near, int neighbours, QString* why)
 {
@@ -120,6 +151,10 @@ bool Stitcher::Impl::Place(StitchTile& tile, std::optional<cv::Point2d> near, in
     for (const auto& [share, i] : order) {
         const Registration::Match coarse
             = Registration::Coarse(tiles[size_t(i)].prepared, tile.prepared, options.minOverlap);
+        // A reduced picture's spectrum is made again by the next search that
+        // goes that far: a search over every picture would otherwise keep them all.
+        if (!tiles[size_t(i)].prepared.Full())
+            tiles[size_t(i)].prepared.spectrum.release();
         if (coarse.ok && Verify(tile, tiles[size_t(i)].position + coarse.shift, neighbours))
             return true;
     }
@@ -150,11 +185,12 @@ bool Stitcher::Impl::Verify(StitchTile& tile, cv::Point2d guess, int neighbours)
     // first one ended only spares the refinement most of its steps.
     cv::Point2d start = guess;
     for (const auto& [share, i] : overlapping) {
-        const StitchTile& neighbour = tiles[size_t(i)];
-        Registration::Match match = Registration::Refine(
-            neighbour.prepared, tile.prepared, start - neighbour.position, options.minOverlap);
+        StitchTile& neighbour = tiles[size_t(i)];
+        const Registration::Prepared& prepared = Full(neighbour);
+        Registration::Match match
+            = Registration::Refine(prepared, tile.prepared, start - neighbour.position, options.minOverlap);
         if (match.ok && options.minAgreement > 0.0
-            && Registration::Agreement(neighbour.prepared, tile.prepared, match.shift) < options.minAgreement)
+            && Registration::Agreement(prepared, tile.prepared, match.shift) < options.minAgreement)
             match.ok = false;
         if (match.ok) {
             if (estimates.empty())
@@ -351,6 +387,14 @@ bool Stitcher::Add(const QImage& picture, QString* why)
 Stitcher::Tracked Stitcher::Track(
     const QImage& frame, double newGround, std::optional<QPointF> near, QString* why)
 {
+    const Tracked result = TrackFrame(frame, newGround, near, why);
+    m_impl->Trim();
+    return result;
+}
+
+Stitcher::Tracked Stitcher::TrackFrame(
+    const QImage& frame, double newGround, std::optional<QPointF> near, QString* why)
+{
     Tracked result;
     if (!UsablePicture(frame, why))
         return result;
@@ -385,6 +429,7 @@ Stitcher::Tracked Stitcher::Track(
     result.found = true;
     result.position = QPointF(tile.position.x, tile.position.y);
     KeepBrightness(tile, gray);
+    tile.lastCompared = ++m_impl->comparisons;
     m_impl->tiles.push_back(std::move(tile));
     m_impl->shadingKnown = false;
     m_impl->weights.clear();
@@ -417,6 +462,15 @@ QPointF Stitcher::Position(int index) const
         return {};
     const cv::Point2d at = m_impl->tiles[size_t(index)].position - m_impl->Origin();
     return { at.x, at.y };
+}
+
+std::size_t Stitcher::HeldBytes() const
+{
+    std::size_t bytes = 0;
+    for (const StitchTile& tile : m_impl->tiles)
+        bytes += tile.rgb.total() * tile.rgb.elemSize() + tile.logSmall.total() * tile.logSmall.elemSize()
+            + Registration::Bytes(tile.prepared);
+    return bytes;
 }
 
 QImage Stitcher::Compose()

@@ -6,6 +6,7 @@
 #include <QSize>
 #include <QString>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 
@@ -30,6 +31,11 @@ public:
         double minAgreement = 0.0;
         // Even out vignetting and exposure before blending.
         bool evenShading = true;
+        // Pictures that keep their full registration data (about five times
+        // the picture's own size), the ones most recently compared in full;
+        // the rest keep a reduced copy for the search and are prepared again
+        // when a frame comes back over them.
+        int preparedPictures = 8;
     };
 
     Stitcher();
@@ -60,6 +66,8 @@ public:
     // picture's top-left corner in it (sub-pixel, as placed).
     QSize Size() const;
     QPointF Position(int index) const;
+    // The memory the placed pictures hold, in bytes.
+    std::size_t HeldBytes() const;
 
     // The blended union, or a part of it in the same coordinates (pixels the
     // pictures do not cover are black). Only the part asked for is held in
@@ -77,6 +85,8 @@ public:
         const QImage& reference, const QImage& moving, double minOverlap = 0.1);
 
 private:
+    Tracked TrackFrame(const QImage& frame, double newGround, std::optional<QPointF> near, QString* why);
+
     struct Impl;
     std::unique_ptr<Impl> m_impl;
 };

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace {
 
@@ -96,4 +97,54 @@ TEST(Stitcher, PictureThatOverlapsNothingIsRefusedAndChangesNothing)
     EXPECT_TRUE(stitcher.Add(specimen.View(-60.75, 30, kW, kH)));
     EXPECT_NEAR(stitcher.Position(2).x(), 0.0, 0.1);
     EXPECT_NEAR(stitcher.Position(0).x(), 60.75, 0.1);
+}
+
+TEST(Stitcher, LongScanKeepsLittleMoreThanThePicturesAndFindsOldGroundAgain)
+{
+    const SyntheticSlide specimen(11);
+    // Only the last two compared in full keep everything: most of a 5 x 3
+    // serpentine is held reduced.
+    Stitcher::Options options;
+    options.preparedPictures = 2;
+    Stitcher stitcher(options);
+    std::vector<QPointF> truth;
+    for (int row = 0; row < 3; ++row)
+        for (int k = 0; k < 5; ++k) {
+            const int column = row % 2 ? 4 - k : k;
+            truth.emplace_back(118.0 * column + 0.37 * k, 88.0 * row - 0.21 * k);
+        }
+    const std::size_t pictureBytes = std::size_t(kW) * kH * 3;
+    std::size_t heldAfterFive = 0;
+    for (size_t i = 0; i < truth.size(); ++i) {
+        QString why;
+        ASSERT_TRUE(stitcher.Add(specimen.View(truth[i].x(), truth[i].y(), kW, kH), &why))
+            << i << ": " << why.toStdString();
+        if (i == 4)
+            heldAfterFive = stitcher.HeldBytes();
+    }
+    for (int i = 0; i < stitcher.Count(); ++i) {
+        const QPointF placed = stitcher.Position(i) - stitcher.Position(0);
+        EXPECT_NEAR(placed.x(), truth[size_t(i)].x(), 0.1) << i;
+        EXPECT_NEAR(placed.y(), truth[size_t(i)].y(), 0.1) << i;
+    }
+    // Kept in full, a tile this size holds some 17 times its picture.
+    const double perTile = double(stitcher.HeldBytes() - heldAfterFive) / (stitcher.Count() - 5);
+    EXPECT_LT(perTile, 3.0 * pictureBytes);
+
+    // Back over the first row, long reduced: found where it lies, whether
+    // the last place is known or tracking was lost, and kept there as well.
+    const QPointF over(60.4, 20.7);
+    const QImage back = specimen.View(over.x(), over.y(), kW, kH);
+    for (const std::optional<QPointF>& near : { std::optional<QPointF>(), std::optional<QPointF>(over) }) {
+        QString why;
+        const Stitcher::Tracked tracked = stitcher.Track(back, 0.15, near, &why);
+        ASSERT_TRUE(tracked.found) << why.toStdString();
+        EXPECT_FALSE(tracked.added);
+        EXPECT_NEAR(tracked.position.x(), over.x(), 0.1);
+        EXPECT_NEAR(tracked.position.y(), over.y(), 0.1);
+    }
+    ASSERT_TRUE(stitcher.Add(back));
+    const QPointF kept = stitcher.Position(stitcher.Count() - 1) - stitcher.Position(0);
+    EXPECT_NEAR(kept.x(), over.x(), 0.1);
+    EXPECT_NEAR(kept.y(), over.y(), 0.1);
 }
