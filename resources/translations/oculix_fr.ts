@@ -664,6 +664,13 @@ texte</translation>
     </message>
 </context>
 <context>
+    <name>CMosaicPanel</name>
+    <message>
+        <source>Wheel to zoom, drag to pan, double-click to see all of it</source>
+        <translation>Molette pour zoomer, glisser pour déplacer, double-clic pour tout voir</translation>
+    </message>
+</context>
+<context>
     <name>CNoCameraHint</name>
     <message>
         <source>No camera found</source>

@@ -664,6 +664,13 @@ Background</source>
     </message>
 </context>
 <context>
+    <name>CMosaicPanel</name>
+    <message>
+        <source>Wheel to zoom, drag to pan, double-click to see all of it</source>
+        <translation>滚轮缩放，拖动平移，双击查看全部</translation>
+    </message>
+</context>
+<context>
     <name>CNoCameraHint</name>
     <message>
         <source>No camera found</source>
