@@ -2,6 +2,7 @@
 // preview (or record) pipeline. Reports the frames per second that reach the
 // processing element and the CPU the process spends, in percent of one core.
 // Painting into a window is not included (no widgets here).
+#include "CpuTime.h"
 #include "capture/CSimScene.h"
 #include "capture/CXCapGraph.h"
 #include "capture/SimDeviceProvider.h"
@@ -18,14 +19,6 @@
 #include <vector>
 
 namespace {
-
-double CpuSeconds()
-{
-    rusage usage {};
-    getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
-        + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
 
 int Frames(CXCapGraph& graph)
 {
@@ -74,12 +67,12 @@ void BM_LivePipeline(benchmark::State& state, int formatIndex, bool allOn, bool 
     double cpu = 0;
     for (auto _ : state) {
         const int f0 = Frames(graph);
-        const double c0 = CpuSeconds();
+        const double c0 = SelfCpuSeconds();
         const auto t0 = std::chrono::steady_clock::now();
         QThread::msleep(4000);
         const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
         fps = (Frames(graph) - f0) / wall;
-        cpu = (CpuSeconds() - c0) / wall * 100.0;
+        cpu = (SelfCpuSeconds() - c0) / wall * 100.0;
         state.SetIterationTime(wall);
     }
     state.counters["fps"] = fps;

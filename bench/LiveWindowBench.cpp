@@ -5,6 +5,7 @@
 // one core (from /proc/PID/stat), the simulated camera's own cost (the same
 // source alone into a fake sink, in this process) and the difference: what
 // showing, processing and painting the frames cost.
+#include "CpuTime.h"
 #include "capture/GstInit.h"
 #include "capture/SimCameraSource.h"
 
@@ -26,29 +27,6 @@ namespace {
 
 constexpr int kSettleMs = 5000;
 constexpr int kMeasureMs = 8000;
-
-double SelfCpuSeconds()
-{
-    rusage usage {};
-    getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
-        + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
-
-// User plus system time of another process, in seconds; negative when gone.
-double ProcessCpuSeconds(qint64 pid)
-{
-    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (!stat.open(QIODevice::ReadOnly))
-        return -1;
-    const QByteArray text = stat.readAll();
-    // Fields after the command name, which may hold spaces: state is 3rd,
-    // utime the 14th and stime the 15th of the whole line.
-    const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
-    if (fields.size() < 13)
-        return -1;
-    return double(fields[11].toLongLong() + fields[12].toLongLong()) / double(sysconf(_SC_CLK_TCK));
-}
 
 // Percent of one core `cpu` (seconds, sampled twice) used over the interval.
 template <typename Cpu> double PercentOver(Cpu cpu, int ms)

@@ -2,6 +2,7 @@
 // nobody does anything, the memory of marks made one by one with the undo
 // history, and the user interface thread's work for one more mark.
 
+#include "CpuTime.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CShapeHistory.h"
 #include "measure/WindowCalls.h"
@@ -51,13 +52,6 @@ void MakeMarks(CGVLElemMgr& mgr, CShapeHistory* history, int count)
         Click(mgr, history, MarkAt(i));
 }
 
-double ProcessCpuSeconds()
-{
-    timespec t {};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
-}
-
 std::size_t HeapInUse()
 {
     return mallinfo2().uordblks;
@@ -81,11 +75,11 @@ void BM_OverlayWorkerIdle(benchmark::State& state)
         worker.Start();
         std::this_thread::sleep_for(std::chrono::milliseconds(500));
         const auto start = std::chrono::steady_clock::now();
-        const double cpuStart = ProcessCpuSeconds();
+        const double cpuStart = SelfCpuSeconds();
         const unsigned drawnStart = worker.OverlaysDrawn();
         std::this_thread::sleep_for(std::chrono::seconds(2));
         worker.Stop();
-        cpu += ProcessCpuSeconds() - cpuStart;
+        cpu += SelfCpuSeconds() - cpuStart;
         wall += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         drawn += worker.OverlaysDrawn() - drawnStart;
     }

@@ -4,6 +4,7 @@
 // process and of the camera's own (the PipeWire camera is another process,
 // the simulated one renders inside this one). Needs the tools of
 // tests/PipeWireRig.h; no real camera or desktop session is touched.
+#include "CpuTime.h"
 #include "PipeWireRig.h"
 #include "capture/CXCapGraph.h"
 #include "capture/SimDeviceProvider.h"
@@ -20,25 +21,6 @@
 namespace {
 
 const QString kCaps = QStringLiteral("video/x-raw,format=YUY2,width=1280,height=720,framerate=30/1");
-
-double CpuSeconds()
-{
-    rusage usage {};
-    getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
-        + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
-
-// User and system time of another process, from /proc.
-double ProcessCpuSeconds(pid_t pid)
-{
-    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (pid <= 0 || !stat.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> fields = stat.readAll().split(')').value(1).trimmed().split(' ');
-    // After the name: state is field 3; utime and stime are fields 14 and 15.
-    return (fields.value(11).toDouble() + fields.value(12).toDouble()) / double(sysconf(_SC_CLK_TCK));
-}
 
 int Frames(CXCapGraph& graph)
 {
@@ -69,13 +51,13 @@ void MeasurePreview(benchmark::State& state, const QString& name, pid_t cameraPr
     double fps = 0, cpu = 0, cameraCpu = 0;
     for (auto _ : state) {
         const int f0 = Frames(graph);
-        const double c0 = CpuSeconds();
+        const double c0 = SelfCpuSeconds();
         const double k0 = ProcessCpuSeconds(cameraProcess);
         const auto t0 = std::chrono::steady_clock::now();
         QThread::msleep(5000);
         const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
         fps = (Frames(graph) - f0) / wall;
-        cpu = (CpuSeconds() - c0) / wall * 100.0;
+        cpu = (SelfCpuSeconds() - c0) / wall * 100.0;
         cameraCpu = (ProcessCpuSeconds(cameraProcess) - k0) / wall * 100.0;
         state.SetIterationTime(wall);
     }
