@@ -17,12 +17,37 @@ void CMeasureDoc::MapCaptureDialogs()
     };
     MapCommand(ID_CAMERA_RECORD, onLive(&CMeasureDoc::OnRecord));
     MapCommand(ID_CAMERA_INTERVAL, onLive(&CMeasureDoc::OnIntervalCapture));
-    MapCommand(ID_PROCESS_RGB, onLive(&CMeasureDoc::OnRgb));
+    // A still picture is white-balanced through its RGB offsets, which "Rgb"
+    // takes off again; otherwise both act on the live picture.
+    const auto still = [this] { return !m_bLive && m_image.IsValidImage(); };
+    MapCommand(ID_PROCESS_RGB, [this, still, live = onLive(&CMeasureDoc::OnRgb)] {
+        if (still() && m_switches.rgb)
+            ToggleOperation(ProcessOp::Rgb);
+        else
+            live();
+    });
     MapCommand(ID_VIDEO_FLAT_FIELD, onLive(&CMeasureDoc::OnFlatField));
-    MapCommand(ID_VIDEO_WHITE_BALANCE, onLive(&CMeasureDoc::OnWhiteBalance));
+    MapCommand(ID_VIDEO_WHITE_BALANCE, [this, still, live = onLive(&CMeasureDoc::OnWhiteBalance)] {
+        if (still())
+            OnWhiteBalance();
+        else
+            live();
+    });
     MapUpdate(ID_CAMERA_RECORD, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
-    for (int id : { ID_PROCESS_RGB, ID_VIDEO_FLAT_FIELD, ID_VIDEO_WHITE_BALANCE })
-        MapUpdate(id, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
+    MapUpdate(ID_VIDEO_FLAT_FIELD, [this](CCmdUI& ui) { UpdateCameraCommand(ui, true); });
+    MapUpdate(ID_PROCESS_RGB, [this, still](CCmdUI& ui) {
+        if (still() && m_switches.rgb) {
+            ui.Enable(true);
+            ui.SetCheck(true);
+        } else
+            UpdateCameraCommand(ui, true);
+    });
+    MapUpdate(ID_VIDEO_WHITE_BALANCE, [this, still](CCmdUI& ui) {
+        if (still())
+            ui.Enable(true);
+        else
+            UpdateCameraCommand(ui, true);
+    });
     // A paused picture is saved as well as a moving one.
     MapUpdate(ID_CAMERA_INTERVAL, [this](CCmdUI& ui) { UpdateCameraCommand(ui, false); });
 }

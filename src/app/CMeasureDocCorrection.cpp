@@ -2,6 +2,7 @@
 #include "app/CMeasureDoc.h"
 #include "capture/CFlatFieldDlg.h"
 #include "capture/LiveWhiteBalance.h"
+#include "image/WhiteBalance.h"
 #include "measure/CGVLElemMgr.h"
 #include "measure/CGVLShape.h"
 #include "measure/ShapeKinds.h"
@@ -42,7 +43,21 @@ void CMeasureDoc::OnWhiteBalance()
             caption, MB_OK | MB_ICONINFORMATION);
         return;
     }
-    switch (BalanceLiveRegion(*this, drawn)) {
+    // A still picture is balanced as its other processing works: the RGB
+    // operation's offsets, the picture rebuilt from its unprocessed copy.
+    const auto balanceStill = [this, &drawn] {
+        const QRect region = drawn.normalized();
+        if (region.width() < 2 || region.height() < 2)
+            return LiveWhiteBalance::TooSmall;
+        const auto means = RegionMeans(
+            m_image.GetMemStart(), unsigned(m_image.Width()), unsigned(m_image.Height()), region);
+        if (!means)
+            return LiveWhiteBalance::Outside;
+        const bool reached = SetOffsetsToGray(m_switches, *means);
+        ReapplyPicture();
+        return reached ? LiveWhiteBalance::Done : LiveWhiteBalance::Partial;
+    };
+    switch (m_bLive ? BalanceLiveRegion(*this, drawn) : balanceStill()) {
     case LiveWhiteBalance::Done:
         return;
     case LiveWhiteBalance::Partial:

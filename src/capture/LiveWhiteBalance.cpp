@@ -127,13 +127,19 @@ LiveWhiteBalance BalanceLiveRegion(ILiveDocument& document, const QRect& drawn)
     if (const auto throughCamera = BalanceThroughCamera(document, *means))
         return *throughCamera;
     ProcessSwitches& s = document.LiveSwitches();
+    const bool reached = SetOffsetsToGray(s, *means);
+    document.GetGraph().SetRgbGain(1, s.red, s.green, s.blue);
+    return reached ? LiveWhiteBalance::Done : LiveWhiteBalance::Partial;
+}
+
+bool SetOffsetsToGray(ProcessSwitches& s, const ChannelMeans& means)
+{
     const ChannelOffsets current
         = s.rgb ? ChannelOffsets { s.blue, s.green, s.red, true } : ChannelOffsets {};
-    const ChannelOffsets offsets = OffsetsToGray(*means, current, kMaxOffset);
+    const ChannelOffsets offsets = OffsetsToGray(means, current, kMaxOffset);
     s.rgb = true;
     s.red = offsets.red;
     s.green = offsets.green;
     s.blue = offsets.blue;
-    document.GetGraph().SetRgbGain(1, s.red, s.green, s.blue);
-    return offsets.reached ? LiveWhiteBalance::Done : LiveWhiteBalance::Partial;
+    return offsets.reached;
 }

@@ -3,6 +3,8 @@
 #include <QRect>
 
 class ILiveDocument;
+struct ChannelMeans;
+struct ProcessSwitches;
 
 // White balance of the live picture from a rectangle drawn over something
 // neutral: through the camera's own red and blue gains where it has them
@@ -19,3 +21,8 @@ enum class LiveWhiteBalance {
 
 // drawn: the rectangle in picture coordinates, outline included.
 LiveWhiteBalance BalanceLiveRegion(ILiveDocument& document, const QRect& drawn);
+
+// Sets the RGB operation's offsets in s (switching it on) so a region whose
+// means were measured with s applied turns gray, within the RGB dialog's
+// range; false when an offset stopped at its end.
+bool SetOffsetsToGray(ProcessSwitches& s, const ChannelMeans& means);

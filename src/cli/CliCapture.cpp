@@ -138,7 +138,7 @@ int RunRecord(const QStringList& arguments)
         QStringLiteral("Record the processed live video to an AVI file (Motion JPEG), for --seconds or until "
                        "interrupted (Ctrl+C), which ends the file properly."));
     parser.AddCameraOptions(true);
-    CliCorrection::AddOptions(parser, false);
+    CliCorrection::AddOptions(parser, true);
     parser.AddOption(
         { QStringLiteral("seconds"), QStringLiteral("How long to record."), QStringLiteral("S") });
     parser.AddPositional(QStringLiteral("OUT.avi"), QStringLiteral("The AVI file to write."));
@@ -156,8 +156,8 @@ int RunRecord(const QStringList& arguments)
     CliCamera camera;
     camera.Open(parser.Device(), parser.Format());
     camera.StartPreview();
-    const QSize size = camera.VideoSize();
-    const auto flat = correction.FlatFor(unsigned(size.width()), unsigned(size.height()));
+    // The white balance is measured on a frame before the recording starts.
+    const auto flat = correction.Any() ? correction.ForStream(camera.GrabRaw()) : nullptr;
     // The file grows under a temporary name and takes its own only when finished.
     const QString temporary = TemporaryNameBeside(QFileInfo(out).absoluteFilePath());
     if (temporary.size() > kMaxRecordPath) {

@@ -8,6 +8,8 @@
 #include "image/ProcessChain.h"
 #include "image/WhiteBalance.h"
 
+#include <algorithm>
+
 namespace {
 
 QString SizeText(int width, int height)
@@ -88,8 +90,14 @@ void CliCorrection::Apply(FCObjImage& picture) const
     const auto height = unsigned(picture.Height());
     if (const auto field = FlatFor(width, height))
         field->Apply(picture.GetMemStart(), width, height);
-    if (!m_region)
-        return;
+    if (m_region)
+        ApplyGains(picture.GetMemStart(), width, height, RegionGains(picture));
+}
+
+ChannelGains CliCorrection::RegionGains(const FCObjImage& picture) const
+{
+    const auto width = unsigned(picture.Width());
+    const auto height = unsigned(picture.Height());
     const auto means = RegionMeans(picture.GetMemStart(), width, height, *m_region);
     if (!means)
         ThrowFailure(QStringLiteral("the white-balance region %1,%2,%3,%4 lies outside the %5 picture")
@@ -102,7 +110,34 @@ void CliCorrection::Apply(FCObjImage& picture) const
     if (!gains)
         ThrowFailure(
             QStringLiteral("the white-balance region is black in a colour; choose a lit, neutral area"));
-    ApplyGains(picture.GetMemStart(), width, height, *gains);
+    return *gains;
+}
+
+std::shared_ptr<const FlatField> CliCorrection::ForStream(FCObjImage raw) const
+{
+    if (!Any())
+        return nullptr;
+    if (raw.ColorBits() != 24 && !raw.ConvertTo24Bit())
+        ThrowFailure(QStringLiteral("the picture cannot be corrected: not enough memory"));
+    const auto width = unsigned(raw.Width());
+    const auto height = unsigned(raw.Height());
+    auto flat = FlatFor(width, height);
+    if (!m_region)
+        return flat;
+    std::shared_ptr<FlatField> field;
+    if (flat) {
+        field = std::make_shared<FlatField>(*flat);
+        field->Apply(raw.GetMemStart(), width, height);
+    } else {
+        // An even blank field gives every pixel the gain 1.
+        FCObjImage even(int(width), int(height), 24);
+        std::fill_n(even.GetMemStart(), std::size_t(even.GetPitch()) * height, uchar(128));
+        const uchar* blank = even.GetMemStart();
+        field = std::make_shared<FlatField>(FlatField::FromFrames({ &blank, 1 }, nullptr, width, height));
+    }
+    const ChannelGains gains = RegionGains(raw);
+    field->Scale(gains.blue, gains.green, gains.red);
+    return field;
 }
 
 FCObjImage CliCorrection::Processed(FCObjImage raw, const ProcessSwitches& switches) const

@@ -11,6 +11,7 @@
 
 class CliParser;
 class FlatField;
+struct ChannelGains;
 
 // The picture corrections of the command line: --flat-field BLANK with an
 // optional --dark DARK, and --white-balance X,Y,W,H (a region made gray).
@@ -31,6 +32,12 @@ public:
     // A failure when the blank field or the dark frame is of another size.
     std::shared_ptr<const FlatField> FlatFor(unsigned width, unsigned height) const;
 
+    // The correction of a stream of frames like raw, applied in the
+    // processing element: the flat field with the white balance measured on
+    // raw folded in, a uniform field for white balance alone; null for
+    // neither. Failures as Apply's.
+    std::shared_ptr<const FlatField> ForStream(FCObjImage raw) const;
+
     // Corrects a picture, which becomes 24-bit when it is not. A failure for
     // a size that does not match or a region outside the picture or black in
     // a channel there.
@@ -41,6 +48,9 @@ public:
     FCObjImage Processed(FCObjImage raw, const ProcessSwitches& switches) const;
 
 private:
+    // The gains that make the region of a flat-field corrected picture gray.
+    ChannelGains RegionGains(const FCObjImage& picture) const;
+
     QString m_blankPath;
     QString m_darkPath;
     FCObjImage m_blank;

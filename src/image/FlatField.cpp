@@ -60,6 +60,13 @@ FlatField FlatField::FromFrames(
     return field;
 }
 
+void FlatField::Scale(double blue, double green, double red)
+{
+    const double factors[3] = { blue, green, red };
+    for (std::size_t i = 0; i < m_gains.size(); ++i)
+        m_gains[i] = std::uint16_t(std::min<double>(kMaxGain, std::lround(m_gains[i] * factors[i % 3])));
+}
+
 namespace {
 
 constexpr unsigned kHalf = 1u << (FlatField::kGainBits - 1);

@@ -43,6 +43,10 @@ public:
     // was) when its size is not the flat field's.
     bool Apply(uchar* bits, unsigned width, unsigned height) const;
 
+    // Multiplies every gain of a channel by its factor, so the one sweep also
+    // applies a white balance; gains stop at kMaxGain.
+    void Scale(double blue, double green, double red);
+
 private:
     unsigned m_width = 0;
     unsigned m_height = 0;

@@ -473,3 +473,47 @@ TEST_F(MeasureFrameTest, AToolsPictureOpensAsAPictureDocument)
     EXPECT_EQ(CMeasureDoc::GetLiveDocument(), nullptr);
     EXPECT_EQ(CMeasureDoc::RunningOverlayWorkers(), 0);
 }
+
+// "White Balance" on a still picture makes the drawn rectangle gray through
+// the picture's RGB offsets, and "Rgb" takes them off again, leaving the
+// picture as it was opened.
+TEST_F(MeasureFrameTest, WhiteBalanceOnAStillPictureAndRgbTakesItOff)
+{
+    FCObjImage tinted(120, 90, 24);
+    for (int y = 0; y < 90; ++y)
+        for (int x = 0; x < 120; ++x)
+            tinted.SetPixelColor(x, y, x < 60 ? qRgb(190, 170, 150) : qRgb(95, 85, 75));
+    const QString path = home.filePath("tinted.bmp");
+    ASSERT_TRUE(tinted.Save(path));
+    Start(false, { path });
+    CMeasureDoc* doc = ActiveDoc();
+    ASSERT_NE(doc, nullptr);
+    const FCObjImage& shown = *doc->GetPicture();
+
+    // Without a rectangle the user is told to draw one; nothing changes.
+    ASSERT_TRUE(frame->QueryCommand(ID_VIDEO_WHITE_BALANCE).IsEnabled());
+    ASSERT_TRUE(frame->RouteCommand(ID_VIDEO_WHITE_BALANCE));
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_TRUE(messages[0].contains("Draw a rectangle")) << messages[0].toStdString();
+    EXPECT_EQ(shown.GetPixelColor(5, 5), qRgb(190, 170, 150));
+    EXPECT_FALSE(frame->QueryCommand(ID_PROCESS_RGB).IsEnabled());
+
+    ASSERT_TRUE(frame->RouteCommand(ID_MEASURE_RECT));
+    Drag(ActiveView()->GetOverlayWnd(), QPoint(5, 5), QPoint(30, 30));
+    messages.clear();
+    ASSERT_TRUE(frame->RouteCommand(ID_VIDEO_WHITE_BALANCE));
+    EXPECT_TRUE(messages.isEmpty()) << messages.join('\n').toStdString();
+    const QRgb balanced = shown.GetPixelColor(5, 5);
+    EXPECT_EQ(balanced, qRgb(190, 190, 190));
+    // The offsets hold over the whole picture, as the live picture's do.
+    EXPECT_EQ(shown.GetPixelColor(100, 5), qRgb(95, 105, 115));
+    EXPECT_TRUE(frame->QueryCommand(ID_PROCESS_RGB).IsChecked());
+    // A second time over the same rectangle changes nothing.
+    ASSERT_TRUE(frame->RouteCommand(ID_VIDEO_WHITE_BALANCE));
+    EXPECT_EQ(shown.GetPixelColor(5, 5), balanced);
+
+    ASSERT_TRUE(frame->RouteCommand(ID_PROCESS_RGB));
+    EXPECT_EQ(shown.GetPixelColor(5, 5), qRgb(190, 170, 150));
+    EXPECT_EQ(shown.GetPixelColor(100, 5), qRgb(95, 85, 75));
+    EXPECT_FALSE(frame->QueryCommand(ID_PROCESS_RGB).IsEnabled());
+}

@@ -1,8 +1,12 @@
 // oculix-cli process, and the corrections the camera commands share with it.
 
 #include "CliSupport.h"
+#include "RequiredTools.h"
 #include "image/ProcessChain.h"
 
+#include <QRect>
+
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
@@ -136,8 +140,96 @@ TEST_F(CliProcess, CameraCommandsCheckTheFlatField)
     EXPECT_ONE_ERROR(
         Run({ "snapshot", "--format", "640x480:YUY2", "--flat-field", Path("small.png"), Path("s.png") }), 1,
         "is 50 x 40, the picture 640 x 480");
-    EXPECT_ONE_ERROR(Run({ "record", "--white-balance", "0,0,5,5", Path("r.avi") }), 2, "white-balance");
+    EXPECT_ONE_ERROR(Run({ "record", "--format", "640x480:YUY2", "--seconds", "1", "--flat-field",
+                         Path("small.png"), Path("r.avi") }),
+        1, "is 50 x 40, the picture 640 x 480");
+    EXPECT_ONE_ERROR(
+        Run({ "record", "--seconds", "1", "--flat-field", Path("none.png"), Path("r.avi") }), 1, "none.png");
+    EXPECT_ONE_ERROR(Run({ "record", "--seconds", "1", "--white-balance", "0,0,5", Path("r.avi") }), 2,
+        "a region is X,Y,W,H");
     EXPECT_ONE_ERROR(Run({ "timelapse", "--interval", "1", "--count", "1", "--dark", Path("small.png") }), 2,
         "--dark goes with --flat-field");
     EXPECT_EQ(Files(), QStringList({ "small.png" }));
+}
+
+namespace {
+
+struct RecordedSpread
+{
+    int frames = 0;
+    // The largest over all frames of each channel's standard deviation, and
+    // of the spread of the channels' means over the region.
+    double deviation = 0;
+    double regionCast = 0;
+};
+
+// Decodes every frame of a 640 x 480 recording with ffmpeg.
+RecordedSpread MeasureRecording(const QString& file, const QRect& region)
+{
+    QProcess ffmpeg;
+    ffmpeg.start(
+        QStringLiteral("ffmpeg"), { "-v", "error", "-i", file, "-f", "rawvideo", "-pix_fmt", "rgb24", "-" });
+    EXPECT_TRUE(ffmpeg.waitForFinished(30000));
+    const QByteArray bytes = ffmpeg.readAllStandardOutput();
+    constexpr int kRecordedWidth = 640;
+    constexpr qsizetype kFrameBytes = kRecordedWidth * 480 * 3;
+    RecordedSpread spread;
+    for (qsizetype at = 0; at + kFrameBytes <= bytes.size(); at += kFrameBytes) {
+        const auto* frame = reinterpret_cast<const uchar*>(bytes.constData() + at);
+        for (int c = 0; c < 3; ++c) {
+            double sum = 0;
+            double squares = 0;
+            for (qsizetype i = c; i < kFrameBytes; i += 3) {
+                sum += frame[i];
+                squares += double(frame[i]) * frame[i];
+            }
+            const double n = double(kFrameBytes / 3);
+            spread.deviation = std::max(spread.deviation, std::sqrt(squares / n - (sum / n) * (sum / n)));
+        }
+        double means[3] = { 0, 0, 0 };
+        for (int y = region.top(); y <= region.bottom(); ++y)
+            for (int x = region.left(); x <= region.right(); ++x)
+                for (int c = 0; c < 3; ++c)
+                    means[c] += frame[(y * kRecordedWidth + x) * 3 + c];
+        const auto [low, high] = std::minmax({ means[0], means[1], means[2] });
+        spread.regionCast = std::max(spread.regionCast, (high - low) / (region.width() * region.height()));
+        ++spread.frames;
+    }
+    return spread;
+}
+
+} // namespace
+
+// A recording takes the corrections in every frame: a blank field of the
+// simulated scene itself levels the frames almost flat, and the white balance
+// makes the region gray with the flat field and without it.
+TEST_F(CliProcess, RecordingCorrectsEveryFrame)
+{
+    REQUIRE_TOOL(HaveProgram("ffmpeg"), "ffmpeg");
+    const QStringList small { "--format", "640x480:YUY2", "--seconds", "0.4" };
+    ASSERT_EQ(Run(QStringList { "snapshot" } + small.mid(0, 2) + QStringList { Path("blank.png") }).code, 0);
+    const QStringList balance { "--white-balance", "100,100,60,60" };
+    const QRect region(100, 100, 60, 60);
+    struct Case
+    {
+        QStringList args;
+        bool even;
+        bool gray;
+    };
+    double plain = 0;
+    for (const Case& c : { Case { {}, false, false },
+             Case { QStringList { "--flat-field", Path("blank.png") } + balance, true, true },
+             Case { balance, false, true } }) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
+        const CliRun run = Run(QStringList { "record" } + small + c.args + QStringList { Path("r.avi") });
+        ASSERT_EQ(run.code, 0) << run.err.toStdString();
+        const RecordedSpread spread = MeasureRecording(Path("r.avi"), region);
+        EXPECT_GT(spread.frames, 1);
+        if (c.args.isEmpty())
+            plain = spread.deviation;
+        // The simulated stage drifts a little, so the blank field taken
+        // before does not level every frame flat, but far evener.
+        EXPECT_EQ(spread.deviation < plain * 0.7, c.even) << spread.deviation << " against " << plain;
+        EXPECT_EQ(spread.regionCast < 2, c.gray) << spread.regionCast;
+    }
 }
