@@ -4,9 +4,9 @@ function(oculix_target_settings target)
   if(OCULIX_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
-  if(CMAKE_UNITY_BUILD)
+  if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # A unity build includes each source into another, and GCC then takes the
-    # sources' anonymous-namespace types for a header's.
+    # sources' anonymous-namespace types for a header's (clang has no such warning).
     target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
   endif()
   if(OCULIX_SANITIZE)
