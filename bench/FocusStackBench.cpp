@@ -9,6 +9,7 @@
 // - the live stack's cost per frame at 1280 x 1024 during a sweep, against
 //   the 33 ms between frames at 30 fps.
 // The tables are printed once, before the timings.
+#include "CpuTime.h"
 #include "image/FocusStack.h"
 #include "image/LiveFocusStack.h"
 #include "image/SimDepthScene.h"
@@ -171,6 +172,15 @@ QImage HuginStack(const std::vector<QImage>& frames, double* seconds)
     return QImage(dir.filePath(QStringLiteral("out.tif"))).convertToFormat(QImage::Format_RGB888);
 }
 
+// The focus sweep of a series: from the lowest point to the top, evenly.
+std::vector<QImage> Sweep(const SimDepthScene& scene, const SimDepthScene::Options& options, int frames)
+{
+    std::vector<QImage> out;
+    for (int i = 0; i < frames; ++i)
+        out.push_back(scene.Frame(i * options.depthUm / (frames - 1), std::uint64_t(i)));
+    return out;
+}
+
 void QualityTable()
 {
     const int w = 1296;
@@ -183,9 +193,7 @@ void QualityTable()
         const SimDepthScene::Options options = SeriesOptions(series, w);
         const SimDepthScene scene(w, h, options);
         const double step = options.depthUm / (series.frames - 1);
-        std::vector<QImage> frames;
-        for (int i = 0; i < series.frames; ++i)
-            frames.push_back(scene.Frame(i * step, std::uint64_t(i)));
+        const std::vector<QImage> frames = Sweep(scene, options, series.frames);
         QElapsedTimer timer;
         timer.start();
         FocusStack stack;
@@ -229,13 +237,6 @@ void QualityTable()
     if (!hugin)
         std::printf(
             "Hugin's align_image_stack or enfuse is not installed (hugin-tools, enfuse): no comparison.\n");
-}
-
-double ProcessorSeconds()
-{
-    timespec now {};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
 }
 
 long KilobytesOf(const char* field)
@@ -291,23 +292,18 @@ void BM_FocusStack20Frames(benchmark::State& state)
     const int h = int(state.range(1));
     const Series series { "particles", SimDepthScene::Relief::Particles, 20 };
     const SimDepthScene::Options options = SeriesOptions(series, w);
-    std::vector<QImage> frames;
-    {
-        const SimDepthScene scene(w, h, options);
-        for (int i = 0; i < series.frames; ++i)
-            frames.push_back(scene.Frame(i * options.depthUm / (series.frames - 1), std::uint64_t(i)));
-    }
+    const std::vector<QImage> frames = Sweep(SimDepthScene(w, h, options), options, series.frames);
     // The process's processor time over all threads: on a shared machine
     // the wall time says more about the other processes than about fusion.
     double processorSeconds = 0.0;
     for (auto _ : state) {
-        const double processorStart = ProcessorSeconds();
+        const double processorStart = SelfCpuSeconds();
         FocusStack stack;
         for (const QImage& frame : frames)
             stack.Add(frame);
         const QImage fused = stack.Result();
         benchmark::DoNotOptimize(fused.constBits());
-        processorSeconds += ProcessorSeconds() - processorStart;
+        processorSeconds += SelfCpuSeconds() - processorStart;
     }
     state.counters["all_threads_cpu_s"] = processorSeconds / double(state.iterations());
 }
@@ -323,18 +319,13 @@ void BM_LiveFocusStackFeed(benchmark::State& state)
     const int h = 1024;
     const Series series { "particles", SimDepthScene::Relief::Particles, 60 };
     const SimDepthScene::Options options = SeriesOptions(series, w);
-    std::vector<QImage> frames;
-    {
-        const SimDepthScene scene(w, h, options);
-        for (int i = 0; i < series.frames; ++i)
-            frames.push_back(scene.Frame(i * options.depthUm / (series.frames - 1), std::uint64_t(i)));
-    }
+    const std::vector<QImage> frames = Sweep(SimDepthScene(w, h, options), options, series.frames);
     double worst = 0.0;
     double total = 0.0;
     int kept = 0;
     double processorSeconds = 0.0;
     for (auto _ : state) {
-        const double processorStart = ProcessorSeconds();
+        const double processorStart = SelfCpuSeconds();
         LiveFocusStack live;
         for (const QImage& frame : frames) {
             QElapsedTimer timer;
@@ -350,7 +341,7 @@ void BM_LiveFocusStackFeed(benchmark::State& state)
         }
         live.Finish();
         kept += live.Kept();
-        processorSeconds += ProcessorSeconds() - processorStart;
+        processorSeconds += SelfCpuSeconds() - processorStart;
     }
     const double offered = double(state.iterations()) * double(frames.size());
     state.counters["mean_ms"] = total / offered;
