@@ -1,6 +1,7 @@
 #include "capture/CCameraControlStore.h"
 
 #include "CaptureTestSupport.h"
+#include "TemporaryDataFolder.h"
 #include "TestFiles.h"
 #include "capture/CDevicePropertiesDlg.h"
 #include "platform/AppPaths.h"
@@ -41,22 +42,16 @@ class CameraControlStore : public ::testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(dir.isValid());
-        saved = CurrentAppPaths();
-        AppPaths paths = saved;
-        paths.m_dataFolder = dir.path() + QLatin1Char('/');
-        SetCurrentAppPaths(paths);
+        ASSERT_TRUE(data.IsValid());
         AddCapsCamera(kStageCamera, kSmallCameraCaps);
         AddCapsCamera(QStringLiteral("Other Camera"), kSmallCameraCaps);
     }
-    void TearDown() override { SetCurrentAppPaths(saved); }
 
-    QString File() const { return dir.filePath(QStringLiteral("CameraControls.ini")); }
+    QString File() const { return data.FilePath(QStringLiteral("CameraControls.ini")); }
 
     SimCameraScope cameras;
     MessageCollector messages;
-    QTemporaryDir dir;
-    AppPaths saved;
+    TemporaryDataFolder data;
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "capture/CFlatFieldStore.h"
 
 #include "CaptureTestSupport.h"
+#include "TemporaryDataFolder.h"
 #include "capture/CXCapGraph.h"
 #include "capture/HResult.h"
 #include "image/FlatField.h"
@@ -100,11 +101,7 @@ TEST(CFlatFieldStore, CameraStartingTakesItsKeptField)
 {
     SimCameraScope cameras;
     MessageCollector messages;
-    QTemporaryDir dir;
-    const AppPaths previous = CurrentAppPaths();
-    AppPaths paths = previous;
-    paths.m_dataFolder = dir.path() + QLatin1Char('/');
-    SetCurrentAppPaths(paths);
+    const TemporaryDataFolder data;
 
     AddCapsCamera(QStringLiteral("Small Camera"), kSmallCameraCaps);
     CXCapGraph graph;
@@ -145,5 +142,4 @@ TEST(CFlatFieldStore, CameraStartingTakesItsKeptField)
     ASSERT_TRUE(WaitFreshFrames(graph));
     EXPECT_EQ(Snapshot(graph), plain) << "switched off: byte for byte as before";
     graph.StopGraph();
-    SetCurrentAppPaths(previous);
 }

@@ -2,13 +2,13 @@
 
 #include "CaptureTestSupport.h"
 #include "FakeLiveDocument.h"
+#include "TemporaryDataFolder.h"
 #include "capture/CCameraControlStore.h"
 #include "capture/CCameraControls.h"
 #include "image/FCObjImage.h"
 #include "image/WhiteBalance.h"
 #include "platform/AppPaths.h"
 
-#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -86,14 +86,9 @@ TEST(LiveWhiteBalance, RectangleTurnsGrayThroughTheCamerasOwnGains)
 {
     SimCameraScope cameras;
     MessageCollector messages;
-    QTemporaryDir dir;
-    const AppPaths saved = CurrentAppPaths();
-    AppPaths paths = saved;
-    paths.m_dataFolder = dir.path() + QLatin1Char('/');
-    SetCurrentAppPaths(paths);
-    const auto restore = qScopeGuard([&] { SetCurrentAppPaths(saved); });
+    const TemporaryDataFolder data;
     CXCapGraph graph;
-    FakeLiveDocument document(graph, dir.filePath("Setting.ini"));
+    FakeLiveDocument document(graph, data.FilePath("Setting.ini"));
     const QString name = QStringLiteral("Balanced Camera");
     AddCapsCamera(name, kSmallCameraCaps);
     ASSERT_TRUE(StartPreview(graph, name, true));
